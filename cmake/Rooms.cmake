@@ -1,0 +1,33 @@
+# Shared build rules of the rooms.
+
+# Flags of every target of ours. Floating point is left as the standard defines it: no contraction, no fast-math, so that
+# a render is the same on every machine.
+add_library(qlx_options INTERFACE)
+target_include_directories(qlx_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(qlx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -fvisibility=hidden -fvisibility-inlines-hidden -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Unique symbols would pin the shared object in memory after dlclose.
+  target_compile_options(qlx_options INTERFACE -fno-gnu-unique)
+endif()
+if(QLX_SANITIZE)
+  target_compile_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE})
+endif()
+
+# qlx_room(name SOURCES ... [LINKS ...]): the static library qlx_<name> of one room.
+function(qlx_room name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(qlx_${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(qlx_${name} PUBLIC qlx_options ${ARG_LINKS})
+endfunction()
+
+# qlx_test(name SOURCES ... [LINKS ...]): one GoogleTest program; each of its tests is a ctest entry.
+function(qlx_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(test_${name} ${ARG_SOURCES})
+  target_link_libraries(test_${name} PRIVATE qlx_options ${ARG_LINKS} GTest::gtest GTest::gmock GTest::gtest_main)
+  include(GoogleTest)
+  gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 600)
+endfunction()
