@@ -1,0 +1,91 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "presets/PresetBytes.h"
+#include "presets/PresetSlot.h"
+
+/// The serialised form of presets, as pure functions between slots and bytes: what files, stored
+/// settings and the host's state chunk carry. An image is a packed 41-byte header and
+/// length-prefixed records, all numbers in the byte order of the machine that wrote it. No function
+/// here looks outside the bytes it is given, whatever they hold, and all may be called from any
+/// thread.
+namespace qlx::presets {
+
+inline constexpr std::size_t kImageHeaderBytes = 41;
+inline constexpr std::size_t kRecordHeadBytes = 12;
+inline constexpr std::size_t kNameBodyBytes = 156;
+inline constexpr std::size_t kValueBodyBytes = 20;
+
+/// Length of the image of `slots` presets with `parameters` values each.
+constexpr std::size_t imageBytes(std::size_t slots, std::size_t parameters) {
+  return kImageHeaderBytes + slots * (kRecordHeadBytes + kNameBodyBytes +
+                                      parameters * (kRecordHeadBytes + kValueBodyBytes));
+}
+
+/// What follows the file identifier: the layout of the rest.
+enum class ImageKind : std::uint8_t {
+  LegacyPreset = 0x21,
+  Preset = 0x22,
+  LegacyBank = 0x37,
+  Bank = 0x38,
+};
+
+/// The header's fields that decide how the records are read, already in this machine's byte order.
+struct ImageHeader {
+  std::int32_t recordCount = 0;
+  std::int32_t currentIndex = 0;
+  std::uint32_t recordBytes = 0;
+};
+
+/// Gets one line of text, without its end, for each value that had to be repaired.
+using DiagnosticSink = std::function<void(std::string_view)>;
+
+/// The header from the first 41 of `bytes`; nothing when there are fewer.
+std::optional<ImageHeader> readImageHeader(Bytes bytes, bool reversed);
+
+/// The image of one preset with the values of `saved`, as they stand.
+std::vector<std::uint8_t> makePresetImage(const PresetSlot& slot, std::uint32_t fileId,
+                                          const ParameterSet& saved);
+
+/// The image of all slots with the values of `saved`. A value below 0 or not a number is written as
+/// 0, one above 1 as 1, each with a diagnostic line.
+std::vector<std::uint8_t> makeBankImage(std::span<const PresetSlot, kNumPresetSlots> slots,
+                                        int currentIndex, std::uint32_t fileId,
+                                        const ParameterSet& saved, const DiagnosticSink& diagnose);
+
+/// What a bank image wants done to one slot. `slot` is complete where `named` is set.
+struct SlotUpdate {
+  bool named = false;
+  ParameterSet changed;
+  PresetSlot slot;
+};
+
+struct BankUpdate {
+  std::array<SlotUpdate, kNumPresetSlots> slots;
+  int currentIndex = 0;
+};
+
+/// Reads the records of a bank image. Values out of range are repaired to 0 or 1 with a diagnostic
+/// line. A name record starts its slot from `blank`; slots without records stay unchanged. Reading
+/// ends at the first record that does not fit into `records`. Nothing is returned for a negative
+/// record count.
+/// @param present the slots as they are now: the names in diagnostic lines come from here until a
+/// record renames them
+std::optional<BankUpdate> readBankRecords(const ImageHeader& header, Bytes records, bool reversed,
+                                          const PresetSlot& blank,
+                                          std::span<const PresetSlot, kNumPresetSlots> present,
+                                          const DiagnosticSink& diagnose);
+
+/// Reads the records of a preset image over `blank`, ending at the first record that does not fit.
+/// Nothing is returned for a negative record count or a value outside 0..1.
+std::optional<PresetSlot> readPresetRecords(const ImageHeader& header, Bytes records, bool reversed,
+                                            const PresetSlot& blank);
+
+} // namespace qlx::presets
