@@ -9,12 +9,13 @@
 
 namespace qlx::engine {
 
-/// Internal quality: LowCpu runs the rotors at a half to an eighth of the host's rate, Brilliant at the host's rate up
-/// to 50 kHz and at half or a quarter of it above.
+/// Internal quality: LowCpu runs the rotors at a half to an eighth of the host's rate, Brilliant at
+/// the host's rate up to 50 kHz and at half or a quarter of it above.
 enum class CpuMode : unsigned char { LowCpu = 0, Brilliant = 1 };
 
-/// Who knows the microphone placements. Called on the audio thread behind the mute (and once while constructing): the
-/// implementation writes the current placement's settings with RotaryEngine::set.
+/// Who knows the microphone placements. Called on the audio thread behind the mute (and once while
+/// constructing): the implementation writes the current placement's settings with
+/// RotaryEngine::set.
 class MicrophonePlacement {
  public:
   virtual void applyPlacement() noexcept = 0;
@@ -25,13 +26,13 @@ class MicrophonePlacement {
 
 /// The rotary cabinet from the amplifier's input to the stereo microphones' output.
 ///
-/// Threads: set, request, setHostRate, setCpuMode, switchOff, switchOn and the read-outs may be called from any thread at
-/// any time, none of them blocks; process and performAllPendingWork belong to the one thread that processes audio.
-/// process neither allocates, locks nor throws.
+/// Threads: set, request, setHostRate, setCpuMode, switchOff, switchOn and the read-outs may be
+/// called from any thread at any time, none of them blocks; process and performAllPendingWork
+/// belong to the one thread that processes audio. process neither allocates, locks nor throws.
 class RotaryEngine {
  public:
-  /// Starts at 44100 Hz, low-CPU mode, switched off, everything pending. `placement` and the recordings' memory must
-  /// outlive the engine.
+  /// Starts at 44100 Hz, low-CPU mode, switched off, everything pending. `placement` and the
+  /// recordings' memory must outlive the engine.
   RotaryEngine(const Recordings& recordings, MicrophonePlacement& placement);
   ~RotaryEngine();
   RotaryEngine(const RotaryEngine&) = delete;
@@ -40,12 +41,12 @@ class RotaryEngine {
   /// Gives a physical value; see Setting for units.
   void set(Setting setting, double value) noexcept;
 
-  /// Asks for re-initialisation: the output fades to the dry signal within about 60 ms, the work named by `work` is done
-  /// one group a block, and the cabinet fades back in.
+  /// Asks for re-initialisation: the output fades to the dry signal within about 60 ms, the work
+  /// named by `work` is done one group a block, and the cabinet fades back in.
   void request(std::uint32_t work) noexcept;
 
-  /// The host's sample rate in Hz; read at the next re-initialisation that refreshes the rate. Below 22050 counts as
-  /// 22050; zero, negative and not finite values are ignored.
+  /// The host's sample rate in Hz; read at the next re-initialisation that refreshes the rate.
+  /// Below 22050 counts as 22050; zero, negative and not finite values are ignored.
   void setHostRate(double hz) noexcept;
 
   /// Takes effect with the next rate set-up (request kPendingFullReset).
@@ -58,10 +59,12 @@ class RotaryEngine {
   /// Does all pending work at once, without a mute; for construction, while nothing processes.
   void performAllPendingWork() noexcept;
 
-  /// Processes one block of any length. in1 may equal in0 (mono); out1 may equal out0 or be null, then out0 receives the
-  /// left result. Input and output buffers may be the same memory, also crossed. Samples that are not finite count as 0.
+  /// Processes one block of any length. in1 may equal in0 (mono); out1 may equal out0 or be null,
+  /// then out0 receives the left result. Input and output buffers may be the same memory, also
+  /// crossed. Samples that are not finite count as 0.
   void process(const float* in0, const float* in1, float* out0, float* out1, int frames) noexcept;
-  void process(const double* in0, const double* in1, double* out0, double* out1, int frames) noexcept;
+  void process(const double* in0, const double* in1, double* out0, double* out1,
+               int frames) noexcept;
 
   /// Rotor phases in turns, 0 <= phase < 1, as of the end of the last block; for displays.
   double hornPhase() const noexcept;

@@ -4,10 +4,11 @@
 
 namespace qlx::engine {
 
-/// Every physical value that the engine can be told, by name. Set with RotaryEngine::set from any thread; the audio
-/// thread takes a changed value at the start of its next block. Gains are linear, angles in turns (0 straight in front,
-/// positive to the right, -0.5 .. 0.5), distances in metres, times in seconds, rotor speeds in revolutions per second.
-/// Values are limited to the range that the engine's settings table states; a value that is not finite is ignored.
+/// Every physical value that the engine can be told, by name. Set with RotaryEngine::set from any
+/// thread; the audio thread takes a changed value at the start of its next block. Gains are linear,
+/// angles in turns (0 straight in front, positive to the right, -0.5 .. 0.5), distances in metres,
+/// times in seconds, rotor speeds in revolutions per second. Values are limited to the range that
+/// the engine's settings table states; a value that is not finite is ignored.
 enum class Setting : unsigned char {
   // Frame, amplifier and tone
   Bypass,           ///< 0 or 1: target of the cross-fade from the cabinet to the untouched input
@@ -43,8 +44,8 @@ enum class Setting : unsigned char {
   HornMic2Gain,
   HornGain,
   HornFeedGain,
-  HornLevel,       ///< make-up of the chosen microphone placement; not smoothed
-  HornHighPassHz,  ///< 0 switches the filter off
+  HornLevel,      ///< make-up of the chosen microphone placement; not smoothed
+  HornHighPassHz, ///< 0 switches the filter off
 
   // Horn rotor and its cabinet (all three horn models)
   HornFmRadius,
@@ -55,7 +56,8 @@ enum class Setting : unsigned char {
   HornReflectionCoeff,
   HornReflectionLpfOctaves, ///< octaves of treble lost per bounce
   HornStaticCutoffHz,
-  HornFlip, ///< +1 or -1: the rotor's sense of mounting; -1 exchanges the side walls and turns the rotor by half a turn
+  HornFlip, ///< +1 or -1: the rotor's sense of mounting; -1 exchanges the side walls and turns the
+            ///< rotor by half a turn
   HornOpenBackMode,
   HornRayGain1, ///< direct
   HornRayGain2, ///< back wall and side walls

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <numbers>
+
+namespace qlx::engine {
+
+inline constexpr double kTwoPi = 2.0 * std::numbers::pi;
+inline constexpr double kHalfPi = 0.5 * std::numbers::pi;
+
+/// Metres a second, in air of about 15 degrees Celsius, and its reciprocal (delay in seconds of one
+/// metre).
+inline constexpr double kSpeedOfSound = 340.29;
+inline constexpr double kInverseSpeedOfSound = 0.0029386699579770194;
+
+/// Host samples between two updates of what follows the rotors' angle slowly (filters of the rays).
+inline constexpr int kUpdateInterval = 16;
+
+/// Longest stretch, in engine samples, that the stages work on at a time. The stages only feed
+/// forward, so each runs over the whole stretch before the next begins.
+inline constexpr int kRun = 32;
+
+/// One value a sample of a stretch.
+using RunBuffer = std::array<double, kRun>;
+
+/// Takes a recursive state out of the range of subnormal numbers: what is far below the constant
+/// becomes exactly zero.
+inline double flushed(double state) noexcept { return (state + 1e-12) - 1e-12; }
+
+/// One-pole low-pass y = (y - x) p + x; the pole p comes from one of the laws below.
+struct OnePole {
+  double state = 0.0;
+
+  double next(double x, double pole) noexcept {
+    state = flushed((state - x) * pole + x);
+    return state;
+  }
+};
+
+/// Pole of a one-pole low-pass at cut-off f (impulse invariance).
+inline double lowPassPole(double hz, double sampleRate) noexcept {
+  return std::exp(-kTwoPi * hz / sampleRate);
+}
+
+/// Pole of the cabinet's softer filters: the step response has settled to 0.5 % one period of f
+/// later.
+inline double settlingPole(double hz, double sampleRate) noexcept {
+  return std::pow(0.005, hz / sampleRate);
+}
+
+/// Share of the remaining distance that an exponential approach of time constant t covers in one
+/// sample.
+inline double approachCoefficient(double seconds, double sampleRate) noexcept {
+  return 1.0 - std::exp(-1.0 / (seconds * sampleRate));
+}
+
+/// Adds or subtracts one turn so that an angle at most one turn outside comes back to 0 .. 1.
+inline double wrappedOnce(double turns) noexcept {
+  if (turns < 0.0) return turns + 1.0;
+  if (turns > 1.0) return turns - 1.0;
+  return turns;
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,79 @@
+#include "engine/CabinetGeometry.h"
+
+#include "engine/Interpolation.h"
+
+#include <cmath>
+
+namespace qlx::engine {
+
+Point planePosition(const MicrophonePosition& microphone) noexcept {
+  const double bearing = (microphone.angle - 0.25) * kTwoPi;
+  return {std::cos(bearing) * microphone.distance, std::sin(bearing) * microphone.distance};
+}
+
+double microphoneSide(const MicrophonePosition& microphone) noexcept {
+  return microphone.angle < -0.25 || microphone.angle > 0.25 ? -1.0 : 1.0;
+}
+
+MicrophoneRegion microphoneRegion(const MicrophonePosition& microphone,
+                                  const CabinetWalls& walls) noexcept {
+  const Point m = planePosition(microphone);
+  const double side = microphoneSide(microphone);
+  double direction = std::atan(-m.y * side / std::sqrt(m.x * m.x + m.y * m.y)) / kTwoPi;
+  if (m.x > 0.0) direction = -direction;
+  const double thresholdA = std::atan(walls.sideA / walls.back) / kTwoPi;
+  const double thresholdB = std::atan(walls.sideB / walls.back) / kTwoPi;
+  const bool behind = side < 0.0;
+  if (direction > thresholdA) return behind ? MicrophoneRegion::SideA : MicrophoneRegion::SideB;
+  if (direction < -thresholdB) return behind ? MicrophoneRegion::SideB : MicrophoneRegion::SideA;
+  return MicrophoneRegion::Front;
+}
+
+void Rays::rebuild(std::span<const ImageSource> images, const MicrophonePosition& microphone,
+                   double amRadius) noexcept {
+  const Point m = planePosition(microphone);
+  count = static_cast<int>(images.size());
+  for (std::size_t r = 0; r < images.size(); ++r) {
+    const ImageSource& image = images[r];
+    const double dx = image.x - m.x, dy = image.y - m.y;
+    distance[r] = std::sqrt(dx * dx + dy * dy);
+    angle[r] = std::atan(dy / distance[r]) / kTwoPi;
+    if ((m.x - image.x) * image.signX > 0.0) angle[r] = -angle[r];
+    signY[r] = image.signY;
+    halfWidth[r] = std::atan(amRadius / distance[r]) / kTwoPi;
+  }
+}
+
+void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept {
+  m_amRadius = cabinet.amRadius;
+  const double nearest = 0.3 - m_amRadius;
+  m_table[0] = std::pow(m_amRadius * 3.3333333333333335, cabinet.attenuationExponent);
+  double previous = nearest;
+  for (int i = 1; i < kSize; ++i) {
+    const double d = nearest + 0.01 * i;
+    const double exponent = d < nearest + cabinet.attenuationDistance
+                                ? 1.0 - std::pow((d - nearest) / cabinet.attenuationDistance,
+                                                 cabinet.attenuationFadeExponent)
+                                : 0.0;
+    const auto k = static_cast<std::size_t>(i);
+    m_table[k] = m_table[k - 1] * std::pow(previous / d, exponent * cabinet.attenuationExponent);
+    previous = d;
+  }
+  // Mean of the direct ray's distance over a turn, the near half weighted by the arc it takes.
+  const double mean = (0.6366 - rays.halfWidth[0] * 2.546) * rays.signY[0] * m_amRadius;
+  const double direct = cubicTableRead((m_amRadius + rays.distance[0] - mean - 0.3) * 100.0,
+                                       m_table.data(), kSize - 1);
+  m_norm = std::pow(1.0 / direct, 0.7);
+}
+
+double AttenuationLaw::level(double distance, double displacement) const noexcept {
+  return cubicTableRead((displacement + distance - 0.3 + m_amRadius) * 100.0, m_table.data(),
+                        kSize - 1) *
+         m_norm;
+}
+
+double AttenuationLaw::rawAt(double d) const noexcept {
+  return cubicTableRead(d * kSize, m_table.data(), kSize - 1);
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+namespace qlx::engine {
+
+/// Weights of the four-point cubic (Catmull-Rom) interpolation at fraction t, 0 <= t < 1, between
+/// the second and the third of four neighbouring samples.
+template <class Real>
+struct CubicWeights {
+  Real w0, w1, w2, w3;
+
+  explicit CubicWeights(Real t) noexcept {
+    const Real t2 = t * t, t3 = t2 * t;
+    w0 = Real(0.5) * (Real(2) * t2 - t3 - t);
+    w1 = Real(0.5) * (Real(3) * t3 - Real(5) * t2 + Real(2));
+    w2 = Real(0.5) * (Real(4) * t2 - Real(3) * t3 + t);
+    w3 = Real(0.5) * (t3 - t2);
+  }
+
+  Real operator()(Real p0, Real p1, Real p2, Real p3) const noexcept {
+    return w0 * p0 + w1 * p1 + w2 * p2 + w3 * p3;
+  }
+};
+
+/// A delay line of Size samples stored twice in a row, so that a four-point read or a run never
+/// wraps.
+template <int Size>
+class MirroredRing {
+ public:
+  static constexpr int kSize = Size;
+  static_assert((Size & (Size - 1)) == 0, "the index is masked");
+
+  void clear() noexcept { m_samples.fill(0.0); }
+
+  void write(int index, double x) noexcept {
+    const auto i = static_cast<std::size_t>(index & (Size - 1));
+    m_samples[i] = x;
+    m_samples[i + Size] = x;
+  }
+
+  double at(int index) const noexcept {
+    return m_samples[static_cast<std::size_t>(index & (Size - 1))];
+  }
+
+  const double* data() const noexcept { return m_samples.data(); }
+
+ private:
+  std::array<double, 2 * std::size_t{Size}> m_samples{};
+};
+
+/// Reads `ring` (stored twice in a row, `size` samples each) at position `pos`; a negative position
+/// is raised by whole lengths, one past the end wraps.
+double cubicRingRead(double pos, const double* ring, int size) noexcept;
+
+/// Reads table[0 .. last] at x; below 0 and above `last` the end values hold.
+double cubicTableRead(double x, const double* table, int last) noexcept;
+
+/// Reads a recording of `length` samples that is followed by copies of its first three, wrapping
+/// like cubicRingRead. The arithmetic is single precision; the position is not.
+float cubicLoopRead(double pos, const float* samples, int length) noexcept;
+
+/// Reads samples[0 .. last] once, the end values holding outside, in single precision.
+float cubicOneShotRead(double x, const float* samples, int last) noexcept;
+
+/// Value at `position` between entries of a table that closes on itself: the entry's index is taken
+/// modulo the number of intervals (N - 1), entry and successor are joined by a straight line.
+template <std::size_t N>
+double cyclicTableRead(const std::array<double, N>& table, double position) noexcept {
+  const auto whole = static_cast<std::size_t>(position);
+  const double fraction = position - static_cast<double>(whole);
+  const std::size_t i = whole % (N - 1);
+  return table[i] + (table[i + 1] - table[i]) * fraction;
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,101 @@
+#include "engine/RotorMotion.h"
+
+#include "engine/Acoustics.h"
+
+#include <cmath>
+
+namespace qlx::engine {
+
+namespace {
+
+/// Time constant of a first-order approach over its 10 % - 90 % time: 1 / ln 9.
+constexpr double kTimeConstantShare = 0.45511961331;
+
+} // namespace
+
+RotorMotion::Event RotorMotion::setLever(double v) noexcept {
+  m_leverValue = v;
+  if (m_stopValue >= 0.5) return Event::None;
+  const Event event = m_speedState == SpeedState::Stopped ? Event::Start : Event::None;
+  if (v == 1.0) {
+    m_speedState = SpeedState::Slow;
+    setSpeed(m_slowSpeed);
+  } else if (v == 0.0) {
+    m_speedState = SpeedState::Fast;
+    setSpeed(m_fastSpeed);
+  } else {
+    m_speedState = SpeedState::Between;
+    m_blend = 1.0 - v;
+    setSpeed(blendedSpeed());
+  }
+  return event;
+}
+
+RotorMotion::Event RotorMotion::setStop(double v) noexcept {
+  m_stopValue = v;
+  if (v < 0.5) return setLever(m_leverValue);
+  const Event event = m_speedState == SpeedState::Stopped ? Event::None : Event::Stop;
+  m_speedState = SpeedState::Stopped;
+  setSpeed(0.0);
+  return event;
+}
+
+void RotorMotion::setSlowSpeed(double hz) noexcept {
+  m_slowSpeed = hz;
+  if (m_speedState == SpeedState::Slow) setSpeed(hz);
+  if (m_speedState == SpeedState::Between) setSpeed(blendedSpeed());
+}
+
+void RotorMotion::setFastSpeed(double hz) noexcept {
+  m_fastSpeed = hz;
+  if (m_speedState == SpeedState::Fast) setSpeed(hz);
+  if (m_speedState == SpeedState::Between) setSpeed(blendedSpeed());
+}
+
+void RotorMotion::setSpeed(double hz) noexcept {
+  m_targetSpeedHz = hz;
+  m_targetSpeed = hz / m_sampleRate;
+}
+
+double RotorMotion::approachPole(double seconds) const noexcept {
+  return std::exp(-1.0 / (seconds * m_sampleRate * kTimeConstantShare));
+}
+
+void RotorMotion::setAccelTime(double seconds) noexcept {
+  m_accelTime = seconds;
+  m_accelPole = approachPole(seconds);
+}
+
+void RotorMotion::setDecelTime(double seconds) noexcept {
+  m_decelTime = seconds;
+  m_decelPole = approachPole(seconds);
+}
+
+void RotorMotion::setSampleRate(double hz) noexcept {
+  m_sampleRate = hz;
+  setSpeed(m_targetSpeedHz);
+  setAccelTime(m_accelTime);
+  setDecelTime(m_decelTime);
+  m_currentSpeed = m_targetSpeed;
+}
+
+void RotorMotion::advance(std::span<double> angles, std::span<double> speeds) noexcept {
+  double speed = m_currentSpeed, phase = m_phase;
+  const auto direction = static_cast<double>(m_direction);
+  for (std::size_t i = 0; i < angles.size(); ++i) {
+    const double pole = speed > m_targetSpeed ? m_decelPole : m_accelPole;
+    speed = flushed(speed * pole + m_targetSpeed * (1.0 - pole));
+    speeds[i] = speed;
+    double angle = phase + m_phaseOffset;
+    while (angle >= 1.0) angle -= 1.0;
+    while (angle < 0.0) angle += 1.0;
+    angles[i] = angle;
+    phase += direction * speed;
+    if (phase >= 1.0) phase -= 1.0;
+    if (phase < 0.0) phase += 1.0;
+  }
+  m_currentSpeed = speed;
+  m_phase = phase;
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "engine/Biquad.h"
+#include "engine/Recordings.h"
+
+#include <cstdint>
+#include <span>
+
+namespace qlx::engine {
+
+/// The relay's click and the motor's thump when a rotor starts or stops: a recording played once at
+/// its own speed.
+class SwitchSound {
+ public:
+  explicit SwitchSound(std::span<const float> recording) noexcept : m_recording(recording) {}
+
+  void setSampleRate(double hz) noexcept { m_step = 44100.0 / hz; }
+  void setVolume(double volume) noexcept { m_volume = volume; }
+
+  /// Plays from the start, at the volume set last.
+  void trigger() noexcept;
+  void clear() noexcept;
+
+  /// Next sample; 0 while nothing plays.
+  double tick() noexcept;
+
+ private:
+  std::span<const float> m_recording;
+  double m_step = 1.0;
+  double m_volume = 0.0;
+  double m_gain = 0.0;
+  double m_position = 0.0;
+  bool m_playing = false;
+};
+
+/// Gains of a slow and a fast recording at one rotor speed.
+struct NoiseBlend {
+  double slow, fast;
+};
+
+/// Where between the thresholds of slow and fast noise (0.78 and 7.5 revolutions a second) a speed
+/// lies.
+class NoiseSpeedRange {
+ public:
+  void setSampleRate(double hz) noexcept;
+
+  NoiseBlend hornBlend(double speed) const noexcept;
+  NoiseBlend drumBlend(double speed) const noexcept;
+
+  /// 0 .. 1 strictly between the thresholds, negative outside.
+  double between(double speed) const noexcept;
+
+ private:
+  double m_slow = 0.0; // revolutions a sample
+  double m_fast = 1.0;
+};
+
+/// Motor and rotor noise at one horn microphone: a slow loop that runs freely, a fast loop locked
+/// to the rotor, both faded by the rotor's speed, the switching sound, and a band-pass that narrows
+/// with the microphone's distance. Audio thread only; so is DrumNoisePlayer.
+class HornNoisePlayer {
+ public:
+  /// `microphone` 0 or 1 chooses the recording and the place in the turn.
+  HornNoisePlayer(const Recordings& recordings, int microphone) noexcept;
+
+  void setSampleRate(double hz) noexcept;
+  void clear() noexcept; ///< phases and switching sound
+  void setMicDistance(double metres) noexcept;
+  void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
+  void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
+  void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
+  void trigger() noexcept { m_switchSound.trigger(); }
+
+  /// One sample per entry of `speeds` (revolutions a sample) into `out`; `micAngle` in turns,
+  /// `level` linear.
+  void process(std::span<const double> speeds, double micAngle, double level,
+               std::span<double> out) noexcept;
+
+ private:
+  std::span<const float> m_slowLoop;
+  std::span<const float> m_fastLoop;
+  double m_turnOffset;
+  SwitchSound m_switchSound;
+  NoiseSpeedRange m_range;
+  Biquad m_bandPass;
+  double m_slowVolume = 0.0;
+  double m_fastVolume = 0.0;
+  double m_micDistance = 1.0;
+  double m_distanceGain = 1.0;
+  double m_slowStep = 1.0;     // recording samples an engine sample
+  double m_slowPosition = 0.0; // recording samples
+  double m_fastPhase = 0.0;    // passes of the loop, 0 .. 1
+};
+
+/// Motor and rotor noise at the drum microphone: two loops locked to the rotor; while it speeds up
+/// the slow one loses and the fast one gains treble.
+class DrumNoisePlayer {
+ public:
+  explicit DrumNoisePlayer(const Recordings& recordings) noexcept;
+
+  void setSampleRate(double hz) noexcept;
+  void clear() noexcept;
+  void setMicDistance(double metres) noexcept;
+  void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
+  void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
+  void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
+  void trigger() noexcept { m_switchSound.trigger(); }
+  void process(std::span<const double> speeds, double micAngle, double level,
+               std::span<double> out) noexcept;
+
+ private:
+  void tuneTreble(double between) noexcept;
+
+  std::span<const float> m_slowLoop;
+  std::span<const float> m_fastLoop;
+  SwitchSound m_switchSound;
+  NoiseSpeedRange m_range;
+  Biquad m_slowLowPass;
+  Biquad m_fastShelf;
+  Biquad m_bandPass;
+  double m_slowVolume = 0.0;
+  double m_fastVolume = 0.0;
+  double m_micDistance = 1.0;
+  double m_distanceGain = 1.0;
+  double m_slowLowPassHz = 18000.0;
+  double m_fastShelfHz = 2000.0;
+  double m_slowPhase = 0.0; // passes of the loops, 0 .. 1
+  double m_fastPhase = 0.0;
+};
+
+} // namespace qlx::engine

@@ -1,0 +1,50 @@
+#include "engine/SmoothedSettings.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qlx::engine {
+
+namespace {
+
+// Time constants as the single-precision numbers nearest to 30 and 100 ms.
+constexpr double kSeconds = 0.03000000142492354;
+constexpr double kDriveSeconds = 0.10000000474974513;
+
+/// Distance, relative to the value, at which a setting has arrived: far below what single precision
+/// can tell.
+constexpr double kArrived = 1e-13;
+
+} // namespace
+
+void SmoothedSettings::setSampleRate(double hz) noexcept {
+  m_coefficient = approachCoefficient(kSeconds, hz);
+  m_driveCoefficient = approachCoefficient(kDriveSeconds, hz);
+}
+
+void SmoothedSettings::advance(int n) noexcept {
+  for (std::size_t i = 0; i < kCount; ++i) {
+    const double target = m_target[i];
+    double x = m_current[i];
+    if (std::abs(target - x) <= kArrived * std::max(1.0, std::abs(target))) {
+      m_current[i] = target;
+      std::fill_n(m_run[i].begin(), n, target);
+      continue;
+    }
+    const double k = i == index(Smoothed::DriveGain) ? m_driveCoefficient : m_coefficient;
+    for (int j = 0; j < n; ++j) {
+      x = flushed(x + (target - x) * k);
+      m_run[i][static_cast<std::size_t>(j)] = x;
+    }
+    m_current[i] = x;
+  }
+}
+
+void SmoothedSettings::thin(std::span<const int> hostSamples) noexcept {
+  for (RunBuffer& run : m_run) {
+    for (std::size_t k = 0; k < hostSamples.size(); ++k)
+      run[k] = run[static_cast<std::size_t>(hostSamples[k])];
+  }
+}
+
+} // namespace qlx::engine
