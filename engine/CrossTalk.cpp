@@ -80,7 +80,7 @@ double CrossTalk::tap(const Ring& ring, double delay) const noexcept {
 }
 
 void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunBuffer& input,
-                        const SmoothedSettings& s, int n, Output& out) noexcept {
+                        const SmoothedRun& s, int n, Output& out) noexcept {
   RunBuffer port;
   for (int j = 0; j < n; ++j)
     port[static_cast<std::size_t>(j)] = input[static_cast<std::size_t>(j)] * 8.0;

@@ -18,6 +18,7 @@ class CrossTalk {
   void clearSmoothers() noexcept;         ///< the two returns' low-passes
   void clearRings() noexcept;
   void setInstantUpdate() noexcept { m_portFilter.setInstantUpdate(true); }
+  void clearFilters() noexcept { m_portFilter.clearState(); }
 
   /// Microphones and circles from which delays and levels of the five paths follow.
   struct Geometry {
@@ -40,7 +41,7 @@ class CrossTalk {
   /// n samples of the reduced drum's and horn's sound and of the engine's input, which excites the
   /// port.
   void process(const RunBuffer& drum, const RunBuffer& horn, const RunBuffer& input,
-               const SmoothedSettings& settings, int n, Output& out) noexcept;
+               const SmoothedRun& settings, int n, Output& out) noexcept;
 
  private:
   static constexpr int kRingSize = 1024;

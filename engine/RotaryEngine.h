@@ -74,6 +74,7 @@ class RotaryEngine {
   double hostRate() const noexcept;
 
  private:
+  friend struct SettingsTable;
   class Frame;
   std::unique_ptr<Frame> m_frame;
 };

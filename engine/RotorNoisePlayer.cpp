@@ -99,6 +99,7 @@ void HornNoisePlayer::clear() noexcept {
   m_slowPosition = 0.0;
   m_fastPhase = 0.0;
   m_switchSound.clear();
+  m_bandPass.clearState();
 }
 
 void HornNoisePlayer::setMicDistance(double metres) noexcept {
@@ -152,6 +153,7 @@ void DrumNoisePlayer::clear() noexcept {
   m_slowPhase = 0.0;
   m_fastPhase = 0.0;
   m_switchSound.clear();
+  for (Biquad* filter : {&m_slowLowPass, &m_fastShelf, &m_bandPass}) filter->clearState();
 }
 
 void DrumNoisePlayer::setMicDistance(double metres) noexcept {

@@ -22,29 +22,32 @@ void SmoothedSettings::setSampleRate(double hz) noexcept {
   m_driveCoefficient = approachCoefficient(kDriveSeconds, hz);
 }
 
-void SmoothedSettings::advance(int n) noexcept {
+const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
   for (std::size_t i = 0; i < kCount; ++i) {
+    RunBuffer& run = m_hostRun.m_values[i];
     const double target = m_target[i];
     double x = m_current[i];
     if (std::abs(target - x) <= kArrived * std::max(1.0, std::abs(target))) {
       m_current[i] = target;
-      std::fill_n(m_run[i].begin(), n, target);
+      std::fill_n(run.begin(), n, target);
       continue;
     }
     const double k = i == index(Smoothed::DriveGain) ? m_driveCoefficient : m_coefficient;
     for (int j = 0; j < n; ++j) {
       x = flushed(x + (target - x) * k);
-      m_run[i][static_cast<std::size_t>(j)] = x;
+      run[static_cast<std::size_t>(j)] = x;
     }
     m_current[i] = x;
   }
+  return m_hostRun;
 }
 
-void SmoothedSettings::thin(std::span<const int> hostSamples) noexcept {
-  for (RunBuffer& run : m_run) {
+const SmoothedRun& SmoothedSettings::pick(std::span<const int> hostSamples) noexcept {
+  for (std::size_t i = 0; i < kCount; ++i) {
     for (std::size_t k = 0; k < hostSamples.size(); ++k)
-      run[k] = run[static_cast<std::size_t>(hostSamples[k])];
+      m_engineRun.m_values[i][k] = m_hostRun.m_values[i][static_cast<std::size_t>(hostSamples[k])];
   }
+  return m_engineRun;
 }
 
 } // namespace qlx::engine

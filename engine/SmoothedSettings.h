@@ -47,33 +47,40 @@ enum class Smoothed : unsigned char {
   Count
 };
 
+/// Values of all smoothed settings over one stretch, one each sample.
+class SmoothedRun {
+ public:
+  const RunBuffer& operator[](Smoothed setting) const noexcept {
+    return m_values[static_cast<std::size_t>(setting)];
+  }
+
+ private:
+  friend class SmoothedSettings;
+  std::array<RunBuffer, static_cast<std::size_t>(Smoothed::Count)> m_values{};
+};
+
 /// All smoothed settings, advanced once per host sample. Audio thread only.
 class SmoothedSettings {
  public:
-  static constexpr std::size_t kCount = static_cast<std::size_t>(Smoothed::Count);
-
   void setSampleRate(double hz) noexcept;
   void setTarget(Smoothed setting, double value) noexcept { m_target[index(setting)] = value; }
   double target(Smoothed setting) const noexcept { return m_target[index(setting)]; }
   void snap() noexcept { m_current = m_target; }
-  void snap(Smoothed setting) noexcept { m_current[index(setting)] = m_target[index(setting)]; }
 
-  /// Moves on by n samples (at most kRun).
-  void advance(int n) noexcept;
+  /// Moves on by n host samples (at most kRun) and gives their values; they hold until the next
+  /// call.
+  const SmoothedRun& advance(int n) noexcept;
 
-  /// Values of the samples that advance passed through.
-  const RunBuffer& operator[](Smoothed setting) const noexcept { return m_run[index(setting)]; }
-
-  /// Keeps, of the samples that advance passed through, only the given ones (the host samples on
-  /// which the engine runs).
-  void thin(std::span<const int> hostSamples) noexcept;
+  /// The values of the given host samples of the last stretch, those on which the engine runs.
+  const SmoothedRun& pick(std::span<const int> hostSamples) noexcept;
 
  private:
+  static constexpr std::size_t kCount = static_cast<std::size_t>(Smoothed::Count);
   static constexpr std::size_t index(Smoothed setting) { return static_cast<std::size_t>(setting); }
 
   std::array<double, kCount> m_target{};
   std::array<double, kCount> m_current{};
-  std::array<RunBuffer, kCount> m_run{};
+  SmoothedRun m_hostRun, m_engineRun;
   double m_coefficient = 0.0;
   double m_driveCoefficient = 0.0;
 };

@@ -1,0 +1,260 @@
+#include "engine/Cabinet.h"
+
+namespace qlx::engine {
+
+namespace {
+
+constexpr double kDrumShelfHz = 250.0;
+constexpr double kDrumShelfQ = 0.5;
+constexpr double kColorMidHz = 1500.0;
+constexpr double kColorMidQ = 0.5;
+constexpr double kColorLowHz = 350.0;
+constexpr double kColorLowQ = 0.6;
+
+} // namespace
+
+Cabinet::Cabinet(const Recordings& recordings)
+    : m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0),
+      m_horn1(hornSettings, recordings, 0), m_horn2(hornSettings, recordings, 1),
+      m_reducedHorn(hornSettings), m_drum(drumSettings, recordings), m_reducedDrum(drumSettings) {
+  m_drumShelf.setEnabled(true);
+  for (ColorFilters& color : m_color) {
+    color.mid.init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
+    color.low.init(44100.0, Response::LowShelf, kColorLowHz, kColorLowQ, 0.0);
+    color.mid.setEnabled(true);
+    color.low.setEnabled(true);
+  }
+}
+
+void Cabinet::setLever(double v) noexcept {
+  if (m_hornTrack.motion.setLever(v) == RotorMotion::Event::Start)
+    forHornPlayers([](HornNoisePlayer& player) { player.trigger(); });
+  if (m_drumTrack.motion.setLever(v) == RotorMotion::Event::Start) m_drum.noisePlayer().trigger();
+}
+
+void Cabinet::setStop(double v) noexcept {
+  if (m_hornTrack.motion.setStop(v) != RotorMotion::Event::None)
+    forHornPlayers([](HornNoisePlayer& player) { player.trigger(); });
+  if (m_drumTrack.motion.setStop(v) != RotorMotion::Event::None) m_drum.noisePlayer().trigger();
+}
+
+void Cabinet::setHornFlip(double sign) noexcept {
+  const bool changed = (sign >= 0.0) != (hornSettings.cabinet.flipSign >= 0.0);
+  hornSettings.cabinet.flipSign = sign;
+  m_hornTrack.motion.setFlip(sign);
+  if (!changed) return;
+  clearHorns();
+  resetHornFilters();
+}
+
+void Cabinet::setDrumFlip(double sign) noexcept {
+  const bool changed = (sign >= 0.0) != (drumSettings.cabinet.flipSign >= 0.0);
+  drumSettings.cabinet.flipSign = sign;
+  m_drumTrack.motion.setFlip(sign);
+  if (!changed) return;
+  clearDrums();
+  resetDrumFilters();
+}
+
+void Cabinet::setColorMid(double db) noexcept {
+  for (ColorFilters& color : m_color) color.mid.setGainDb(db);
+}
+
+void Cabinet::setColorLow(double db) noexcept {
+  for (ColorFilters& color : m_color) color.low.setGainDb(db);
+}
+
+void Cabinet::applyHornReflectionLpf() noexcept {
+  m_horn1.updateReflectionPoles();
+  m_horn2.updateReflectionPoles();
+}
+
+void Cabinet::applyDrumReflectionLpf() noexcept { m_drum.updateReflectionPoles(); }
+
+void Cabinet::setModelRates(double engineRate, int factor) noexcept {
+  m_engineRate = engineRate;
+  m_hornTrack.setSampleRate(engineRate, factor);
+  m_drumTrack.setSampleRate(engineRate, factor);
+  m_horn1.setSampleRate(engineRate);
+  m_horn2.setSampleRate(engineRate);
+  m_reducedHorn.setSampleRate(engineRate);
+  m_drum.setSampleRate(engineRate);
+  m_reducedDrum.setSampleRate(engineRate);
+}
+
+void Cabinet::clearHorns() noexcept {
+  m_hornTrack.clear();
+  m_hornLine.clear();
+  m_reducedHornLine.clear();
+  m_horn1.clear();
+  m_horn2.clear();
+  m_reducedHorn.clear();
+}
+
+void Cabinet::clearDrums() noexcept {
+  m_drumTrack.clear();
+  m_drumLine.clear();
+  m_drumPreFilter.clear();
+  m_drum.clear();
+  m_reducedDrum.clear();
+}
+
+void Cabinet::clearState() noexcept {
+  m_crossover.clear();
+  m_output.clear();
+  m_crossTalk.clearSmoothers();
+  setInstantUpdate();
+  clearHorns();
+  clearDrums();
+}
+
+void Cabinet::setInstantUpdate() noexcept {
+  m_drumShelf.setInstantUpdate(true);
+  m_crossover.setInstantUpdate();
+  m_crossTalk.setInstantUpdate();
+  m_output.setInstantUpdate();
+  for (ColorFilters& color : m_color) {
+    color.mid.setInstantUpdate(true);
+    color.low.setInstantUpdate(true);
+  }
+}
+
+void Cabinet::resetHornFilters() noexcept {
+  m_horn1.resetFilters();
+  m_horn2.resetFilters();
+  m_reducedHorn.resetFilters();
+}
+
+void Cabinet::resetDrumFilters() noexcept {
+  m_drumPreFilter.setSampleRate(m_engineRate);
+  m_drum.resetFilters();
+  m_reducedDrum.resetFilters();
+}
+
+void Cabinet::updateFilterRates(double engineRate) noexcept {
+  m_drumShelf.setSampleRate(engineRate);
+  m_drumShelf.setInstantUpdate(false);
+  m_crossover.setSampleRate(engineRate);
+  m_crossTalk.setSampleRate(engineRate);
+  m_output.setSampleRate(engineRate);
+  for (ColorFilters& color : m_color) {
+    color.mid.setSampleRate(engineRate);
+    color.low.setSampleRate(engineRate);
+    color.mid.setInstantUpdate(false);
+    color.low.setInstantUpdate(false);
+  }
+  resetHornFilters();
+  resetDrumFilters();
+}
+
+void Cabinet::computeCrossDelays(SmoothedSettings& settings) noexcept {
+  m_crossTalk.computeTargets({m_drum.microphone(), drumSettings.cabinet.amRadius,
+                              m_horn1.microphone(), hornSettings.cabinet.amRadius,
+                              m_reducedHorn.attenuation(), m_reducedDrum.attenuation()},
+                             settings);
+}
+
+void Cabinet::clearEverything() noexcept {
+  clearState();
+  m_crossTalk.clearRings();
+  m_crossTalk.clearFilters();
+  m_room.clear();
+  m_drumShelf.clearState();
+  m_crossover.clearFilters();
+  m_output.clearFilters();
+  for (ColorFilters& color : m_color) {
+    color.mid.clearState();
+    color.low.clearState();
+  }
+}
+
+void Cabinet::runDrum(RunBuffer& feed, int n, RunBuffer& drumOut, RunBuffer& noise,
+                      RunBuffer& reduced) noexcept {
+  const auto size = static_cast<std::size_t>(n);
+  m_drumTrack.advance(n);
+  m_drumPreFilter.process({feed.data(), size});
+  for (int j = 0; j < n; ++j)
+    m_drumLine.write(m_drumTrack.writeIndex(j), feed[static_cast<std::size_t>(j)]);
+  RunBuffer lowStatic;
+  m_drum.process(m_drumTrack, m_drumLine, n, drumOut, lowStatic, noise);
+  for (std::size_t k = 0; k < size; ++k) drumOut[k] += lowStatic[k];
+  m_reducedDrum.process(m_drumTrack, m_drumLine, n, reduced);
+  m_drumTrack.finish(n);
+}
+
+void Cabinet::runHorns(const RunBuffer& x, const RunBuffer& feedGain, int n, Microphones& mics,
+                       RunBuffer& reduced) noexcept {
+  RunBuffer throat, reducedThroat;
+  m_crossover.process(x, feedGain, n, throat, reducedThroat);
+  m_hornTrack.advance(n);
+  for (int j = 0; j < n; ++j) {
+    const auto k = static_cast<std::size_t>(j);
+    m_hornLine.write(m_hornTrack.writeIndex(j), throat[k]);
+    m_reducedHornLine.write(m_hornTrack.writeIndex(j), reducedThroat[k]);
+  }
+  m_horn1.process(m_hornTrack, m_hornLine, n, mics.horn1, mics.noise1);
+  m_horn2.process(m_hornTrack, m_hornLine, n, mics.horn2, mics.noise2);
+  m_reducedHorn.process(m_hornTrack, m_reducedHornLine, n, reduced);
+  m_hornTrack.finish(n);
+}
+
+void Cabinet::setLevels(const SmoothedRun& s, int n, Microphones& mics) const noexcept {
+  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
+    const double shared = mics.cross.toHorns[k] + mics.cross.hornEcho[k];
+    const double hornGain = s[Smoothed::HornGain][k] * hornLevel;
+    mics.horn1[k] = (mics.horn1[k] * 0.5 + shared) * hornGain;
+    mics.horn2[k] = (mics.horn2[k] * 0.5 + shared) * hornGain * s[Smoothed::HornMic2Gain][k];
+    mics.drum[k] = (mics.cross.toDrum[k] + mics.drum[k]) * s[Smoothed::DrumGain][k];
+    mics.noise1[k] *= 0.5;
+  }
+}
+
+void Cabinet::addRoom(const SmoothedRun& s, int n, Microphones& mics) noexcept {
+  const auto size = static_cast<std::size_t>(n);
+  RunBuffer sendLeft, sendRight, own1, own2;
+  for (std::size_t k = 0; k < size; ++k) {
+    // Each horn microphone hears mostly its own side of the motor's noise.
+    const double a = s[Smoothed::NoisePanA][k], b = s[Smoothed::NoisePanB][k];
+    own1[k] = b * mics.noise1[k] + a * mics.noise2[k];
+    own2[k] = b * mics.noise2[k] + a * mics.noise1[k];
+    sendLeft[k] =
+        mics.horn2[k] * s[Smoothed::Mic2PanLeft][k] + mics.horn1[k] * s[Smoothed::Mic1PanLeft][k] +
+        mics.drum[k] * s[Smoothed::DrumPanLeft][k] + (own1[k] + mics.drumNoise[k]) * noiseSendGain;
+    sendRight[k] = mics.horn2[k] * s[Smoothed::Mic2PanRight][k] +
+                   mics.horn1[k] * s[Smoothed::Mic1PanRight][k] +
+                   mics.drum[k] * s[Smoothed::DrumPanRight][k] +
+                   (own2[k] + mics.drumNoise[k]) * noiseSendGain;
+  }
+  RunBuffer left, right;
+  m_room.process(sendLeft, sendRight, s[Smoothed::RoomReturnGain], n, left, right);
+  m_color[0].mid.processGlide({left.data(), size});
+  m_color[0].low.processGlide({left.data(), size});
+  m_color[1].mid.processGlide({right.data(), size});
+  m_color[1].low.processGlide({right.data(), size});
+
+  const double level1 = m_horn1.staticLevel(), level2 = m_horn2.staticLevel();
+  const double drumLevel = m_drum.staticLevel();
+  for (std::size_t k = 0; k < size; ++k) {
+    const double hornGain = s[Smoothed::HornGain][k] * hornLevel;
+    mics.horn1[k] += (left[k] * level1 + own1[k]) * hornGain;
+    mics.horn2[k] += (right[k] * level2 + own2[k]) * hornGain * s[Smoothed::HornMic2Gain][k];
+    mics.drum[k] += (left[k] * drumLevel + mics.drumNoise[k]) * s[Smoothed::DrumGain][k];
+  }
+}
+
+void Cabinet::process(const RunBuffer& x, const SmoothedRun& settings, int n, RunBuffer& left,
+                      RunBuffer& right) noexcept {
+  const auto size = static_cast<std::size_t>(n);
+  Microphones mics;
+  RunBuffer feed = x, reducedDrum, reducedHorn;
+  m_drumShelf.processFixed({feed.data(), size});
+  for (std::size_t k = 0; k < size; ++k) feed[k] *= settings[Smoothed::DrumFeedGain][k];
+  runDrum(feed, n, mics.drum, mics.drumNoise, reducedDrum);
+  runHorns(x, settings[Smoothed::HornFeedGain], n, mics, reducedHorn);
+  m_crossTalk.process(reducedDrum, reducedHorn, x, settings, n, mics.cross);
+  setLevels(settings, n, mics);
+  addRoom(settings, n, mics);
+  m_output.process(mics.horn1, mics.horn2, mics.drum, settings, n, left, right);
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,310 @@
+#include "engine/EngineFrame.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qlx::engine {
+
+namespace {
+
+/// Longest block for which the state machine takes one step; longer host blocks count as several.
+constexpr int kLongestBlock = 512;
+
+constexpr double kLowestHostRate = 22050.0;
+constexpr double kFadeSeconds =
+    0.020000000949949026; // the single-precision number nearest to 20 ms
+constexpr double kFadedOut = 0.96837722339;
+constexpr double kFadedIn = 0.0316227766; // -30 dB
+constexpr double kDryHz = 3000.0;
+
+/// Work that the settings of a microphone placement ask for.
+constexpr std::uint32_t kRaisedByPlacement = kPendingHornMic1 | kPendingHornMic2 |
+                                             kPendingReducedHorn | kPendingReducedDrum |
+                                             kPendingCrossDelays;
+
+/// Largest input magnitude, +60 dBFS.
+constexpr double kInputLimit = 1000.0;
+
+double sane(double x) { return std::isfinite(x) ? std::clamp(x, -kInputLimit, kInputLimit) : 0.0; }
+
+/// One step of a fade; what is nearer to the target than any sample can tell has arrived.
+double faded(double level, double target, double coefficient) {
+  const double next = flushed(level + (target - level) * coefficient);
+  return std::abs(target - next) < 1e-12 ? target : next;
+}
+
+bool allFinite(const RunBuffer& run, int n) {
+  return std::all_of(run.begin(), run.begin() + n, [](double x) { return std::isfinite(x); });
+}
+
+/// Host samples per engine sample, or 0 where the previous configuration is kept.
+int factorFor(double hostRate, CpuMode mode) {
+  const int coarse = hostRate < 50000.0 ? 2 : hostRate < 100000.0 ? 4 : hostRate < 200000.0 ? 8 : 0;
+  return mode == CpuMode::Brilliant ? coarse / 2 : coarse;
+}
+
+} // namespace
+
+RotaryEngine::Frame::Frame(const Recordings& recordings, MicrophonePlacement& placement)
+    : m_placement(placement), m_cabinet(recordings) {
+  updateRateCoefficients();
+  m_settings.setTarget(Smoothed::NoisePanB, 1.0);
+}
+
+void RotaryEngine::Frame::setHostRate(double hz) noexcept {
+  if (std::isfinite(hz) && hz > 0.0)
+    m_wantedHostRate.store(std::max(hz, kLowestHostRate), std::memory_order_relaxed);
+}
+
+void RotaryEngine::Frame::switchOff() noexcept { request(kPendingResume); }
+
+void RotaryEngine::Frame::switchOn() noexcept {
+  request(kPendingFullReset | kPendingHornMic1 | kPendingHornMic2 | kPendingReducedHorn |
+          kPendingDrum | kPendingReducedDrum | kPendingCrossDelays);
+  m_snapBypass.store(true, std::memory_order_relaxed);
+}
+
+std::uint32_t RotaryEngine::Frame::take(std::uint32_t bits) noexcept {
+  return m_pending.fetch_and(~bits, std::memory_order_acquire) & bits;
+}
+
+void RotaryEngine::Frame::performAllPendingWork() noexcept {
+  takeSettings();
+  applyPlacement();
+  take(kAllPendingWork);
+  rebuildAll();
+  setupEngineRate();
+  m_cabinet.computeCrossDelays(m_settings);
+  resetEngine();
+}
+
+void RotaryEngine::Frame::beginBlock() noexcept {
+  takeSettings();
+  if (m_snapBypass.exchange(false, std::memory_order_relaxed)) m_bypassLevel = m_bypassTarget;
+  stepState();
+}
+
+void RotaryEngine::Frame::stepState() noexcept {
+  const bool pending = m_pending.load(std::memory_order_relaxed) != 0;
+  switch (m_state) {
+  case State::Running:
+  case State::FadingIn:
+    if (pending) {
+      m_state = State::FadingOut;
+      m_muteTarget = 1.0;
+    } else if (m_state == State::FadingIn && m_muteLevel < kFadedIn) {
+      m_state = State::Running;
+      m_muteLevel = 0.0;
+    }
+    break;
+  case State::FadingOut:
+    if (m_muteLevel > kFadedOut) {
+      m_state = State::Reinitialising;
+      m_muteLevel = 1.0;
+    }
+    break;
+  case State::Reinitialising: doPendingGroup(); break;
+  }
+}
+
+void RotaryEngine::Frame::doPendingGroup() noexcept {
+  if (take(kPendingResume) != 0) {
+    doResume();
+  } else if ((m_pending.load(std::memory_order_relaxed) & kPendingFullReset) != 0) {
+    doFullReset();
+  } else if (take(kPendingSetup | kPendingRoomTaps) != 0) {
+    applyPlacement();
+    m_cabinet.computeRoomTaps();
+  } else if (const auto microphones = take(kPendingHornMic1 | kPendingHornMic2)) {
+    if ((microphones & kPendingHornMic1) != 0) m_cabinet.rebuildHorn1();
+    if ((microphones & kPendingHornMic2) != 0) m_cabinet.rebuildHorn2();
+  } else if (const auto models = take(kPendingReducedHorn | kPendingDrum | kPendingReducedDrum)) {
+    if ((models & kPendingReducedHorn) != 0) m_cabinet.rebuildReducedHorn();
+    if ((models & kPendingDrum) != 0) m_cabinet.rebuildDrum();
+    if ((models & kPendingReducedDrum) != 0) m_cabinet.rebuildReducedDrum();
+  } else if (take(kPendingRateSetup) != 0) {
+    setupEngineRate();
+  } else if (take(kPendingCrossDelays) != 0) {
+    m_cabinet.computeCrossDelays(m_settings);
+  } else {
+    m_state = State::FadingIn;
+    m_muteTarget = 0.0;
+  }
+}
+
+void RotaryEngine::Frame::applyPlacement() noexcept {
+  m_placement.applyPlacement();
+  takeSettings();
+}
+
+void RotaryEngine::Frame::doResume() noexcept {
+  refreshHostRate();
+  setupEngineRate();
+  m_amplifier.setInstantUpdate();
+  m_converter.setInstantUpdate();
+  m_cabinet.setInstantUpdate();
+  m_cabinet.clearCrossRings();
+  m_converter.clear();
+}
+
+void RotaryEngine::Frame::doFullReset() noexcept {
+  // What is asked for while this works must not be lost: all marks are taken before the work, the
+  // placement's own before the settings that they stand for are read.
+  take(kAllPendingWork);
+  resetEngine();
+  m_placement.applyPlacement();
+  take(kRaisedByPlacement);
+  takeSettings();
+  m_cabinet.computeRoomTaps();
+  rebuildAll();
+  m_cabinet.computeCrossDelays(m_settings);
+  m_state = State::FadingIn;
+  m_muteTarget = 0.0;
+}
+
+void RotaryEngine::Frame::rebuildAll() noexcept {
+  m_cabinet.rebuildHorn1();
+  m_cabinet.rebuildHorn2();
+  m_cabinet.rebuildReducedHorn();
+  m_cabinet.rebuildDrum();
+  m_cabinet.rebuildReducedDrum();
+}
+
+void RotaryEngine::Frame::refreshHostRate() noexcept {
+  m_hostRate = m_wantedHostRate.load(std::memory_order_relaxed);
+  m_publishedHostRate.store(m_hostRate, std::memory_order_relaxed);
+  updateRateCoefficients();
+}
+
+void RotaryEngine::Frame::updateRateCoefficients() noexcept {
+  m_settings.setSampleRate(m_hostRate);
+  m_fadeCoefficient = approachCoefficient(kFadeSeconds, m_hostRate);
+}
+
+void RotaryEngine::Frame::setupEngineRate() noexcept {
+  if (const int factor = factorFor(m_hostRate, m_cpuMode.load(std::memory_order_relaxed))) {
+    m_engineFactor = factor;
+    m_engineRate = m_hostRate / factor;
+    m_converter.setFactor(factor);
+  }
+  m_cabinet.setModelRates(m_engineRate, m_engineFactor);
+  clearState();
+  updateFilterRates();
+}
+
+void RotaryEngine::Frame::clearState() noexcept {
+  m_amplifier.clear();
+  m_amplifier.setInstantUpdate();
+  m_dryLeft = {};
+  m_dryRight = {};
+  m_converter.setInstantUpdate();
+  if (m_engineRate < m_hostRate)
+    m_converter.setImageFrequency(m_engineRate + m_hostRate * 20.0 / 44100.0);
+  m_cabinet.clearState();
+}
+
+void RotaryEngine::Frame::updateFilterRates() noexcept {
+  m_amplifier.setSampleRate(m_hostRate);
+  m_converter.setHostRate(m_hostRate);
+  m_dryPole = lowPassPole(kDryHz, m_engineRate);
+  m_cabinet.updateFilterRates(m_engineRate);
+}
+
+void RotaryEngine::Frame::resetEngine() noexcept {
+  refreshHostRate();
+  m_converter.restartCounter();
+  setupEngineRate();
+  m_settings.snap();
+  m_cabinet.clearCrossRings();
+  m_cabinet.computeRoomTaps();
+  m_cabinet.clearRoom();
+  m_converter.clear();
+  m_cabinet.hornSettings.ampClip = m_cabinet.distanceAmpClip;
+}
+
+void RotaryEngine::Frame::recover() noexcept {
+  m_cabinet.clearEverything();
+  m_converter.clear();
+  m_converter.clearFilters();
+  m_amplifier.clearFilters();
+  clearState();
+  m_settings.snap();
+  m_muteLevel = std::isfinite(m_muteLevel) ? m_muteLevel : 1.0;
+  m_bypassLevel = std::isfinite(m_bypassLevel) ? m_bypassLevel : m_bypassTarget;
+  request(kPendingFullReset);
+}
+
+void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const RunBuffer& wetLeft,
+                                const RunBuffer& wetRight) noexcept {
+  for (std::size_t k = 0; k < static_cast<std::size_t>(s.n); ++k) {
+    m_bypassLevel = faded(m_bypassLevel, m_bypassTarget, m_fadeCoefficient);
+    if (m_state != State::Running)
+      m_muteLevel = faded(m_muteLevel, m_muteTarget, m_fadeCoefficient);
+    const double dryLeft = m_dryLeft.next(inputGain[k] * s.in0[k] * 0.5, m_dryPole);
+    const double dryRight = m_dryRight.next(inputGain[k] * s.in1[k] * 0.5, m_dryPole);
+    const double left = (1.0 - m_muteLevel) * wetLeft[k] + m_muteLevel * dryLeft;
+    const double right = (1.0 - m_muteLevel) * wetRight[k] + m_muteLevel * dryRight;
+    s.out0[k] = (1.0 - m_bypassLevel) * left + m_bypassLevel * s.in0[k];
+    s.out1[k] = (1.0 - m_bypassLevel) * right + m_bypassLevel * s.in1[k];
+  }
+}
+
+void RotaryEngine::Frame::run(Stretch& s) noexcept {
+  const SmoothedRun& settings = m_settings.advance(s.n);
+  const RunBuffer& inputGain = settings[Smoothed::InputGain];
+  RunBuffer signal;
+  for (std::size_t k = 0; k < static_cast<std::size_t>(s.n); ++k)
+    signal[k] = (s.in0[k] + s.in1[k]) * 0.5;
+  m_amplifier.process(settings, s.n, signal);
+
+  if (m_speakersBypassed) {
+    blend(s, inputGain, signal, signal);
+  } else {
+    RunBuffer x, left, right;
+    std::array<int, kRun> engineSamples;
+    const int count = m_converter.decimate(signal, s.n, x, engineSamples);
+    if (count > 0) {
+      const bool everySample = count == s.n;
+      m_cabinet.process(
+          x, everySample ? settings : m_settings.pick({engineSamples.data(), std::size_t(count)}),
+          count, left, right);
+    }
+    m_converter.interpolate(s.n, left, right);
+    blend(s, inputGain, left, right);
+  }
+
+  if (allFinite(s.out0, s.n) && allFinite(s.out1, s.n)) return;
+  s.out0 = s.in0;
+  s.out1 = s.in1;
+  recover();
+}
+
+template <class Sample>
+void RotaryEngine::Frame::process(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
+                                  int frames) noexcept {
+  Stretch s;
+  for (int done = 0; done < frames;) {
+    if (done % kLongestBlock == 0) beginBlock();
+    s.n = std::min({kRun, frames - done, kLongestBlock - done % kLongestBlock});
+    for (int j = 0; j < s.n; ++j) {
+      s.in0[static_cast<std::size_t>(j)] = sane(static_cast<double>(in0[done + j]));
+      s.in1[static_cast<std::size_t>(j)] = sane(static_cast<double>(in1[done + j]));
+    }
+    run(s);
+    for (int j = 0; j < s.n; ++j) {
+      if (out1 != nullptr)
+        out1[done + j] = static_cast<Sample>(s.out1[static_cast<std::size_t>(j)]);
+      out0[done + j] = static_cast<Sample>(s.out0[static_cast<std::size_t>(j)]);
+    }
+    done += s.n;
+  }
+  m_hornPhase.store(m_cabinet.hornTrack().motion.phase(), std::memory_order_relaxed);
+  m_drumPhase.store(m_cabinet.drumTrack().motion.phase(), std::memory_order_relaxed);
+}
+
+template void RotaryEngine::Frame::process(const float*, const float*, float*, float*,
+                                           int) noexcept;
+template void RotaryEngine::Frame::process(const double*, const double*, double*, double*,
+                                           int) noexcept;
+
+} // namespace qlx::engine

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "engine/Amplifier.h"
+#include "engine/Cabinet.h"
+#include "engine/ControlDesk.h"
+#include "engine/RateConverter.h"
+#include "engine/RotaryEngine.h"
+
+#include <atomic>
+
+namespace qlx::engine {
+
+/// The engine around the cabinet: settings from other threads, the choice of the engine rate,
+/// re-initialisation behind a mute, amplifier, rate conversion, dry path and bypass.
+class RotaryEngine::Frame {
+ public:
+  Frame(const Recordings& recordings, MicrophonePlacement& placement);
+
+  // Any thread.
+  void set(Setting setting, double value) noexcept;
+  void request(std::uint32_t work) noexcept { m_pending.fetch_or(work, std::memory_order_release); }
+  void setHostRate(double hz) noexcept;
+  void setCpuMode(CpuMode mode) noexcept { m_cpuMode.store(mode, std::memory_order_relaxed); }
+  void switchOff() noexcept;
+  void switchOn() noexcept;
+  double hornPhase() const noexcept { return m_hornPhase.load(std::memory_order_relaxed); }
+  double drumPhase() const noexcept { return m_drumPhase.load(std::memory_order_relaxed); }
+  double hostRate() const noexcept { return m_publishedHostRate.load(std::memory_order_relaxed); }
+
+  // The thread that processes.
+  void performAllPendingWork() noexcept;
+  template <class Sample>
+  void process(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
+               int frames) noexcept;
+
+ private:
+  friend struct SettingsTable;
+  enum class State : unsigned char { Running = 0, FadingOut = 1, Reinitialising = 2, FadingIn = 3 };
+
+  /// One stretch of host samples, in and out.
+  struct Stretch {
+    RunBuffer in0, in1;
+    RunBuffer out0, out1;
+    int n;
+  };
+
+  void takeSettings() noexcept;
+  void applyStop(double v) noexcept;
+  void setPan(Smoothed left, Smoothed right, double position) noexcept;
+  void setHornHighPass(double hz) noexcept;
+  void setDrumLowPass(double hz) noexcept;
+
+  void beginBlock() noexcept;
+  void stepState() noexcept;
+  void doPendingGroup() noexcept;
+  void doResume() noexcept;
+  void doFullReset() noexcept;
+  void applyPlacement() noexcept;
+  std::uint32_t take(std::uint32_t bits) noexcept;
+
+  void refreshHostRate() noexcept;
+  void setupEngineRate() noexcept;
+  void clearState() noexcept;
+  void updateFilterRates() noexcept;
+  void updateRateCoefficients() noexcept;
+  void resetEngine() noexcept;
+  void rebuildAll() noexcept;
+  void recover() noexcept;
+
+  void run(Stretch& s) noexcept;
+  void blend(Stretch& s, const RunBuffer& inputGain, const RunBuffer& wetLeft,
+             const RunBuffer& wetRight) noexcept;
+
+  MicrophonePlacement& m_placement;
+  ControlDesk m_desk;
+  std::atomic<std::uint32_t> m_pending{0};
+  std::atomic<bool> m_snapBypass{false};
+  std::atomic<std::uint32_t> m_stopPresses{0};
+  std::atomic<double> m_wantedHostRate{44100.0};
+  std::atomic<CpuMode> m_cpuMode{CpuMode::LowCpu};
+  std::atomic<double> m_hornPhase{0.0};
+  std::atomic<double> m_drumPhase{0.0};
+  std::atomic<double> m_publishedHostRate{44100.0};
+
+  // Audio thread from here on.
+  State m_state = State::Running;
+  double m_muteLevel = 0.0;
+  double m_muteTarget = 0.0;
+  double m_bypassLevel = 0.0;
+  double m_bypassTarget = 0.0;
+  double m_fadeCoefficient = 0.0;
+  std::uint32_t m_seenStopPresses = 0;
+  bool m_speakersBypassed = false;
+
+  double m_hostRate = 44100.0;
+  double m_engineRate = 44100.0;
+  int m_engineFactor = 1;
+  double m_dryPole = 0.0;
+  OnePole m_dryLeft, m_dryRight;
+
+  SmoothedSettings m_settings;
+  Amplifier m_amplifier;
+  RateConverter m_converter;
+  Cabinet m_cabinet;
+};
+
+} // namespace qlx::engine

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "engine/Biquad.h"
+#include "engine/SmoothedSettings.h"
+
+namespace qlx::engine {
+
+/// The three microphones' way to stereo: optional high-pass on the horn's, low-pass on the drum's,
+/// panorama, mix. Engine rate; audio thread only.
+class OutputStage {
+ public:
+  OutputStage();
+
+  void setSampleRate(double hz) noexcept;
+  void clear() noexcept; ///< the drum low-pass
+  void setInstantUpdate() noexcept;
+  void clearFilters() noexcept;
+
+  /// Wanted cut-offs in Hz, kept over rate changes; limited to 20 Hz .. half the engine rate where
+  /// the filters get them.
+  void setHornHighPass(double hz) noexcept;
+  void setDrumLowPass(double hz) noexcept;
+
+  /// n samples of both horn microphones and the drum; writes the mix to `left` and `right`.
+  void process(RunBuffer& horn1, RunBuffer& horn2, const RunBuffer& drum,
+               const SmoothedRun& settings, int n, RunBuffer& left, RunBuffer& right) noexcept;
+
+ private:
+  double inRange(double hz) const noexcept;
+  void filterHorn(Biquad& highPass, const RunBuffer& share, int n, RunBuffer& horn) const noexcept;
+
+  Biquad m_highPass1, m_highPass2;
+  OnePole m_drumLowPass;
+  double m_drumPole = 0.0;
+  double m_hornHighPassHz = 20.0;
+  double m_drumLowPassHz = 20000.0;
+  double m_sampleRate = 44100.0;
+};
+
+} // namespace qlx::engine
