@@ -5,63 +5,58 @@
 namespace qlx::presets {
 namespace {
 
-constexpr std::size_t kChunkHeadBytes = 32;
+constexpr std::size_t kHeadBytes = 32;
 constexpr std::size_t kValueBytes = sizeof(float);
 
 std::size_t recordBytes(int valueCount) {
   return kPresetNameBytes + static_cast<std::size_t>(valueCount) * kValueBytes;
 }
 
-/// Fills `slot` from a record of at least recordBytes(valueCount); false where a value outside 0..1
-/// ended it.
+/// Fills `update` from a record of at least recordBytes(valueCount); false where a value outside
+/// 0..1 ended it.
 bool readRecord(Bytes record, bool reversed, int valueCount, const ParameterSet& loaded,
-                PresetSlot& slot) {
-  std::memcpy(slot.name.data(), record.data(), kPresetNameBytes);
+                SlotUpdate& update) {
+  update.fromTemplate = true;
+  update.named = true;
+  std::memcpy(update.slot.name.data(), record.data(), kPresetNameBytes);
   const auto count = static_cast<std::size_t>(std::min(valueCount, kNumPresetParameters));
   for (std::size_t p = 0; p < count; ++p) {
     if (!loaded[p]) continue;
     const float value = readFloat(record.subspan(kPresetNameBytes + p * kValueBytes), reversed);
     if (!isNormalised(value)) return false;
-    slot.values[p] = value;
+    update.setValue(p, value);
   }
   return true;
 }
 
-/// Whether `count` records of `stride` bytes are there; divides, because a product could overflow.
-bool fits(Bytes body, int count, std::size_t stride) {
-  return static_cast<std::size_t>(count) <= body.size() / stride;
-}
-
 } // namespace
 
-std::optional<PresetSlot> readLegacyPreset(Bytes body, bool reversed, int valueCount,
-                                           const PresetSlot& blank, const ParameterSet& loaded) {
-  auto slots = readLegacyBank(body, reversed, 1, valueCount, blank, loaded);
+std::optional<SlotUpdate> readLegacyPreset(Bytes body, bool reversed, int valueCount,
+                                           const ParameterSet& loaded) {
+  auto slots = readLegacyBank(body, reversed, 1, valueCount, loaded);
   if (!slots) return std::nullopt;
   return slots->front();
 }
 
-std::optional<std::vector<PresetSlot>> readLegacyBank(Bytes body, bool reversed, int recordCount,
-                                                      int valueCount, const PresetSlot& blank,
-                                                      const ParameterSet& loaded) {
+std::optional<std::vector<SlotUpdate>> readLegacyBank(Bytes body, bool reversed, int recordCount,
+                                                      int valueCount, const ParameterSet& loaded) {
   if (recordCount < 1 || valueCount < 1) return std::nullopt;
   const std::size_t stride = recordBytes(valueCount);
-  if (!fits(body, recordCount, stride)) return std::nullopt;
-  std::vector<PresetSlot> slots(static_cast<std::size_t>(std::min(recordCount, kNumPresetSlots)),
-                                blank);
-  for (PresetSlot& slot : slots) {
+  // Divided, because the product could overflow.
+  if (static_cast<std::size_t>(recordCount) > body.size() / stride) return std::nullopt;
+  std::vector<SlotUpdate> slots(static_cast<std::size_t>(std::min(recordCount, kNumPresetSlots)));
+  for (SlotUpdate& slot : slots) {
     if (!readRecord(body, reversed, valueCount, loaded, slot)) return std::nullopt;
     body = body.subspan(stride);
   }
   return slots;
 }
 
-std::optional<LegacyChunk> readLegacyChunk(Bytes chunk, bool reversed, const PresetSlot& blank,
-                                           const ParameterSet& loaded) {
-  if (chunk.size() < kChunkHeadBytes) return std::nullopt;
+std::optional<LegacyChunk> readLegacyChunk(Bytes chunk, bool reversed, const ParameterSet& loaded) {
+  if (chunk.size() < kHeadBytes) return std::nullopt;
   const std::int32_t recordCount = readInt(chunk.subspan(8), reversed);
   const std::int32_t current = readInt(chunk.subspan(12), reversed);
-  Bytes body = chunk.subspan(kChunkHeadBytes);
+  Bytes body = chunk.subspan(kHeadBytes);
   if (recordCount < 1) return std::nullopt;
   const std::size_t stride = body.size() / static_cast<std::size_t>(recordCount);
   if (stride < recordBytes(1)) return std::nullopt;
@@ -71,8 +66,7 @@ std::optional<LegacyChunk> readLegacyChunk(Bytes chunk, bool reversed, const Pre
   LegacyChunk result;
   result.currentIndex = current >= 0 && current < kNumPresetSlots ? current : 0;
   for (int i = 0; i < std::min(recordCount, kNumPresetSlots); ++i) {
-    PresetSlot& slot = result.slots.emplace_back(blank);
-    if (!readRecord(body, reversed, valueCount, loaded, slot)) return result;
+    if (!readRecord(body, reversed, valueCount, loaded, result.slots.emplace_back())) return result;
     body = body.subspan(stride);
   }
   result.complete = true;

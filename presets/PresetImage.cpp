@@ -168,7 +168,6 @@ std::vector<std::uint8_t> makeBankImage(std::span<const PresetSlot, kNumPresetSl
 }
 
 std::optional<BankUpdate> readBankRecords(const ImageHeader& header, Bytes records, bool reversed,
-                                          const PresetSlot& blank,
                                           std::span<const PresetSlot, kNumPresetSlots> present,
                                           const DiagnosticSink& diagnose) {
   if (header.recordCount < 0) return std::nullopt;
@@ -181,37 +180,37 @@ std::optional<BankUpdate> readBankRecords(const ImageHeader& header, Bytes recor
     const auto slot = static_cast<std::size_t>(record.slot());
     SlotUpdate& update = bank.slots[slot];
     if (record.isName()) {
+      update.fromTemplate = true;
       update.named = true;
-      update.changed.set();
-      update.slot = blank;
+      update.changed.reset();
       record.copyName(update.slot);
     } else if (record.isValue()) {
       const std::string_view name = (update.named ? update.slot : present[slot]).nameText();
       const float value =
           repaired(record.value(), record.parameter(), record.slot(), "load", name, diagnose);
       if (!isParameter(record.parameter())) continue;
-      const auto index = static_cast<std::size_t>(record.parameter());
-      update.changed.set(index);
-      update.slot.values[index] = value;
+      update.setValue(static_cast<std::size_t>(record.parameter()), value);
     }
   }
   return bank;
 }
 
-std::optional<PresetSlot> readPresetRecords(const ImageHeader& header, Bytes records, bool reversed,
-                                            const PresetSlot& blank) {
+std::optional<SlotUpdate> readPresetRecords(const ImageHeader& header, Bytes records,
+                                            bool reversed) {
   if (header.recordCount < 0) return std::nullopt;
-  PresetSlot slot = blank;
+  SlotUpdate update;
+  update.fromTemplate = true;
   RecordReader record(header.recordCount, records, reversed);
   while (record.next()) {
     if (record.isName()) {
-      record.copyName(slot);
+      update.named = true;
+      record.copyName(update.slot);
     } else if (record.isValue() && isParameter(record.parameter())) {
       if (!isNormalised(record.value())) return std::nullopt;
-      slot.values[static_cast<std::size_t>(record.parameter())] = record.value();
+      update.setValue(static_cast<std::size_t>(record.parameter()), record.value());
     }
   }
-  return slot;
+  return update;
 }
 
 } // namespace qlx::presets

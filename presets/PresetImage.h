@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "presets/PresetBytes.h"
-#include "presets/PresetSlot.h"
+#include "presets/SlotUpdate.h"
 
 /// The serialised form of presets, as pure functions between slots and bytes: what files, stored
 /// settings and the host's state chunk carry. An image is a packed 41-byte header and
@@ -60,32 +60,23 @@ std::vector<std::uint8_t> makeBankImage(std::span<const PresetSlot, kNumPresetSl
                                         int currentIndex, std::uint32_t fileId,
                                         const ParameterSet& saved, const DiagnosticSink& diagnose);
 
-/// What a bank image wants done to one slot. `slot` is complete where `named` is set.
-struct SlotUpdate {
-  bool named = false;
-  ParameterSet changed;
-  PresetSlot slot;
-};
-
 struct BankUpdate {
   std::array<SlotUpdate, kNumPresetSlots> slots;
   int currentIndex = 0;
 };
 
 /// Reads the records of a bank image. Values out of range are repaired to 0 or 1 with a diagnostic
-/// line. A name record starts its slot from `blank`; slots without records stay unchanged. Reading
-/// ends at the first record that does not fit into `records`. Nothing is returned for a negative
-/// record count.
+/// line. A name record starts its slot from the template. Reading ends at the first record that
+/// does not fit into `records`. Nothing is returned for a negative record count.
 /// @param present the slots as they are now: the names in diagnostic lines come from here until a
 /// record renames them
 std::optional<BankUpdate> readBankRecords(const ImageHeader& header, Bytes records, bool reversed,
-                                          const PresetSlot& blank,
                                           std::span<const PresetSlot, kNumPresetSlots> present,
                                           const DiagnosticSink& diagnose);
 
-/// Reads the records of a preset image over `blank`, ending at the first record that does not fit.
-/// Nothing is returned for a negative record count or a value outside 0..1.
-std::optional<PresetSlot> readPresetRecords(const ImageHeader& header, Bytes records, bool reversed,
-                                            const PresetSlot& blank);
+/// Reads the records of a preset image, ending at the first record that does not fit. Nothing is
+/// returned for a negative record count or a value outside 0..1.
+std::optional<SlotUpdate> readPresetRecords(const ImageHeader& header, Bytes records,
+                                            bool reversed);
 
 } // namespace qlx::presets
