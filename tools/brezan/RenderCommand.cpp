@@ -1,0 +1,171 @@
+#include "tools/brezan/Commands.h"
+
+#include "tools/brezan/ParameterText.h"
+#include "tools/brezan/PluginLocation.h"
+#include "tools/brezan/Renderer.h"
+#include "tools/brezan/Table.h"
+#include "tools/brezan/Words.h"
+
+#include <cmath>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <stdexcept>
+
+namespace qlx::tools {
+
+namespace {
+
+struct RenderOptions {
+  std::string input;
+  std::string output;
+  std::string plugin;
+  std::string preset;
+  std::string state;
+  std::string saveState;
+  std::vector<std::string> settings;
+  std::string automation;
+  std::string midi;
+  std::string format = "pcm24";
+  double rate = 0.0;
+  bool mono = false;
+  RenderSettings render;
+};
+
+constexpr const char* kFooter =
+    R"(Values of --set and --automate are numbers in 0..1, or what the plug-in displays:
+  Type=Tube  Setup=FrontRear  Lever=Tremolo  Stop=Stopped  Drive=-6dB  HFastSpd=7Hz  DAccel=3.2s
+Lines of an automation file, '#' begins a comment:
+  seconds parameter value [ramp]     ramp: seconds of a straight move to the value
+Times of automation and MIDI count from the first frame of IN.
+
+Examples:
+  brezan render organ.wav out.wav --set Lever=Tremolo
+  brezan render organ.wav out.flac --preset 3 --set Drive=3dB --midi pedal.mid
+  brezan render organ.wav out.wav --automate moves.txt --rate 96000 --double --format float)";
+
+std::ifstream opened(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in || in.peek() == std::ifstream::traits_type::eof())
+    throw std::runtime_error("cannot read '" + path + "', or it is empty");
+  return in;
+}
+
+int presetNumber(PluginHost& host, const std::string& wanted) {
+  const std::vector<std::string> names = host.presetNames();
+  for (std::size_t i = 0; i < names.size(); ++i)
+    if (folded(names[i]) == folded(wanted)) return static_cast<int>(i);
+  const auto number = asNumber(wanted);
+  if (number && *number >= 0.0 && *number < static_cast<double>(names.size()) &&
+      *number == std::floor(*number))
+    return static_cast<int>(*number);
+  throw std::runtime_error("no preset '" + wanted + "'; 'brezan presets' lists them");
+}
+
+void saveState(PluginHost& host, const std::string& path) {
+  const std::vector<char> chunk = host.state();
+  PendingFile pending(path);
+  std::ofstream out(pending.path(), std::ios::binary);
+  out.write(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+  out.close();
+  if (!out) throw std::runtime_error("cannot write '" + path + "'");
+  pending.commit();
+}
+
+void prepare(PluginHost& host, const RenderOptions& options, ParameterText& parameters) {
+  if (!options.state.empty()) {
+    std::ifstream in = opened(options.state);
+    host.setState({std::istreambuf_iterator<char>(in), {}});
+  }
+  if (!options.preset.empty()) host.selectPreset(presetNumber(host, options.preset));
+  for (const std::string& setting : options.settings) {
+    const ParameterValue wanted = parameters.assignment(setting);
+    host.setValue(wanted.index, wanted.value);
+  }
+}
+
+void print(const RenderReport& report, const std::string& output) {
+  const double seconds = static_cast<double>(report.frames) / report.rate;
+  std::cout << output << ": " << fixed(seconds, 2) << " s at " << fixed(report.rate, 0)
+            << " Hz, peak " << decibels(report.peak) << " dBFS, RMS "
+            << decibels(std::sqrt(report.meanSquare)) << " dBFS, rendered in "
+            << fixed(report.processingSeconds, 2) << " s";
+  if (report.processingSeconds > 0.0)
+    std::cout << ", " << fixed(seconds / report.processingSeconds, 1) << " times real time";
+  std::cout << '\n';
+}
+
+void render(RenderOptions options) {
+  options.render.outputs = options.mono ? 1 : 2;
+  const std::filesystem::path plugin = locatePlugin(options.plugin);
+  AudioInput input(options.input, options.rate);
+  PluginHost host(plugin);
+  if (options.render.useDouble && !host.hasDouble())
+    throw std::runtime_error("the plug-in has no double precision processing");
+  ParameterText parameters(plugin);
+  prepare(host, options, parameters);
+  std::vector<AutomationMove> moves;
+  if (!options.automation.empty()) {
+    std::ifstream in = opened(options.automation);
+    moves = resolved(readAutomation(in, options.automation), options.automation, parameters);
+  }
+  std::vector<TimedMidi> messages;
+  if (!options.midi.empty()) messages = readMidiFile(options.midi);
+
+  AudioOutput output(options.output, options.format, input.rate(), options.render.outputs);
+  AutomationPlayer automation(std::move(moves), input.rate());
+  MidiPlayer midi(std::move(messages), input.rate());
+  RenderReport report;
+  {
+    ProgressBar progress;
+    report = Renderer(host, options.render).render(input, output, automation, midi, progress);
+  }
+  output.finish();
+  if (!options.saveState.empty()) saveState(host, options.saveState);
+  print(report, options.output);
+  if (output.clipped())
+    std::cerr << "brezan: warning: the peak is above full scale and was cut; lower a level or use "
+                 "--format float\n";
+}
+
+} // namespace
+
+void addRenderCommand(CLI::App& program) {
+  CLI::App* command = program.add_subcommand("render", "Play a sound file through the plug-in");
+  auto options = std::make_shared<RenderOptions>();
+  RenderOptions& o = *options;
+  command->add_option("IN", o.input, "Sound file of one or two channels")->required();
+  command->add_option("OUT", o.output, "Sound file to write (.wav, .aiff, .flac, .w64, .caf, .au)")
+      ->required();
+  addPluginOption(*command, o.plugin);
+  command->add_option("--preset", o.preset, "Preset, by number from 0 or by name");
+  command->add_option("--set", o.settings, "NAME=VALUE, may be given again and again")
+      ->allow_extra_args(false);
+  command->add_option("--automate", o.automation, "File of parameter moves");
+  command->add_option("--midi", o.midi, "Standard MIDI file played to the plug-in");
+  command->add_option("--state", o.state, "Start from a state saved with --save-state");
+  command->add_option("--save-state", o.saveState, "Save the plug-in's state after the render");
+  command
+      ->add_option("--rate", o.rate,
+                   "Rate in Hz to run at; IN is converted when its own differs, and OUT has it")
+      ->check(CLI::Range(8000.0, 384000.0));
+  command->add_option("--block", o.render.blockFrames, "Frames in a block (512)")
+      ->check(CLI::Range(1, 1 << 20));
+  command->add_flag("--double", o.render.useDouble, "Process in double precision");
+  command->add_flag("--mono", o.mono, "One channel out");
+  command
+      ->add_option("--tail", o.render.tailSeconds,
+                   "Longest tail in seconds after IN has ended (10); it ends earlier after half a "
+                   "second below -90 dBFS")
+      ->check(CLI::Range(0.0, 3600.0));
+  command
+      ->add_option("--settle", o.render.settleSeconds,
+                   "Seconds of silence played, and not written, before IN begins (1), for the "
+                   "rotors to start")
+      ->check(CLI::Range(0.0, 60.0));
+  command->add_option("--format", o.format, "pcm16, pcm24, pcm32, float or double (pcm24)");
+  command->footer(kFooter);
+  command->callback([options] { render(*options); });
+}
+
+} // namespace qlx::tools

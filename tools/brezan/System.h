@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// The few things that the command-line host asks of the operating system. Everything else in this
+/// folder is portable.
+namespace qlx::tools {
+
+/// A loaded shared object, unloaded with the last copy's end. Throws std::runtime_error with the
+/// loader's own words.
+class SharedObject {
+ public:
+  explicit SharedObject(const std::filesystem::path& path);
+  ~SharedObject();
+  SharedObject(const SharedObject&) = delete;
+  SharedObject& operator=(const SharedObject&) = delete;
+
+  /// Null when there is no such symbol.
+  void* symbol(const char* name) const;
+
+ private:
+  void* m_handle;
+};
+
+/// The running program's own file; empty when the system does not tell.
+std::filesystem::path executablePath();
+
+/// Folders in which hosts look for plug-ins, most particular first.
+std::vector<std::filesystem::path> pluginFolders();
+
+/// File name of the plug-in on this system.
+std::string pluginFileName();
+
+/// True when standard error is a terminal that can redraw a line.
+bool errorStreamIsTerminal();
+
+} // namespace qlx::tools
