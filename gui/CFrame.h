@@ -1,0 +1,131 @@
+#pragma once
+
+#include "gui/CBitmap.h"
+#include "gui/CColor.h"
+#include "gui/CDrawContext.h"
+#include "gui/CKnob.h"
+#include "gui/CViewContainer.h"
+#include "gui/DirtyRegion.h"
+#include "platform/NativeWindow.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace qlx::gui {
+
+/// The root of the views of one window: hands out its events, keeps the focus and the one modal
+/// view, and at every idle redraws what is dirty. User-interface thread only.
+class CFrame : public CViewContainer, private platform::WindowListener {
+ public:
+  /// `size` starts at (0, 0) and has the window's size. `typeface` may be null: no texts then.
+  CFrame(const CRect& size, std::unique_ptr<platform::NativeWindow> window,
+         std::shared_ptr<CTypeface> typeface);
+  ~CFrame() override;
+
+  bool isTypeOf(std::string_view className) const override {
+    return className == "CFrame" || CViewContainer::isTypeOf(className);
+  }
+  /// A frame is one window's; there are no copies. Null.
+  std::unique_ptr<CView> newCopy() const override { return nullptr; }
+  void draw(CDrawContext& context) override;
+
+  /// Draws everything, presents it and shows the window.
+  void open();
+  /// Handles what happened to the window, then redraws and presents what is dirty. Does nothing
+  /// more once the window is gone.
+  void idle();
+  /// False once the window is gone (its parent destroyed, the display lost, the user closed it).
+  bool isOpen() const;
+
+  /// Drawn under all views. Not scaled.
+  void setBackground(CBitmapRef background);
+  const CBitmapRef& getBackground() const { return m_background; }
+  /// Where there is no bitmap. Black unless set.
+  void setBackgroundColor(const CColor& colour);
+
+  void setKnobMode(CKnobMode mode) { m_knobMode = mode; }
+  CKnobMode getKnobMode() const { return m_knobMode; }
+
+  /// Asks for a redraw of an area, or of everything.
+  void invalidRect(const CRect& area);
+  void invalidAll();
+
+  /// Shows a view above all others that gets all input until it is removed. False (and the view is
+  /// gone) while there is another one.
+  bool setModalView(std::unique_ptr<CView> view);
+  /// Takes the modal view away. It may be called from the view's own handlers: the view is
+  /// destroyed after them.
+  void removeModalView();
+  CView* getModalView() const { return m_modalView.get(); }
+
+  /// Gives a view of this frame the keyboard focus; null takes it from all.
+  void setFocusView(CView* view);
+  CView* getFocusView() const { return m_focusView; }
+
+  /// Asks for the native window's keyboard focus, and gives it back to what had it before.
+  void takeKeyboardFocus();
+  void giveKeyboardFocusBack();
+
+  /// Opens a view in a window of its own above the screen, its corner at the given place as far as
+  /// the screen has room for it. Keys go to it until it closes. One at a time; an open one is
+  /// closed. False when it can't be had (the view is gone then).
+  bool openPopup(std::unique_ptr<CView> content, const CPoint& corner);
+  /// Closes it after the running handler. CView::removed of the content is called at once.
+  void closePopup();
+  bool hasPopup() const { return m_popup != nullptr; }
+
+  /// The platform's entry points; also for what a host hands over by other roads. `where` in pixels
+  /// of the window. The state of a press or release has the one button that changed.
+  virtual CMouseEventResult platformOnMouseDown(const CPoint& where, const CButtonState& buttons);
+  virtual CMouseEventResult platformOnMouseUp(const CPoint& where, const CButtonState& buttons);
+  virtual CMouseEventResult platformOnMouseMoved(const CPoint& where, const CButtonState& buttons);
+  virtual void platformOnMouseExited();
+  virtual bool platformOnWheel(const CPoint& where, float distance, const CButtonState& buttons);
+  virtual bool platformOnKeyDown(const CKeyCode& key);
+  virtual bool platformOnKeyUp(const CKeyCode& key);
+
+  /// The view that a running gesture belongs to, or null.
+  CView* getMouseDownView() const { return m_mouseDownView; }
+
+  CTypeface* getTypeface() const { return m_typeface.get(); }
+  platform::NativeWindow& getWindow() const { return *m_window; }
+  /// The window's picture as last drawn.
+  const PixelBuffer& getPicture() const { return m_picture; }
+  /// Redraws everything into another buffer of the frame's size; nothing becomes clean by it.
+  void drawInto(PixelBuffer& target);
+
+  /// The toolkit's own: a view leaves the frame; nothing is sent to it any more.
+  void forgetView(const CView& view);
+
+ private:
+  void onWindowEvent(const platform::WindowEvent& event) override;
+  void onKeyEvent(const platform::WindowEvent& event);
+  CFrame* frameForViews() override { return this; }
+  void redraw();
+  void drawArea(CDrawContext& context, const PixelRect& area);
+  void setHoverView(CView* view, const CPoint& where, const CButtonState& buttons);
+  void windowGone();
+  void buryTheDead();
+
+  std::unique_ptr<platform::NativeWindow> m_window;
+  std::shared_ptr<CTypeface> m_typeface;
+  PixelBuffer m_picture;
+  CDrawContext m_context;
+  DirtyRegion m_dirtyRegion;
+  DirtyRegion m_exposedRegion;
+  CBitmapRef m_background;
+  CColor m_backgroundColour = kBlackCColor;
+  CKnobMode m_knobMode = kCircularMode;
+  std::unique_ptr<CView> m_modalView;
+  std::vector<std::unique_ptr<CView>> m_dead;
+  std::vector<std::unique_ptr<CFrame>> m_deadPopups;
+  std::unique_ptr<CFrame> m_popup;
+  CView* m_focusView = nullptr;
+  CView* m_mouseDownView = nullptr;
+  CView* m_hoverView = nullptr;
+  CFrame* m_ownerFrame = nullptr;
+  std::uint32_t m_mouseDownButton = 0;
+};
+
+} // namespace qlx::gui

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "gui/CControl.h"
+
+namespace qlx::gui {
+
+/// How dragging turns a knob; the numbers are the hosts'.
+enum CKnobMode : std::int32_t { kCircularMode = 0, kRelativCircularMode = 1, kLinearMode = 2 };
+
+/// A control that is turned by dragging, in the mode that its frame says: to the angle of the
+/// pointer, by the change of that angle, or along a line (right and up raise; 200 pixels for the
+/// whole range, five times as many with Shift). Control with the left button goes to the default.
+/// Derived classes draw it.
+class CKnob : public CControl {
+ public:
+  CKnob(const CRect& size, CControlListener* listener, std::int32_t tag, CBitmapRef background);
+
+  bool isTypeOf(std::string_view className) const override {
+    return className == "CKnob" || CControl::isTypeOf(className);
+  }
+  CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
+  /// Ends the edit; handled.
+  CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
+  CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;
+
+ protected:
+  CKnob(const CKnob&) = default;
+
+ private:
+  float normalizedAt(const CPoint& where) const;
+
+  CPoint m_lastPoint;
+  float m_exact = 0.0F;
+  float m_lastAngle = 0.0F;
+};
+
+} // namespace qlx::gui

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "gui/CBaseObject.h"
+#include "gui/CButtonState.h"
+#include "gui/CKeyCode.h"
+#include "gui/CRect.h"
+
+#include <atomic>
+#include <memory>
+
+namespace qlx::gui {
+
+class CDrawContext;
+class CFrame;
+class CViewContainer;
+class DirtyRegion;
+
+/// A rectangle of the window that draws itself and takes input. A view belongs to the container
+/// that it was added to. All rectangles and points are in the frame's coordinates. User-interface
+/// thread only, but for setDirty(true).
+class CView : public CBaseObject {
+ public:
+  explicit CView(const CRect& size) : m_size(size) {}
+
+  bool isTypeOf(std::string_view className) const override {
+    return className == "CView" || CBaseObject::isTypeOf(className);
+  }
+
+  /// A view of the same class with the same settings, in no container.
+  virtual std::unique_ptr<CView> newCopy() const = 0;
+
+  /// Draws the view as it is now. What it draws depends on nothing but its state.
+  virtual void draw(CDrawContext& context);
+
+  virtual CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons);
+  virtual CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons);
+  virtual CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons);
+  virtual CMouseEventResult onMouseEntered(const CPoint& where, const CButtonState& buttons);
+  virtual CMouseEventResult onMouseExited(const CPoint& where, const CButtonState& buttons);
+
+  /// `distance` in notches, away from the user is positive. True when handled.
+  virtual bool onWheel(const CPoint& where, float distance, const CButtonState& buttons);
+  /// True when handled.
+  virtual bool onKeyDown(const CKeyCode& key);
+  virtual bool onKeyUp(const CKeyCode& key);
+
+  /// The keyboard focus came to the view, or went: to another view, another window, or a press
+  /// elsewhere in this one.
+  virtual void onFocusGained() {}
+  virtual void onFocusLost() {}
+  /// Whether typed text goes to the view at present.
+  virtual bool isEditingText() const { return false; }
+  /// Text asked for with platform::NativeWindow::requestText has arrived.
+  virtual void onSelectionText(std::string_view text);
+  /// Called at every idle of the frame while the view has the focus.
+  virtual void onIdle() {}
+
+  /// The view has come into, or is about to leave, a frame (getFrame() is valid in both).
+  virtual void attached() {}
+  virtual void removed() {}
+
+  const CRect& getViewSize() const { return m_size; }
+  virtual void setViewSize(const CRect& size);
+  /// Where the view can be clicked: its rectangle unless it says otherwise.
+  virtual bool hitTest(const CPoint& where) const { return m_size.contains(where); }
+
+  /// Asks for a redraw at the next idle, or (false) declares that the screen is up to date. While
+  /// the view is being drawn its frame looks after that by itself. setDirty(true) from any thread.
+  virtual void setDirty(bool dirty = true);
+  virtual bool isDirty() const { return m_dirty.load(std::memory_order_relaxed); }
+  void invalid() { setDirty(true); }
+
+  bool isVisible() const { return m_visible; }
+  void setVisible(bool visible);
+  bool getMouseEnabled() const { return m_mouseEnabled; }
+  void setMouseEnabled(bool enabled) { m_mouseEnabled = enabled; }
+  /// Whether a press on the view gives it the keyboard focus.
+  bool wantsFocus() const { return m_wantsFocus; }
+  void setWantsFocus(bool wants) { m_wantsFocus = wants; }
+
+  /// Null while the view is in no frame.
+  CFrame* getFrame() const { return m_frame; }
+  CViewContainer* getParentView() const { return m_parent; }
+
+  /// The toolkit's own: draws the view; `whole` when the clip leaves nothing of it out, which makes
+  /// it clean.
+  void render(CDrawContext& context, bool whole);
+  /// The toolkit's own: adds what must be redrawn.
+  virtual void collectDirty(DirtyRegion& region) const;
+  /// The toolkit's own: the view came into a frame and container, or left them (null).
+  virtual void setPlace(CFrame* frame, CViewContainer* parent);
+
+ protected:
+  /// Copies the settings; the copy is in no container.
+  CView(const CView& other);
+  CView& operator=(const CView&) = delete;
+
+  /// What is on the screen after this drawing is what is set now.
+  virtual void latch() { m_dirty.store(false, std::memory_order_relaxed); }
+  bool isRendering() const { return m_rendering; }
+
+ private:
+  CRect m_size;
+  CFrame* m_frame = nullptr;
+  CViewContainer* m_parent = nullptr;
+  std::atomic<bool> m_dirty{true};
+  bool m_rendering = false;
+  bool m_visible = true;
+  bool m_mouseEnabled = true;
+  bool m_wantsFocus = false;
+};
+
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+} // namespace qlx::gui

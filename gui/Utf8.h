@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace qlx::gui {
+
+/// Takes the first character off `text`. Bytes that are not UTF-8 give U+FFFD one by one. `text` is
+/// not empty.
+char32_t takeUtf8(std::string_view& text);
+
+/// All characters of a text.
+std::u32string fromUtf8(std::string_view text);
+
+std::string toUtf8(std::u32string_view text);
+
+/// The longest beginning of a text of at most `characters` characters.
+std::string_view firstCharacters(std::string_view text, std::size_t characters);
+
+} // namespace qlx::gui
