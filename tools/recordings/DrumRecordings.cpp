@@ -1,0 +1,81 @@
+#include "engine/Recordings.h"
+#include "tools/recordings/ExactMath.h"
+#include "tools/recordings/MachineParts.h"
+#include "tools/recordings/MachineRecordings.h"
+
+namespace qlx::recordings {
+
+namespace {
+
+/// The drum hangs on a long spindle in plain bearings: rumble, little hiss.
+constexpr std::array<Band, 3> kDrumBearing = {
+    {{46.0, 0.9, 0.0}, {105.0, 0.8, -2.0}, {310.0, 0.8, -12.0}}};
+
+/// A broad belt on large wooden pulleys.
+constexpr std::array<Band, 2> kDrumSlap = {{{160.0, 2.5, 0.0}, {390.0, 3.5, -5.0}}};
+constexpr std::array<Band, 1> kDrumBeltFriction = {{{430.0, 0.8, 0.0}}};
+
+constexpr std::array<Band, 2> kDrumAir = {{{210.0, 0.5, 0.0}, {1300.0, 0.5, -10.0}}};
+
+} // namespace
+
+Signal recordDrumSlow() {
+  // The scoop barely stirs the air; the machine is heard through the wood and out of the scoop.
+  constexpr Rotation kRotation = {engine::kDrumSlowLength, 5, 0.931};
+  constexpr std::array<SweptBand, 3> kScoop = {{{{120.0, 0.7, -1.0}, 1, -6.0},
+                                                {{270.0, 0.7, 0.0}, 1, -8.0},
+                                                {{600.0, 0.8, -8.0}, 1, -11.0}}};
+  constexpr double kFacing = 0.875; // where the player's unshifted read meets the front microphone
+  constexpr Unevenness kUneven = {1.5, 0.02};
+  constexpr int kBeltRounds = 3;
+
+  const Signal scoop = whoosh(kRotation, kScoop, kFacing, kUneven, 301);
+  const Signal hum = tones(kRotation, kHum, {kSlipFlutterHz, 0.12}, 321);
+  const Signal bearing = noiseBands(kRotation, kDrumBearing, 322);
+  const Signal slaps = beltSlaps(kRotation, kBeltRounds, kDrumSlap, 323);
+  const Signal wood =
+      throughWood(mixture({{bearing, 0.0}, {slaps, -5.0}, {hum, -7.0}, {scoop, -5.0}}),
+                  kCabinetModes, Start::periodic);
+  Signal recording = mixture({{scoop, -1.0},
+                              {wood, -2.0},
+                              {hum, -9.0},
+                              {bearing, -6.0},
+                              {slaps, -16.0},
+                              {noiseBands(kRotation, kDrumBeltFriction, 324), -14.0},
+                              {noiseBands(kRotation, kDrumAir, 325), -16.0}});
+  setRms(recording, gainOfDb(kDrumSlowDb));
+  return recording;
+}
+
+Signal recordDrumFast() {
+  // The scoop pumps the air of the lower compartment through its openings, and the panels ring with
+  // it.
+  constexpr Rotation kRotation = {engine::kDrumFastLength, 88, 6.53};
+  constexpr std::array<SweptBand, 4> kScoop = {{{{110.0, 0.6, -1.0}, 1, -8.0},
+                                                {{240.0, 0.6, 0.0}, 1, -10.0},
+                                                {{560.0, 0.7, -6.0}, 1, -12.0},
+                                                {{1500.0, 0.7, -17.0}, 2, -15.0}}};
+  constexpr double kFacing =
+      0.75; // where the player's read, a quarter turn late, meets the front microphone
+  constexpr Unevenness kUneven = {1.6, 0.02};
+  constexpr int kBeltRounds = 53; // while the drum goes round 88 times
+
+  const Signal scoop = whoosh(kRotation, kScoop, kFacing, kUneven, 401);
+  const Signal hum = tones(kRotation, kHum, {kSlipFlutterHz, 0.18}, 421);
+  const Signal bearing = noiseBands(kRotation, kDrumBearing, 422);
+  const Signal slaps = beltSlaps(kRotation, kBeltRounds, kDrumSlap, 423);
+  const Signal wood =
+      throughWood(mixture({{scoop, 0.0}, {bearing, -6.0}, {slaps, -8.0}, {hum, -12.0}}),
+                  kCabinetModes, Start::periodic);
+  Signal recording = mixture({{scoop, 0.0},
+                              {wood, -3.0},
+                              {hum, -13.0},
+                              {bearing, -9.0},
+                              {slaps, -17.0},
+                              {noiseBands(kRotation, kDrumBeltFriction, 424), -17.0},
+                              {noiseBands(kRotation, kDrumAir, 425), -15.0}});
+  setRms(recording, gainOfDb(kDrumFastDb));
+  return recording;
+}
+
+} // namespace qlx::recordings

@@ -1,0 +1,93 @@
+#include "engine/Recordings.h"
+#include "tools/recordings/ExactMath.h"
+#include "tools/recordings/MachineParts.h"
+#include "tools/recordings/MachineRecordings.h"
+#include "tools/recordings/Random.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qlx::recordings {
+
+namespace {
+
+/// The armature, the contact springs and the relay's tin case.
+constexpr std::array<Mode, 4> kRelay = {
+    {{940.0, 9.0, -5.0}, {2150.0, 14.0, 0.0}, {3700.0, 16.0, -3.0}, {5900.0, 14.0, -9.0}}};
+
+/// The frame that the motor's torque twists in its rubber mounts.
+constexpr std::array<Mode, 3> kMount = {{{58.0, 2.5, 0.0}, {96.0, 3.5, -2.0}, {171.0, 4.0, -8.0}}};
+
+std::size_t sampleAt(double milliseconds) {
+  return static_cast<std::size_t>(milliseconds * 0.001 * kSampleRate);
+}
+
+/// Contacts that close, bounce and come to rest: each touch is a burst of noise of a fraction of a
+/// millisecond.
+Signal contacts() {
+  struct Touch {
+    double milliseconds;
+    double level;
+  };
+  constexpr std::array<Touch, 5> kTouches = {
+      {{1.5, 1.0}, {4.1, 0.55}, {5.9, 0.34}, {7.0, 0.2}, {7.7, 0.1}}};
+  constexpr double kTouchSamples = 9.0; // until it has fallen to 1/e
+  Random random(501);
+  Signal signal(engine::kStartStopLength);
+  for (const Touch& touch : kTouches) {
+    const std::size_t start = sampleAt(touch.milliseconds);
+    for (std::size_t i = 0; i < sampleAt(1.5); ++i) {
+      signal[start + i] +=
+          touch.level * exponential(-static_cast<double>(i) / kTouchSamples) * random.bell();
+    }
+  }
+  return signal;
+}
+
+/// The motor's torque comes within two periods of the mains, in pulls at twice their frequency.
+Signal torque() {
+  constexpr double kRiseSeconds = 0.012;
+  Signal signal(engine::kStartStopLength);
+  const std::size_t start = sampleAt(3.0);
+  for (std::size_t i = start; i < signal.size(); ++i) {
+    const double seconds = static_cast<double>(i - start) / kSampleRate;
+    const double surge = seconds / kRiseSeconds * exponential(1.0 - seconds / kRiseSeconds);
+    signal[i] = surge * (1.0 - 0.6 * cosineOfTurns(2.0 * kMainsHz * seconds));
+  }
+  return signal;
+}
+
+/// From silence and back to it: a short rise, a long fall, and what is left of the mean taken out
+/// with a bump of the same shape, so that neither end steps.
+void closeEnds(Signal& signal) {
+  const std::size_t rise = sampleAt(1.0);
+  const std::size_t fall = sampleAt(35.0);
+  Signal shape(signal.size(), 1.0);
+  for (std::size_t i = 0; i < rise; ++i) {
+    shape[i] = 0.5 - 0.5 * cosineOfTurns(0.5 * static_cast<double>(i) / static_cast<double>(rise));
+  }
+  for (std::size_t i = 0; i < fall; ++i) {
+    shape[signal.size() - 1 - i] =
+        0.5 - 0.5 * cosineOfTurns(0.5 * static_cast<double>(i) / static_cast<double>(fall));
+  }
+  modulate(signal, shape);
+  mix(signal, shape, -meanOf(signal) / meanOf(shape));
+}
+
+} // namespace
+
+Signal recordStartStop() {
+  const Signal touches = contacts();
+  const Signal click = throughWood(touches, kRelay, Start::atRest);
+  const Signal thump = throughWood(torque(), kMount, Start::atRest);
+  const Signal panels =
+      throughWood(mixture({{touches, 0.0}, {thump, -18.0}}), kCabinetModes, Start::atRest);
+  Signal recording = mixture({{click, 0.0}, {thump, 1.0}, {panels, -4.0}});
+  closeEnds(recording);
+  double peak = 0.0;
+  for (const double x : recording) peak = std::max(peak, std::abs(x));
+  for (double& x : recording) x *= kStartStopPeak / peak;
+  return recording;
+}
+
+} // namespace qlx::recordings
