@@ -28,6 +28,8 @@ constexpr double kOctaveLeak = 0.002;
 constexpr double kIdleLeak = 1.2e-5;
 // Several keys on one wheel share its coil and get a little less than their sum.
 constexpr double kRobbing = 0.05;
+// The pedal's two drawbars are fed more strongly than the manuals' nine.
+constexpr double kPedalGain = 1.9;
 constexpr double kClosedSwellDb = -32.0;
 
 // A number in 0..1 from where it is used: the same for every run, without a pattern to hear.
@@ -74,6 +76,7 @@ class ContactBoard {
     for (std::size_t d = 0; d < 9; ++d) {
       const int wheel = drawbarWheel(key.manual, key.key, static_cast<int>(d));
       double gain = drawbarGain(r->drawbars[d]);
+      if (key.manual == Manual::Pedal) gain *= kPedalGain;
       // The percussion takes its trigger from the 1' contacts, which fall silent for it.
       if (r->percussion && d == kTopDrawbar) gain = 0.0;
       if (gain > 0.0) contact(key, Bus::Drawbars, wheel, gain, seed + 20 * d);

@@ -149,9 +149,9 @@ struct SwellAt {
   double beat;
   double opening;
 };
-constexpr SwellAt kSwell[] = {{0, 0.72},   {6, 0.78},  {8, 0.9},    {12, 0.95}, {16, 1.0},
-                              {18, 1.0},   {20, 0.68}, {24, 0.8},   {26, 0.88}, {28, 0.82},
-                              {31.5, 0.9}, {33, 0.86}, {37.2, 0.6}, {37.7, 0.4}};
+constexpr SwellAt kSwell[] = {{0, 0.86},    {6, 0.88},  {8, 0.92},    {12, 0.95}, {16, 1.0},
+                              {18, 1.0},    {20, 0.84}, {24, 0.86},   {26, 0.92}, {28, 0.88},
+                              {31.5, 0.94}, {33, 0.9},  {37.2, 0.62}, {37.7, 0.4}};
 
 // The palm runs over the white keys, each released when the next few are down.
 struct Glissando {

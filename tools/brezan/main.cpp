@@ -13,7 +13,7 @@ constexpr int kInterruptedStatus = 130;
 
 int run(int argc, char** argv) {
   CLI::App program("brezan: plays sound through the rotary speaker plug-in, without a studio");
-  program.require_subcommand(1);
+  program.require_subcommand(0, 1);
   program.footer("'brezan COMMAND --help' says more about each command.");
   addRenderCommand(program);
   addParamsCommand(program);
@@ -25,6 +25,7 @@ int run(int argc, char** argv) {
   noteInterrupts();
   try {
     program.parse(argc, argv);
+    if (program.get_subcommands().empty()) throw CLI::RequiredError("A command");
   } catch (const CLI::Success& wanted) { // --help
     return program.exit(wanted);
   } catch (const CLI::ParseError& error) {
