@@ -1,0 +1,232 @@
+#include "engine/RotorMotion.h"
+#include "engine/RotorNoisePlayer.h"
+#include "engine/RotorTrack.h"
+#include "tests/engine/EngineFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace qlx::engine {
+namespace {
+
+using Event = RotorMotion::Event;
+using Direction = RotorMotion::Direction;
+
+RotorMotion motor(Direction direction, double rate = 22050) {
+  RotorMotion m(direction);
+  m.setSlowSpeed(0.7);
+  m.setFastSpeed(6.8);
+  m.setAccelTime(1.0);
+  m.setDecelTime(0.5);
+  m.setLever(1.0);
+  m.setSampleRate(rate);
+  return m;
+}
+
+/// Seconds from 10 % to 90 % of the way from the current to the new target speed.
+double riseTime(RotorMotion& m, double rate) {
+  const double from = m.currentSpeedHz(), to = m.targetSpeedHz();
+  double t10 = -1, angle, speed;
+  for (int i = 1; i < 40 * rate; ++i) {
+    m.advance({&angle, 1}, {&speed, 1});
+    const double share = (m.currentSpeedHz() - from) / (to - from);
+    if (t10 < 0 && share >= 0.1) t10 = i / rate;
+    if (share >= 0.9) return i / rate - t10;
+  }
+  return -1;
+}
+
+TEST(RotorMotion, TenToNinetyPercentTakesTheSetTimes) {
+  for (const auto direction : {Direction::Horn, Direction::Drum}) {
+    for (const double rate : {11025.0, 22050.0, 48000.0}) {
+      for (const double seconds : {0.1, 0.62, 3.3}) {
+        RotorMotion m = motor(direction, rate);
+        m.setAccelTime(seconds);
+        m.setDecelTime(2 * seconds);
+        m.setLever(0.0);
+        EXPECT_NEAR(riseTime(m, rate), seconds, 0.01 * seconds);
+        for (int i = 0; i < 30 * rate; ++i) {
+          double a, s;
+          m.advance({&a, 1}, {&s, 1});
+        }
+        m.setLever(1.0);
+        EXPECT_NEAR(riseTime(m, rate), 2 * seconds, 0.02 * seconds);
+      }
+    }
+  }
+}
+
+TEST(RotorMotion, LeverAndStopSelectSpeedAndReportEvents) {
+  struct Step {
+    bool stop;
+    double value;
+    double hz;
+    RotorMotion::SpeedState state;
+    Event event;
+  };
+  using State = RotorMotion::SpeedState;
+  const Step steps[] = {{false, 1.0, 0.7, State::Slow, Event::None},
+                        {false, 0.5, 3.75, State::Between, Event::None},
+                        {false, 0.0, 6.8, State::Fast, Event::None},
+                        {true, 1.0, 0.0, State::Stopped, Event::Stop},
+                        {true, 0.6, 0.0, State::Stopped, Event::None},
+                        {false, 1.0, 0.0, State::Stopped, Event::None},
+                        {true, 0.4, 0.7, State::Slow, Event::Start},
+                        {true, 0.0, 0.7, State::Slow, Event::None}};
+  RotorMotion m(Direction::Drum);
+  m.setSlowSpeed(0.7);
+  m.setFastSpeed(6.8);
+  EXPECT_EQ(m.speedState(), State::Unset);
+  for (const Step& s : steps) {
+    EXPECT_EQ(s.stop ? m.setStop(s.value) : m.setLever(s.value), s.event);
+    EXPECT_EQ(m.speedState(), s.state);
+    EXPECT_NEAR(m.targetSpeedHz(), s.hz, 1e-12);
+  }
+}
+
+TEST(RotorMotion, SpeedEditsReachOnlyTheSpeedInUse) {
+  RotorMotion m = motor(Direction::Horn);
+  m.setFastSpeed(5.0);
+  EXPECT_EQ(m.targetSpeedHz(), 0.7);
+  m.setLever(0.0);
+  m.setSlowSpeed(0.2);
+  EXPECT_EQ(m.targetSpeedHz(), 5.0);
+  m.setLever(0.25);
+  EXPECT_NEAR(m.targetSpeedHz(), 0.2 + 4.8 * 0.75, 1e-12);
+  m.setFastSpeed(6.0);
+  EXPECT_NEAR(m.targetSpeedHz(), 0.2 + 5.8 * 0.75, 1e-12);
+}
+
+TEST(RotorMotion, HornTurnsAgainstTheDrumAndFlipShiftsByHalfATurn) {
+  RotorMotion horn = motor(Direction::Horn), drum = motor(Direction::Drum), flipped = drum;
+  flipped.setFlip(-1);
+  for (int i = 0; i < 50000; ++i) {
+    double h, d, f, s;
+    horn.advance({&h, 1}, {&s, 1});
+    drum.advance({&d, 1}, {&s, 1});
+    flipped.advance({&f, 1}, {&s, 1});
+    ASSERT_GE(h, 0.0);
+    ASSERT_LT(h, 1.0);
+    const double sum = std::fmod(h + d, 1.0);
+    ASSERT_NEAR(std::min(sum, 1 - sum), 0.0, 1e-9);
+    const double half = std::fmod(f - d + 1.0, 1.0);
+    ASSERT_NEAR(half, 0.5, 1e-9);
+  }
+}
+
+TEST(RotorMotion, RateChangeKeepsHertzAndSnaps) {
+  RotorMotion m = motor(Direction::Drum, 22050);
+  m.setLever(0.0);
+  m.setSampleRate(48000);
+  EXPECT_NEAR(m.currentSpeedHz(), 6.8, 1e-12);
+}
+
+TEST(RayMovement, NearArcTakesHalfThePeriodAndIsContinuous) {
+  RotorTrack track(Direction::Drum);
+  track.motion.setSlowSpeed(1.0);
+  track.motion.setLever(1.0);
+  track.setSampleRate(4096 * 8, 1);
+  const double halfWidth = 0.08;
+  std::vector<double> sine;
+  for (int i = 0; i < 2 * 4096 * 8; i += kRun) {
+    track.advance(kRun);
+    RayMovement movement;
+    movement.trace(track, 1.0, 0.1, 1.0, halfWidth, kRun);
+    sine.insert(sine.end(), movement.sine.begin(), movement.sine.end());
+    track.finish(kRun);
+  }
+  int below = 0;
+  const std::size_t turn = 4096 * 8;
+  for (std::size_t i = turn; i < 2 * turn; ++i) {
+    ASSERT_LT(std::abs(sine[i] - sine[i - 1]),
+              1.2 * std::numbers::pi / (2 * halfWidth) / double(turn));
+    below += sine[i] < 0;
+  }
+  EXPECT_NEAR(below / double(turn), 2 * halfWidth, 0.001) << "share of the turn on the near side";
+}
+
+std::vector<double> play(HornNoisePlayer& player, double hz, double rate, int n) {
+  std::vector<double> speeds(static_cast<std::size_t>(n), hz / rate), out(speeds.size());
+  player.process(speeds, 0.0, 1.0, out);
+  return out;
+}
+
+double power(const std::vector<double>& x) {
+  double sum = 0;
+  for (const double v : x) sum += v * v;
+  return sum;
+}
+
+TEST(HornNoisePlayer, BlendsBySpeedAndFallsWithDistance) {
+  // A loop of a sine inside the band-pass, so that levels can be compared.
+  std::vector<float> tone(kHornFastLength + kRecordingGuard);
+  for (std::size_t i = 0; i < tone.size(); ++i)
+    tone[i] = static_cast<float>(std::sin(2 * std::numbers::pi * 1100.0 * double(i) / 44100.0));
+  test::PlainRecordings silent;
+  const auto slowTone = std::span<const float>(tone).first(kHornSlowLength + kRecordingGuard);
+  const Recordings both{{slowTone, slowTone},
+                        tone,
+                        silent.spans().drumSlow,
+                        silent.spans().drumFast,
+                        silent.spans().startStop};
+  struct Case {
+    double hz, slowVolume, fastVolume, gain;
+  };
+  const double between = (4.14 - 0.78) / (7.5 - 0.78), early = (1.452 - 0.78) / (7.5 - 0.78);
+  const Case cases[] = {{0.0, 1, 1, 0},
+                        {0.39, 1, 0, 0.25},
+                        {0.78, 1, 1, 1},
+                        {7.5, 1, 0, 0},
+                        {1.452, 1, 0, std::pow(1 - 2.5 * early, 2)},
+                        {4.14, 1, 0, 0}};
+  for (const Case& c : cases) {
+    HornNoisePlayer player(both, 0);
+    player.setSampleRate(44100);
+    player.setMicDistance(0.3);
+    player.setSlowVolume(c.slowVolume);
+    player.setFastVolume(c.fastVolume);
+    const double rms = std::sqrt(power(play(player, c.hz, 44100, 20000)) / 20000);
+    EXPECT_NEAR(rms, c.gain * std::sqrt(0.5), 0.01) << c.hz;
+  }
+  // The fast loop is locked to the rotor: at 34 turns a loop its own pitch sounds at this speed.
+  const double own = 34.0 * 44100 / kHornFastLength;
+  for (const double distance : {0.3, 1.2}) {
+    HornNoisePlayer player(both, 0);
+    player.setSampleRate(44100);
+    player.setMicDistance(distance);
+    player.setFastVolume(1);
+    const double rms = std::sqrt(power(play(player, own, 44100, 40000)) / 40000);
+    const double x = (own - 0.78) / (7.5 - 0.78);
+    EXPECT_NEAR(rms, std::pow(x, 4) * std::pow(0.3 / distance, 0.25) * std::sqrt(0.5), 0.01);
+  }
+  EXPECT_GT(between, 0.4) << "beyond the slow loop's end of the fade";
+}
+
+TEST(HornNoisePlayer, SwitchSoundPlaysOnceAtEveryRateAndRestarts) {
+  test::PlainRecordings recordings;
+  for (std::size_t i = 0; i < kStartStopLength; ++i)
+    recordings.startStop()[i] =
+        static_cast<float>(std::sin(2 * std::numbers::pi * 1100.0 * double(i) / 44100.0));
+  for (const double rate : {22050.0, 44100.0, 48000.0}) {
+    HornNoisePlayer player(recordings.spans(), 1);
+    player.setSampleRate(rate);
+    player.setMicDistance(0.3);
+    player.setSwitchVolume(1);
+    EXPECT_EQ(power(play(player, 0, rate, 1000)), 0.0) << "nothing before the event";
+    player.trigger();
+    const auto length = static_cast<int>(3955 * rate / 44100);
+    const double first = power(play(player, 0, rate, length)) / rate;
+    EXPECT_GT(first, 0.001);
+    const double after = power(play(player, 0, rate, length)) / rate;
+    EXPECT_LT(after, 0.05 * first) << "over, but for the filter's ring";
+    player.trigger();
+    play(player, 0, rate, length / 2);
+    player.trigger();
+    EXPECT_NEAR(power(play(player, 0, rate, length)) / rate, first, 0.15 * first);
+  }
+}
+
+} // namespace
+} // namespace qlx::engine
