@@ -1,0 +1,138 @@
+// The plug-in itself through the command-line host.
+#include "tests/tools/TemporaryFolder.h"
+#include "tools/brezan/ParameterText.h"
+#include "tools/brezan/Renderer.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdlib>
+#include <numbers>
+#include <sstream>
+
+using namespace qlx::tools;
+using namespace qlx::tests;
+
+namespace {
+
+constexpr double kRate = 44100.0;
+constexpr double kToneHz = 2205.0;
+constexpr double kHornSlow = 0.673; // revolutions per second of the first preset
+constexpr double kHornFast = 6.77088;
+
+// A plug-in that sees no settings of the person who runs the tests.
+class PluginEndToEnd : public testing::Test {
+ protected:
+  PluginEndToEnd() { setenv("XDG_CONFIG_HOME", (m_folder / "config").c_str(), 1); }
+
+  // A steady tone through the cabinet, without motor noise; answers the left channel.
+  std::vector<double> render(double seconds, const std::vector<TimedMidi>& midi,
+                             const std::string& moves, bool useDouble) {
+    {
+      AudioOutput source(m_folder / "in.wav", "double", kRate, 1);
+      std::vector<double> tone(static_cast<std::size_t>(seconds * kRate));
+      for (std::size_t i = 0; i < tone.size(); ++i)
+        tone[i] = 0.1 * std::sin(2.0 * std::numbers::pi * kToneHz * static_cast<double>(i) / kRate);
+      source.write(tone);
+      source.finish();
+    }
+    ParameterText parameters(PLUGIN);
+    PluginHost host(PLUGIN);
+    host.setValue(parameters.index("Mech"), 0.0F);
+    std::istringstream lines(moves);
+    AudioInput in(m_folder / "in.wav");
+    AudioOutput out(m_folder / "out.wav", "double", kRate, 2);
+    AutomationPlayer automation(resolved(readAutomation(lines, ""), "", parameters), kRate);
+    MidiPlayer player(midi, kRate);
+    ProgressBar progress;
+    Renderer(host, {512, useDouble, 2, 2.0, 0.0}).render(in, out, automation, player, progress);
+    out.finish();
+    AudioInput result(m_folder / "out.wav");
+    std::vector<double> samples(static_cast<std::size_t>(2 * result.frames()));
+    EXPECT_EQ(result.read(samples), result.frames());
+    std::vector<double> left;
+    for (std::size_t i = 0; i < samples.size(); i += 2) left.push_back(samples[i]);
+    return left;
+  }
+
+  // How deep the tone's level swings with one frequency, as a part of its mean.
+  static double swing(const std::vector<double>& sound, double from, double to, double hz) {
+    constexpr std::size_t kStep = 441;
+    std::complex<double> line = 0.0;
+    double mean = 0.0;
+    const auto last = static_cast<std::size_t>(to * kRate);
+    for (auto i = static_cast<std::size_t>(from * kRate); i + kStep <= last; i += kStep) {
+      double power = 0.0;
+      for (std::size_t k = i; k < i + kStep; ++k) power += sound[k] * sound[k];
+      const double level = std::sqrt(power / kStep);
+      line += std::polar(level, 2.0 * std::numbers::pi * hz * static_cast<double>(i) / kRate);
+      mean += level;
+    }
+    return 2.0 * std::abs(line) / mean;
+  }
+
+  TemporaryFolder m_folder;
+};
+
+} // namespace
+
+TEST_F(PluginEndToEnd, wordsAndAmountsFindTheirValues) {
+  ParameterText parameters(PLUGIN);
+  const std::pair<const char*, double> cases[] = {
+      {"Type=Tube", 0.5},       {"Type=Solid", 1.0},       {"Setup=FrontRear", 0.6},
+      {"setup=Mono", 1.0},      {"Lever=Tremolo", 1.0},    {"Stop=Stopped", 1.0},
+      {"CPUmode=Brilliant", 1}, {"MIDIchl=Ch 3", 3 / 17.}, {"Size=5", 1.0},
+      {"Drive=-6dB", 0.35},     {"HFastSpd=7Hz", 0.7},     {"Bottom=-3dB", 0.375},
+      {"HHPF=Off", 0.0},        {"DLPF=Off", 1.0},         {"Bypass=On", 1.0}};
+  for (const auto& [text, value] : cases)
+    EXPECT_NEAR(static_cast<double>(parameters.assignment(text).value), value, 0.0051) << text;
+}
+
+TEST_F(PluginEndToEnd, presetsAreChosenByNumber) {
+  PluginHost host(PLUGIN);
+  EXPECT_EQ(host.presetNames().size(), 32U);
+  std::vector<std::vector<float>> settings;
+  for (const int preset : {0, 1, 31, 0}) {
+    host.selectPreset(preset);
+    EXPECT_EQ(host.currentPreset(), preset);
+    settings.emplace_back();
+    for (int i = 0; i < host.parameterCount(); ++i) settings.back().push_back(host.value(i));
+  }
+  EXPECT_NE(settings[0], settings[1]);
+  EXPECT_EQ(settings[0], settings[3]);
+}
+
+TEST_F(PluginEndToEnd, thePedalAndTheBrakeMoveTheHorn) {
+  const std::vector<TimedMidi> pedal{{0.0, {0xB0, 64, 127}}, {8.0, {0xB0, 64, 0}}};
+  const std::vector<double> sound = render(30.0, pedal, "20 Stop Stopped\n", true);
+  const double fast = swing(sound, 4.0, 8.0, kHornFast);
+  const double slow = swing(sound, 12.0, 19.0, kHornSlow);
+  EXPECT_GT(fast, 0.1);
+  EXPECT_GT(slow, 0.1);
+  EXPECT_LT(swing(sound, 4.0, 8.0, kHornSlow), 0.3 * fast);
+  EXPECT_LT(swing(sound, 12.0, 19.0, kHornFast), 0.3 * slow);
+  EXPECT_LT(swing(sound, 27.0, 30.0, kHornSlow), 0.1 * slow) << "the horn stands still";
+}
+
+TEST_F(PluginEndToEnd, singleAndDoublePrecisionAgree) {
+  const std::vector<double> single = render(2.0, {}, "0.5 Drive 0.7 1\n", false);
+  const std::vector<double> full = render(2.0, {}, "0.5 Drive 0.7 1\n", true);
+  ASSERT_EQ(single.size(), full.size());
+  double error = 0.0;
+  double power = 0.0;
+  for (std::size_t i = 0; i < full.size(); ++i) {
+    error += (single[i] - full[i]) * (single[i] - full[i]);
+    power += full[i] * full[i];
+  }
+  EXPECT_GT(power, 1.0);
+  EXPECT_LT(10.0 * std::log10(error / power), -100.0);
+}
+
+TEST_F(PluginEndToEnd, theProgramTellsTheIdentity) {
+  const Finished info = run(BREZAN " info --plugin " PLUGIN " --json");
+  EXPECT_EQ(info.status, 0) << info.errors;
+  for (const char* words : {"\"name\": \"QLX Brezan\"", "\"id\": \"QbrZ\"", "\"parameters\": 36",
+                            "\"presets\": 32", "\"stateBytes\": 42289", "\"receivesMidi\": true"})
+    EXPECT_THAT(info.output, testing::HasSubstr(words));
+}
