@@ -99,8 +99,7 @@ void Biquad::design() {
   case kHighPass: exponent = 6.0; break;
   case kLowShelf: exponent = 3.5; break;
   case kPeaking:
-  case kBandPass:
-  case kNotch: exponent = 2.8; break;
+  case kBandPass: exponent = 2.8; break;
   case kHighShelf: exponent = 4.0; break;
   case kLowPass:
     exponent = 8.0;
@@ -123,13 +122,6 @@ void Biquad::design() {
     a1 = -2.0 * c;
     a2 = 1.0 - alpha;
     break;
-  case kHighPassFirst: {
-    const double k = c / (1.0 + s);
-    a1 = -k;
-    b0 = (1.0 + k) / 2.0;
-    b1 = -(1.0 + k) / 2.0;
-    break;
-  }
   case kLowShelf:
     a0 = (A + 1.0) + (A - 1.0) * c + shelf;
     a1 = -2.0 * ((A - 1.0) + (A + 1.0) * c);
@@ -152,12 +144,6 @@ void Biquad::design() {
     a1 = -2.0 * c;
     a2 = 1.0 - alpha;
     break;
-  case kNotch:
-    a0 = 1.0 + alpha;
-    b2 = 1.0;
-    a1 = b1 = -2.0 * c;
-    a2 = 1.0 - alpha;
-    break;
   case kHighShelf:
     a0 = (A + 1.0) - (A - 1.0) * c + shelf;
     a1 = 2.0 * ((A - 1.0) - (A + 1.0) * c);
@@ -172,18 +158,6 @@ void Biquad::design() {
     b1 = 1.0 - c;
     a1 = -2.0 * c;
     a2 = 1.0 - alpha;
-    break;
-  case kLowPassFirst: {
-    const double d = 2.0 - c;
-    a1 = std::sqrt(d * d - 1.0) - d;
-    b0 = 1.0 + a1;
-    break;
-  }
-  case kAllPass:
-    a0 = 1.0 + alpha;
-    b0 = a2 = 1.0 - alpha;
-    a1 = b1 = -2.0 * c;
-    b2 = a0;
     break;
   default: break;
   }

@@ -36,7 +36,7 @@ struct NoisePlayer {
   double engineRate = 44100, sampleStep = 1, slowThreshold = 1, fastThreshold = 1;
   double level = 0, micAngle = 0, speed = 0, micDistance = 1, distanceGain = 1;
   double slowPhase = 0, fastPhase = 0;
-  double slowVolume = 0, fastVolume = 0, accelVolume = 0, decelVolume = 0;
+  double slowVolume = 0, fastVolume = 0, decelVolume = 0;
   Event event = kNone;
   double oneShotPos = 0, oneShotGain = 0;
   Biquad bandPass, slowLowPass, fastShelf;

@@ -450,7 +450,6 @@ void ReferenceEffect::applyLevelCalibration(int index, float v) {
   case 101: room.lrDelay = std::exp(2.30259 * x) * 0.15; break;
   case 102: players(&NoisePlayer::slowVolume, n * 5.01187233627, n * 0.70794578438); break;
   case 103: players(&NoisePlayer::fastVolume, n * 6.3095734448, n); break;
-  case 104: players(&NoisePlayer::accelVolume, n * 1.99053585276, n * 0.12559432155); break;
   case 105: players(&NoisePlayer::decelVolume, n * 0.99763115748, n * 0.06294627058); break;
   case 106: room.mainCutoffHz = double(freqLaw(v)); break;
   case 115:

@@ -6,8 +6,8 @@
 namespace qlx::reference {
 
 // Response types of a second-order section.
-inline constexpr int kHighPass = 1, kHighPassFirst = 2, kLowShelf = 3, kPeaking = 4, kBandPass = 5,
-                     kNotch = 6, kHighShelf = 7, kLowPass = 8, kLowPassFirst = 9, kAllPass = 10;
+inline constexpr int kHighPass = 1, kLowShelf = 3, kPeaking = 4, kBandPass = 5, kHighShelf = 7,
+                     kLowPass = 8;
 
 struct Section {
   int type;
