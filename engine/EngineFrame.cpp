@@ -79,6 +79,7 @@ void RotaryEngine::Frame::performAllPendingWork() noexcept {
 }
 
 void RotaryEngine::Frame::beginBlock() noexcept {
+  m_blockFailed = false;
   takeSettings();
   if (m_snapBypass.exchange(false, std::memory_order_relaxed)) m_bypassLevel = m_bypassTarget;
   stepState();
@@ -273,10 +274,10 @@ void RotaryEngine::Frame::run(Stretch& s) noexcept {
     blend(s, inputGain, left, right);
   }
 
-  if (allFinite(s.out0, s.n) && allFinite(s.out1, s.n)) return;
-  s.out0 = s.in0;
-  s.out1 = s.in1;
-  recover();
+  if (!allFinite(s.out0, s.n) || !allFinite(s.out1, s.n)) {
+    recover();
+    m_blockFailed = true;
+  }
 }
 
 template <class Sample>
@@ -290,7 +291,11 @@ void RotaryEngine::Frame::process(const Sample* in0, const Sample* in1, Sample* 
       s.in0[static_cast<std::size_t>(j)] = sane(static_cast<double>(in0[done + j]));
       s.in1[static_cast<std::size_t>(j)] = sane(static_cast<double>(in1[done + j]));
     }
-    run(s);
+    if (!m_blockFailed) run(s);
+    if (m_blockFailed) {
+      s.out0 = s.in0;
+      s.out1 = s.in1;
+    }
     for (int j = 0; j < s.n; ++j) {
       if (out1 != nullptr)
         out1[done + j] = static_cast<Sample>(s.out1[static_cast<std::size_t>(j)]);

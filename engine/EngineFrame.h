@@ -91,6 +91,7 @@ class RotaryEngine::Frame {
   double m_fadeCoefficient = 0.0;
   std::uint32_t m_seenStopPresses = 0;
   bool m_speakersBypassed = false;
+  bool m_blockFailed = false; ///< the rest of a block that ran into numbers out of hand is dry
 
   double m_hostRate = 44100.0;
   double m_engineRate = 44100.0;

@@ -112,6 +112,7 @@ class EngineFixture {
                                                    {Setting::DrumDecelSeconds, 4.6},
                                                    {Setting::HornMic1Distance, 1.0},
                                                    {Setting::HornMic2Distance, 0.9},
+                                                   {Setting::HornMic1Pan, 0},
                                                    {Setting::HornMic2Pan, 1},
                                                    {Setting::HornMic2Gain, 1.17},
                                                    {Setting::HornGain, 1},

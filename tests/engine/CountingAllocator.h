@@ -1,0 +1,15 @@
+#pragma once
+
+namespace qlx::engine::test {
+
+/// Counts the allocations of the whole program from its construction on.
+class AllocationCount {
+ public:
+  AllocationCount();
+  int value() const;
+
+ private:
+  int m_before;
+};
+
+} // namespace qlx::engine::test

@@ -1,0 +1,309 @@
+#include "tests/engine/CountingAllocator.h"
+#include "tests/engine/EngineFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace qlx::engine {
+namespace {
+
+using test::EngineFixture;
+using test::StereoSignal;
+
+StereoSignal noise(int n, unsigned seed = 1) {
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> uniform(-0.5, 0.5);
+  StereoSignal s{std::vector<double>(static_cast<std::size_t>(n)), {}};
+  for (double& x : s.left) x = uniform(random);
+  s.right = s.left;
+  for (double& x : s.right) x *= 0.8;
+  return s;
+}
+
+double peak(const std::vector<double>& x) {
+  double p = 0;
+  for (const double v : x) p = std::max(p, std::abs(v));
+  return p;
+}
+
+bool finite(const StereoSignal& s) {
+  const auto ok = [](double x) { return std::isfinite(x) && std::fpclassify(x) != FP_SUBNORMAL; };
+  return std::all_of(s.left.begin(), s.left.end(), ok) &&
+         std::all_of(s.right.begin(), s.right.end(), ok);
+}
+
+TEST(RotaryEngine, BlockSizesDoNotMatterWhileNothingIsPending) {
+  const auto render = [](int block) {
+    EngineFixture f;
+    f.settle();
+    f.engine.set(Setting::Lever, 0.0);
+    return f.render(noise(40000), block);
+  };
+  const auto expected = render(512);
+  for (const int block : {1, 7, 64, 1000, 16384}) {
+    const auto out = render(block);
+    for (std::size_t i = 0; i < out.left.size(); ++i) {
+      ASSERT_NEAR(out.left[i], expected.left[i], 1e-12) << block << " at " << i;
+      ASSERT_NEAR(out.right[i], expected.right[i], 1e-12) << block << " at " << i;
+    }
+  }
+}
+
+TEST(RotaryEngine, SharedAndCrossedBuffersGiveTheSame) {
+  EngineFixture apart, inPlace, crossed;
+  for (EngineFixture* f : {&apart, &inPlace, &crossed}) f->settle();
+  const auto in = noise(10000);
+  const auto expected = apart.render(in, 100);
+  for (std::size_t done = 0; done < in.left.size(); done += 100) {
+    std::vector<double> a(in.left.begin() + long(done), in.left.begin() + long(done) + 100);
+    std::vector<double> b(in.right.begin() + long(done), in.right.begin() + long(done) + 100);
+    auto a2 = a, b2 = b;
+    inPlace.engine.process(a.data(), b.data(), a.data(), b.data(), 100);
+    crossed.engine.process(a2.data(), b2.data(), b2.data(), a2.data(), 100);
+    for (std::size_t i = 0; i < 100; ++i) {
+      ASSERT_EQ(a[i], expected.left[done + i]);
+      ASSERT_EQ(b[i], expected.right[done + i]);
+      ASSERT_EQ(b2[i], expected.left[done + i]);
+      ASSERT_EQ(a2[i], expected.right[done + i]);
+    }
+  }
+}
+
+TEST(RotaryEngine, SingleAndDoublePrecisionAgreeAndMonoOutputIsTheLeft) {
+  EngineFixture wide, narrow, mono;
+  for (EngineFixture* f : {&wide, &narrow, &mono}) f->settle();
+  const auto in = noise(20000);
+  const std::vector<float> l(in.left.begin(), in.left.end()), r(in.right.begin(), in.right.end());
+  const StereoSignal rounded{{l.begin(), l.end()}, {r.begin(), r.end()}};
+  const auto expected = wide.render(rounded, 128);
+  std::vector<float> ol(l.size()), orr(l.size()), om(l.size());
+  narrow.engine.process(l.data(), r.data(), ol.data(), orr.data(), static_cast<int>(l.size()));
+  mono.engine.process(l.data(), r.data(), om.data(), nullptr, static_cast<int>(l.size()));
+  for (std::size_t i = 0; i < l.size(); ++i) {
+    ASSERT_NEAR(ol[i], expected.left[i], 1e-6);
+    ASSERT_NEAR(orr[i], expected.right[i], 1e-6);
+    ASSERT_EQ(om[i], ol[i]);
+  }
+}
+
+TEST(RotaryEngine, BypassEndsExactlyAtTheInput) {
+  EngineFixture f;
+  f.settle();
+  f.engine.set(Setting::Bypass, 1.0);
+  f.render(noise(44100), 256);
+  const auto in = noise(5000, 2);
+  const auto out = f.render(in, 256);
+  EXPECT_EQ(out.left, in.left);
+  EXPECT_EQ(out.right, in.right);
+}
+
+TEST(RotaryEngine, AmplifierOnlyIsTheSameOnBothChannels) {
+  EngineFixture f;
+  f.settle();
+  f.engine.set(Setting::SpeakersBypassed, 1.0);
+  const auto out = f.render(noise(5000), 64);
+  EXPECT_EQ(out.left, out.right);
+  EXPECT_GT(peak(out.left), 0.05);
+}
+
+/// Depth of the envelope's line at `hz`, relative to its mean, over whole turns.
+double envelopeLine(const std::vector<double>& x, double rate, double hz) {
+  const auto n = static_cast<std::size_t>(std::floor(double(x.size()) * hz / rate) * rate / hz);
+  double re = 0, im = 0, mean = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    const double e = x[i] * x[i], w = 2 * std::numbers::pi * hz * double(i) / rate;
+    re += e * std::cos(w);
+    im += e * std::sin(w);
+    mean += e;
+  }
+  return 2 * std::hypot(re, im) / mean;
+}
+
+TEST(RotaryEngine, EachRotorModulatesAtItsOwnSpeed) {
+  struct Case {
+    double lever, horn, drum;
+  };
+  for (const Case& c : {Case{1.0, 0.67, 0.93}, Case{0.0, 6.77, 6.53}}) {
+    EngineFixture f;
+    f.engine.set(Setting::DrumAccelSeconds, 0.5);
+    f.engine.set(Setting::Lever, c.lever);
+    f.engine.request(kPendingFullReset);
+    f.settle(0.5);
+    f.engine.set(Setting::DrumGain, 0.0);
+    f.render(20000, 512, 3000);
+    const auto horn = f.render(12 * 44100, 512, 3000).left;
+    EXPECT_GT(envelopeLine(horn, 44100, c.horn), 0.2);
+    EXPECT_LT(envelopeLine(horn, 44100, c.drum), 0.5 * envelopeLine(horn, 44100, c.horn));
+    f.engine.set(Setting::DrumGain, 1.0);
+    f.engine.set(Setting::HornGain, 0.0);
+    f.render(20000, 512, 400);
+    const auto drum = f.render(12 * 44100, 512, 400).left;
+    EXPECT_GT(envelopeLine(drum, 44100, c.drum), 0.1);
+    EXPECT_LT(envelopeLine(drum, 44100, c.horn), 0.5 * envelopeLine(drum, 44100, c.drum));
+  }
+}
+
+TEST(RotaryEngine, GeometryChangeFadesThroughDryAndBack) {
+  EngineFixture f;
+  f.settle();
+  f.engine.set(Setting::HornMic1Distance, 1.4);
+  f.engine.request(kPendingHornMic1 | kPendingCrossDelays);
+  // The dry path is the input at half level behind a gentle low-pass: on a low tone it tells itself
+  // by its level.
+  const double hz = 100;
+  const auto out = f.render(8820, 64, hz);
+  double largestStep = 0;
+  for (std::size_t i = 1; i < out.left.size(); ++i)
+    largestStep = std::max(largestStep, std::abs(out.left[i] - out.left[i - 1]));
+  EXPECT_LT(largestStep, 0.05) << "no click";
+  const std::size_t dryAt =
+      static_cast<std::size_t>(0.072 * 44100); // 69 ms of fade, then at least four blocks dry
+  const auto window =
+      std::vector<double>(out.left.begin() + long(dryAt), out.left.begin() + long(dryAt) + 100);
+  for (std::size_t i = 0; i < window.size(); ++i)
+    EXPECT_LT(std::abs(window[i]), 0.3 * 0.708 * 0.5 * 1.05);
+}
+
+TEST(RotaryEngine, FullResetAppliesThePlacementOnceAndRequestsMadeMeanwhileAreKept) {
+  EngineFixture f;
+  f.settle();
+  const int before = f.placement.calls;
+  f.engine.request(kPendingFullReset);
+  f.settle();
+  EXPECT_EQ(f.placement.calls, before + 1);
+  f.engine.request(kPendingRoomTaps);
+  f.settle();
+  EXPECT_EQ(f.placement.calls, before + 2) << "room work applies the placement too";
+}
+
+TEST(RotaryEngine, EveryRateAndModeStaysWithinTheProgramme) {
+  EngineFixture f;
+  f.settle();
+  for (const double rate :
+       {22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0, 176400.0, 192000.0}) {
+    for (const CpuMode mode : {CpuMode::LowCpu, CpuMode::Brilliant}) {
+      f.setRate(rate, mode);
+      const auto out = f.render(static_cast<int>(0.6 * rate), 333, 440);
+      ASSERT_TRUE(finite(out)) << rate;
+      EXPECT_LT(peak(out.left), 1.0) << rate;
+      const std::vector<double> settled(out.left.end() - 2000, out.left.end());
+      EXPECT_GT(peak(settled), 0.003) << rate << ": the cabinet is back";
+    }
+  }
+}
+
+TEST(RotaryEngine, RatesOutOfRangeKeepTheConfiguration) {
+  EngineFixture f;
+  for (const double bad : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(),
+                           std::numeric_limits<double>::infinity()})
+    f.engine.setHostRate(bad);
+  f.engine.request(kPendingFullReset);
+  f.settle();
+  EXPECT_EQ(f.engine.hostRate(), 44100.0);
+  f.engine.setHostRate(8000.0);
+  f.engine.request(kPendingFullReset);
+  f.settle();
+  EXPECT_EQ(f.engine.hostRate(), 22050.0);
+  f.setRate(384000.0, CpuMode::Brilliant);
+  EXPECT_TRUE(finite(f.render(50000, 512, 440)));
+}
+
+TEST(RotaryEngine, RandomSettingsAtEveryBlockStayFinite) {
+  std::mt19937 random(5);
+  EngineFixture f;
+  const auto in = noise(64);
+  StereoSignal silence{std::vector<double>(64), std::vector<double>(64)};
+  for (int block = 0; block < 20000; ++block) {
+    const auto setting = static_cast<Setting>(random() % kSettingCount);
+    const double magnitude = std::pow(10.0, static_cast<double>(random() % 12) - 6.0);
+    if (setting != Setting::SpeakersBypassed)
+      f.engine.set(setting, (random() % 2 != 0 ? 1 : -1) * magnitude);
+    if (random() % 50 == 0) f.engine.request(1U << (random() % 11));
+    const auto out = f.render(block % 400 < 200 ? in : silence, 64);
+    ASSERT_TRUE(finite(out)) << "block " << block << " setting " << int(setting) << " "
+                             << magnitude;
+  }
+}
+
+TEST(RotaryEngine, SilenceFollowsProgrammeWithoutSubnormals) {
+  for (const CpuMode mode : {CpuMode::LowCpu, CpuMode::Brilliant}) {
+    EngineFixture f;
+    f.setRate(44100, mode);
+    f.engine.set(Setting::RoomReturnGain, 0.03);
+    f.render(noise(44100), 512);
+    const auto out = f.render(10 * 44100, 512, 0.0);
+    EXPECT_TRUE(finite(out));
+    const std::vector<double> end(out.left.end() - 4410, out.left.end());
+    EXPECT_LT(peak(end), 1e-9);
+  }
+}
+
+TEST(RotaryEngine, GarbageInputIsOverWithItsBlock) {
+  EngineFixture f, clean;
+  f.settle();
+  clean.settle();
+  auto bad = noise(512);
+  bad.left[3] = std::numeric_limits<double>::quiet_NaN();
+  bad.right[5] = std::numeric_limits<double>::infinity();
+  bad.left[100] = 1e30;
+  EXPECT_TRUE(finite(f.render(bad, 512)));
+  clean.render(noise(512), 512);
+  f.render(88200, 512, 0.0);
+  clean.render(88200, 512, 0.0);
+  const auto after = f.render(44100, 512, 440), expected = clean.render(44100, 512, 440);
+  for (std::size_t i = 0; i < after.left.size(); ++i)
+    ASSERT_NEAR(after.left[i], expected.left[i], 1e-6) << "as if it had not been";
+}
+
+TEST(RotaryEngine, LastSafetyNetGivesTheInputAndRecovers) {
+  test::PlainRecordings recordings;
+  for (float& x : recordings.startStop()) x = std::numeric_limits<float>::infinity();
+  EngineFixture f(recordings.spans());
+  f.settle();
+  f.engine.set(Setting::HornSwitchNoiseVolume, 1.0);
+  f.engine.set(Setting::Stop, 1.0);
+  const auto in = noise(200);
+  const auto out = f.render(in, 200);
+  ASSERT_TRUE(finite(out));
+  EXPECT_EQ(out.left, in.left);
+  EXPECT_TRUE(finite(f.render(44100, 512, 440)));
+  const auto later = f.render(44100, 512, 440);
+  EXPECT_TRUE(finite(later));
+  EXPECT_GT(peak(later.left), 0.003);
+}
+
+TEST(RotaryEngine, StopAndReleaseBetweenTwoBlocksStillSounds) {
+  const test::PlainRecordings recordings(0.0F);
+  test::PlainRecordings loud;
+  for (std::size_t i = 0; i < kStartStopLength; ++i)
+    loud.startStop()[i] = i % 40 < 20 ? 0.5F : -0.5F;
+  EngineFixture f(loud.spans());
+  f.engine.set(Setting::HornSwitchNoiseVolume, 1.0);
+  f.settle();
+  EXPECT_LT(peak(f.render(4096, 512, 0.0).left), 1e-9);
+  f.engine.set(Setting::Stop, 1.0);
+  f.engine.set(Setting::Stop, 0.0);
+  EXPECT_GT(peak(f.render(4096, 512, 0.0).left), 1e-4);
+}
+
+TEST(RotaryEngine, ProcessingAllocatesNothing) {
+  EngineFixture f;
+  f.settle();
+  std::vector<float> l(512, 0.1F), r(512, 0.2F);
+  const test::AllocationCount allocations;
+  for (int block = 0; block < 400; ++block) {
+    f.engine.set(Setting::Lever, block % 2);
+    f.engine.set(Setting::HornHighPassHz, 100 + block);
+    if (block % 40 == 0) f.engine.request(1U << (block / 40));
+    if (block == 390) f.engine.switchOff();
+    if (block == 393) f.engine.switchOn();
+    f.engine.process(l.data(), r.data(), l.data(), r.data(), 512);
+  }
+  EXPECT_EQ(allocations.value(), 0);
+}
+
+} // namespace
+} // namespace qlx::engine
