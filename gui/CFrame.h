@@ -9,6 +9,7 @@
 #include "platform/NativeWindow.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -68,12 +69,18 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void giveKeyboardFocusBack();
 
   /// Opens a view in a window of its own above the screen, its corner at the given place as far as
-  /// the screen has room for it. Keys go to it until it closes. One at a time; an open one is
-  /// closed. False when it can't be had (the view is gone then).
-  bool openPopup(std::unique_ptr<CView> content, const CPoint& corner);
-  /// Closes it after the running handler. CView::removed of the content is called at once.
+  /// the screen has room for it. Keys go to it until it closes, by closePopup, a press elsewhere,
+  /// or the loss of the keyboard or the window; `closed` is called then. One at a time; an open one
+  /// is closed. False when it can't be had (the view is gone then).
+  bool openPopup(std::unique_ptr<CView> content, const CPoint& corner,
+                 std::function<void()> closed);
+  /// The content is destroyed after the running handler.
   void closePopup();
   bool hasPopup() const { return m_popup != nullptr; }
+  /// Where the popup lies, in this frame's coordinates. Empty without one.
+  CRect getPopupPlace() const;
+  /// The popup's own frame, or null.
+  CFrame* getPopup() const { return m_popup.get(); }
 
   /// The platform's entry points; also for what a host hands over by other roads. `where` in pixels
   /// of the window. The state of a press or release has the one button that changed.
@@ -95,6 +102,8 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   /// Redraws everything into another buffer of the frame's size; nothing becomes clean by it.
   void drawInto(PixelBuffer& target);
 
+  /// The toolkit's own: whether a context draws what the window will show.
+  bool isScreen(const CDrawContext& context) const { return &context == &m_context; }
   /// The toolkit's own: a view leaves the frame; nothing is sent to it any more.
   void forgetView(const CView& view);
 
@@ -103,9 +112,9 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void onKeyEvent(const platform::WindowEvent& event);
   CFrame* frameForViews() override { return this; }
   void redraw();
-  void drawArea(CDrawContext& context, const PixelRect& area);
   void setHoverView(CView* view, const CPoint& where, const CButtonState& buttons);
-  void windowGone();
+  CView* viewAt(const CPoint& where) const;
+  bool editsText() const { return m_focusView != nullptr && m_focusView->isEditingText(); }
   void buryTheDead();
 
   std::unique_ptr<platform::NativeWindow> m_window;
@@ -121,10 +130,10 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   std::vector<std::unique_ptr<CView>> m_dead;
   std::vector<std::unique_ptr<CFrame>> m_deadPopups;
   std::unique_ptr<CFrame> m_popup;
+  std::function<void()> m_popupClosed;
   CView* m_focusView = nullptr;
   CView* m_mouseDownView = nullptr;
   CView* m_hoverView = nullptr;
-  CFrame* m_ownerFrame = nullptr;
   std::uint32_t m_mouseDownButton = 0;
 };
 

@@ -27,8 +27,6 @@ class CKnob : public CControl {
   CKnob(const CKnob&) = default;
 
  private:
-  float normalizedAt(const CPoint& where) const;
-
   CPoint m_lastPoint;
   float m_exact = 0.0F;
   float m_lastAngle = 0.0F;

@@ -17,7 +17,6 @@ class CSplashScreen : public CControl {
   }
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
-  bool hitTest(const CPoint& where) const override;
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
 
   const CRect& getScreen() const { return m_screen; }

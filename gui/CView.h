@@ -82,9 +82,8 @@ class CView : public CBaseObject {
   CFrame* getFrame() const { return m_frame; }
   CViewContainer* getParentView() const { return m_parent; }
 
-  /// The toolkit's own: draws the view; `whole` when the clip leaves nothing of it out, which makes
-  /// it clean.
-  void render(CDrawContext& context, bool whole);
+  /// The toolkit's own: draws the view, and makes it clean when this puts all of it on the screen.
+  void render(CDrawContext& context);
   /// The toolkit's own: adds what must be redrawn.
   virtual void collectDirty(DirtyRegion& region) const;
   /// The toolkit's own: the view came into a frame and container, or left them (null).

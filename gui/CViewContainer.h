@@ -44,7 +44,7 @@ class CViewContainer : public CView {
   std::pair<CView*, CMouseEventResult> dispatchMouseDown(const CPoint& where,
                                                          const CButtonState& buttons);
   /// Offers a wheel turn from the topmost view down.
-  bool dispatchWheel(const CPoint& where, float distance, const CButtonState& buttons);
+  bool onWheel(const CPoint& where, float distance, const CButtonState& buttons) override;
 
  protected:
   CViewContainer(const CViewContainer& other);

@@ -62,6 +62,9 @@ class NativeWindow {
   /// focus nor any grab. Null when it can't be had. The popup is destroyed before its owner.
   virtual std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) = 0;
 
+  /// Of a popup: where it lies, in its owner's coordinates. Of others: their size at (0, 0).
+  virtual PixelRect place() const = 0;
+
   /// Offers text (UTF-8) to other programs.
   virtual void offerText(Selection selection, std::string_view text) = 0;
 

@@ -49,18 +49,18 @@ enum class VirtualKey : std::uint8_t {
 enum class Selection : std::uint8_t { kClipboard, kPrimary };
 
 enum class WindowEventType : std::uint8_t {
-  kMouseDown,     ///< x, y, button, buttons, modifiers, doubleClick
-  kMouseUp,       ///< x, y, button, buttons, modifiers
-  kMouseMove,     ///< x, y, buttons, modifiers; consecutive moves are merged
-  kMouseLeave,    ///< the pointer left the window and no button is held
-  kWheel,         ///< x, y, distance (notches, up is positive), modifiers
-  kKeyDown,       ///< key, character, text, modifiers; repeats while the key is held
-  kKeyUp,         ///< key, character, modifiers
-  kExpose,        ///< x, y, width, height: this area of the window has to be presented again
-  kFocusGained,   ///< the window has the keyboard
-  kFocusLost,     ///< the keyboard went elsewhere
-  kPressOutside,  ///< to a popup: a pointer button went down outside it, or its owner moved or was
-                  ///< hidden
+  kMouseDown,    ///< x, y, button, buttons, modifiers, doubleClick
+  kMouseUp,      ///< x, y, button, buttons, modifiers
+  kMouseMove,    ///< x, y, buttons, modifiers; consecutive moves are merged
+  kMouseLeave,   ///< the pointer left the window and no button is held
+  kWheel,        ///< x, y, distance (notches, up is positive), modifiers
+  kKeyDown,      ///< key, character, text, modifiers; repeats while the key is held
+  kKeyUp,        ///< key, character, modifiers
+  kExpose,       ///< x, y, width, height: this area of the window has to be presented again
+  kFocusGained,  ///< the window has the keyboard
+  kFocusLost,    ///< the keyboard went elsewhere
+  kPressOutside, ///< to a popup's owner: a button went down outside both, or the owner moved or was
+                 ///< hidden
   kSelectionText, ///< answer to NativeWindow::requestText: text (empty when there is none)
   kClosed,        ///< the window is gone or, at top level, the user asked to close it
 };

@@ -25,6 +25,7 @@ class HeadlessWindow final : public NativeWindow {
   void takeFocus() override;
   void giveFocusBack() override;
   std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) override;
+  PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
   void requestText(Selection selection) override;
   std::chrono::milliseconds now() const override { return m_now; }
@@ -48,9 +49,6 @@ class HeadlessWindow final : public NativeWindow {
 
   /// The popup that is open over this window, or null.
   HeadlessWindow* popup() const { return m_popup; }
-
-  /// Where a popup was asked for, in its owner's coordinates.
-  PixelRect popupPlace() const { return m_place; }
 
   /// What has been offered to other programs.
   const std::string& offered(Selection selection) const {

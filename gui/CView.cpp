@@ -1,0 +1,84 @@
+#include "gui/CView.h"
+
+#include "gui/CFrame.h"
+#include "gui/DirtyRegion.h"
+
+namespace qlx::gui {
+
+CView::CView(const CView& other)
+    : CBaseObject(other), m_size(other.m_size), m_visible(other.m_visible),
+      m_mouseEnabled(other.m_mouseEnabled), m_wantsFocus(other.m_wantsFocus) {}
+
+void CView::draw(CDrawContext& /*context*/) {}
+
+CMouseEventResult CView::onMouseDown(const CPoint& /*where*/, const CButtonState& /*buttons*/) {
+  return CMouseEventResult::kNotHandled;
+}
+
+CMouseEventResult CView::onMouseUp(const CPoint& /*where*/, const CButtonState& /*buttons*/) {
+  return CMouseEventResult::kNotHandled;
+}
+
+CMouseEventResult CView::onMouseMoved(const CPoint& /*where*/, const CButtonState& /*buttons*/) {
+  return CMouseEventResult::kNotHandled;
+}
+
+CMouseEventResult CView::onMouseEntered(const CPoint& /*where*/, const CButtonState& /*buttons*/) {
+  return CMouseEventResult::kNotHandled;
+}
+
+CMouseEventResult CView::onMouseExited(const CPoint& /*where*/, const CButtonState& /*buttons*/) {
+  return CMouseEventResult::kNotHandled;
+}
+
+bool CView::onWheel(const CPoint& /*where*/, float /*distance*/, const CButtonState& /*buttons*/) {
+  return false;
+}
+
+bool CView::onKeyDown(const CKeyCode& /*key*/) { return false; }
+bool CView::onKeyUp(const CKeyCode& /*key*/) { return false; }
+void CView::onSelectionText(std::string_view /*text*/) {}
+
+void CView::setViewSize(const CRect& size) {
+  if (m_frame != nullptr) m_frame->invalidRect(m_size);
+  m_size = size;
+  invalid();
+}
+
+void CView::setDirty(bool dirty) {
+  if (dirty || !m_rendering) m_dirty.store(dirty, std::memory_order_relaxed);
+}
+
+void CView::setVisible(bool visible) {
+  if (visible == m_visible) return;
+  m_visible = visible;
+  if (m_frame != nullptr) m_frame->invalidRect(m_size);
+}
+
+void CView::render(CDrawContext& context) {
+  m_rendering = true;
+  // Before drawing: what another thread sets meanwhile makes the view dirty again.
+  if (m_frame != nullptr && m_frame->isScreen(context)) {
+    const CRect onScreen = CRect::of(m_size.touchedPixels()).intersect(m_frame->getViewSize());
+    if (CRect::of(context.getClip()).contains(onScreen)) latch();
+  }
+  draw(context);
+  m_rendering = false;
+}
+
+void CView::collectDirty(DirtyRegion& region) const {
+  if (m_visible && isDirty()) region.add(m_size.touchedPixels());
+}
+
+void CView::setPlace(CFrame* frame, CViewContainer* parent) {
+  if (m_frame != nullptr && frame != m_frame) {
+    removed();
+    m_frame->forgetView(*this);
+  }
+  const bool entered = frame != nullptr && frame != m_frame;
+  m_frame = frame;
+  m_parent = parent;
+  if (entered) attached();
+}
+
+} // namespace qlx::gui

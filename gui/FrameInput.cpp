@@ -1,0 +1,154 @@
+// How a frame hands out what comes from its window.
+
+#include "gui/CFrame.h"
+
+namespace qlx::gui {
+
+namespace {
+
+using platform::WindowEvent;
+using platform::WindowEventType;
+
+CButtonState stateOf(std::uint32_t pointerButtons, const WindowEvent& event) {
+  const auto bit = [](bool set, std::uint32_t value) { return set ? value : 0U; };
+  return {bit((pointerButtons & platform::kPointerLeft) != 0, kLButton) |
+          bit((pointerButtons & platform::kPointerMiddle) != 0, kMButton) |
+          bit((pointerButtons & platform::kPointerRight) != 0, kRButton) |
+          bit((event.modifiers & platform::kModifierShift) != 0, kShift) |
+          bit((event.modifiers & platform::kModifierControl) != 0, kControl) |
+          bit((event.modifiers & platform::kModifierAlt) != 0, kAlt) |
+          bit((event.modifiers & platform::kModifierSuper) != 0, kSuper) |
+          bit(event.doubleClick, kDoubleClick)};
+}
+
+constexpr std::uint32_t kAnyButton = kLButton | kMButton | kRButton;
+
+} // namespace
+
+void CFrame::onWindowEvent(const WindowEvent& event) {
+  const CPoint where{static_cast<CCoord>(event.x), static_cast<CCoord>(event.y)};
+  switch (event.type) {
+  case WindowEventType::kMouseDown: platformOnMouseDown(where, stateOf(event.button, event)); break;
+  case WindowEventType::kMouseUp: platformOnMouseUp(where, stateOf(event.button, event)); break;
+  case WindowEventType::kMouseMove:
+    platformOnMouseMoved(where, stateOf(event.buttons, event));
+    break;
+  case WindowEventType::kMouseLeave: platformOnMouseExited(); break;
+  case WindowEventType::kWheel:
+    platformOnWheel(where, event.distance, stateOf(event.buttons, event));
+    break;
+  case WindowEventType::kExpose:
+    m_exposedRegion.add({event.x, event.y, event.x + event.width, event.y + event.height});
+    break;
+  case WindowEventType::kKeyDown:
+  case WindowEventType::kKeyUp: onKeyEvent(event); break;
+  case WindowEventType::kFocusGained: break;
+  case WindowEventType::kFocusLost:
+  case WindowEventType::kClosed:
+    closePopup();
+    if (m_focusView != nullptr) m_focusView->onFocusLost();
+    break;
+  case WindowEventType::kPressOutside: closePopup(); break;
+  case WindowEventType::kSelectionText:
+    if (m_focusView != nullptr) m_focusView->onSelectionText(event.text);
+    break;
+  }
+}
+
+void CFrame::onKeyEvent(const WindowEvent& event) {
+  const CKeyCode key{event.key, event.character, event.modifiers, event.text};
+  if (event.type == WindowEventType::kKeyDown)
+    platformOnKeyDown(key);
+  else
+    platformOnKeyUp(key);
+}
+
+CView* CFrame::viewAt(const CPoint& where) const {
+  if (m_modalView == nullptr) return getViewAt(where);
+  if (!m_modalView->hitTest(where)) return nullptr;
+  const auto* container = dynamic_cast<const CViewContainer*>(m_modalView.get());
+  CView* inner = container == nullptr ? nullptr : container->getViewAt(where);
+  return inner != nullptr ? inner : m_modalView.get();
+}
+
+CMouseEventResult CFrame::platformOnMouseDown(const CPoint& where, const CButtonState& buttons) {
+  if (m_popup != nullptr) {
+    closePopup();
+    return CMouseEventResult::kHandledDontNeedMoves;
+  }
+  // A gesture belongs to the button that started it.
+  if (m_mouseDownView != nullptr) return CMouseEventResult::kHandled;
+
+  CView* target = viewAt(where);
+  if (target != nullptr && target->wantsFocus())
+    setFocusView(target);
+  else if (m_focusView != nullptr && m_focusView != target)
+    m_focusView->onFocusLost();
+
+  std::pair<CView*, CMouseEventResult> taken{nullptr, CMouseEventResult::kNotHandled};
+  if (m_modalView == nullptr) {
+    taken = dispatchMouseDown(where, buttons);
+  } else if (m_modalView->hitTest(where)) {
+    CView* modal = m_modalView.get();
+    if (auto* container = dynamic_cast<CViewContainer*>(modal))
+      taken = container->dispatchMouseDown(where, buttons);
+    if (taken.first == nullptr) taken = {modal, modal->onMouseDown(where, buttons)};
+  }
+  if (taken.second == CMouseEventResult::kHandled && taken.first->getFrame() == this) {
+    m_mouseDownView = taken.first;
+    m_mouseDownButton = buttons.bits() & kAnyButton;
+  }
+  return taken.second;
+}
+
+CMouseEventResult CFrame::platformOnMouseUp(const CPoint& where, const CButtonState& buttons) {
+  if (m_mouseDownView == nullptr || (buttons.bits() & kAnyButton) != m_mouseDownButton)
+    return CMouseEventResult::kNotHandled;
+  CView* view = std::exchange(m_mouseDownView, nullptr);
+  const CMouseEventResult result = view->onMouseUp(where, buttons);
+  setHoverView(viewAt(where), where, buttons);
+  return result;
+}
+
+CMouseEventResult CFrame::platformOnMouseMoved(const CPoint& where, const CButtonState& buttons) {
+  if (m_mouseDownView != nullptr) return m_mouseDownView->onMouseMoved(where, buttons);
+  setHoverView(viewAt(where), where, buttons);
+  return m_hoverView == nullptr ? CMouseEventResult::kNotHandled
+                                : m_hoverView->onMouseMoved(where, buttons);
+}
+
+void CFrame::platformOnMouseExited() {
+  if (m_mouseDownView != nullptr) return;
+  setHoverView(nullptr, {-1.0, -1.0}, {});
+  // The host's own keys are to work again.
+  if (!editsText() && m_popup == nullptr) giveKeyboardFocusBack();
+}
+
+void CFrame::setHoverView(CView* view, const CPoint& where, const CButtonState& buttons) {
+  if (view == m_hoverView) return;
+  if (CView* before = std::exchange(m_hoverView, view); before != nullptr)
+    before->onMouseExited(where, buttons);
+  if (m_hoverView != nullptr) m_hoverView->onMouseEntered(where, buttons);
+}
+
+bool CFrame::platformOnWheel(const CPoint& where, float distance, const CButtonState& buttons) {
+  if (m_mouseDownView != nullptr || m_popup != nullptr) return false;
+  if (m_modalView == nullptr) return onWheel(where, distance, buttons);
+  return m_modalView->hitTest(where) && m_modalView->onWheel(where, distance, buttons);
+}
+
+bool CFrame::platformOnKeyDown(const CKeyCode& key) {
+  if (m_popup != nullptr) return m_popup->platformOnKeyDown(key);
+  // Behind a modal view nothing gets keys but a text being edited.
+  const bool focusGetsKeys = m_focusView != nullptr && (m_modalView == nullptr || editsText());
+  if (focusGetsKeys && m_focusView->onKeyDown(key)) return true;
+  return m_modalView != nullptr && m_modalView->onKeyDown(key);
+}
+
+bool CFrame::platformOnKeyUp(const CKeyCode& key) {
+  if (m_popup != nullptr) return m_popup->platformOnKeyUp(key);
+  if (m_modalView != nullptr) return m_modalView->onKeyUp(key);
+  return m_focusView != nullptr && m_focusView->onKeyUp(key);
+}
+
+} // namespace qlx::gui
