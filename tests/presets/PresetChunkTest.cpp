@@ -189,7 +189,7 @@ TEST(PresetStore, AnyThreadMayStoreValuesWhilePresetsAndChunksMove) {
       rig.effect.setParameter(8, static_cast<float>(i % 2));
     }
   });
-  const auto chunk = chunkOf(makeBank(300), 11);
+  const auto chunk = chunkOf(bankWithLever(300, 0.25F), 11);
   std::thread loader([&] {
     for (int i = 0; i < 200; ++i) rig.effect.setChunk(chunk.data(), 42289, false);
   });
@@ -202,11 +202,9 @@ TEST(PresetStore, AnyThreadMayStoreValuesWhilePresetsAndChunksMove) {
   loader.join();
   done.store(true, std::memory_order_relaxed);
   audio.join();
-  rig.editor->idle();
-  for (std::size_t i = 0; i < 32; ++i) {
-    EXPECT_EQ(rig.panel.titles[i], rig.slot(static_cast<int>(i)).nameText());
-    const float lever = rig.slot(static_cast<int>(i)).values[2];
-    EXPECT_TRUE(lever == 0.0F || lever == 1.0F);
+  for (int i = 0; i < 32; ++i) {
+    const float lever = rig.slot(i).values[2];
+    EXPECT_TRUE(lever == 0.0F || lever == 1.0F || lever == 0.25F) << lever;
   }
 }
 
