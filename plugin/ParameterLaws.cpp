@@ -1,5 +1,7 @@
 #include "plugin/ParameterLaws.h"
 
+#include "midi/MidiLever.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -71,6 +73,23 @@ double virtualRoomSizeLaw(float v) noexcept { return finite(std::exp(2.77259 * v
 double leftRightDelayLaw(float v) noexcept { return finite(std::exp(2.30259 * v) * 0.15); }
 
 float drumSplitterLaw(float v) noexcept { return single(std::pow(10.0, v) * 50.0); }
+
+double inputGainLaw(float v) noexcept { return gainLaw(v) * 0.70794578438; }
+
+double hornFeedLaw(float v) noexcept { return gainLaw(v) * 64.0; }
+
+double roomReturnLaw(float v) noexcept { return gainLaw(v) * 0.0316227766; }
+
+float noiseSendLaw(float v) noexcept { return single(gainLaw(v / 2.0F) * 0.25); }
+
+int openBackModeLaw(float v) noexcept { return static_cast<int>(std::clamp(2.0F * v, 0.0F, 2.0F)); }
+
+double flipLaw(float v) noexcept { return v <= 0.5F ? 1.0 : -1.0; }
+
+int midiChannelLaw(float v) noexcept {
+  return std::clamp(steppedPosition(v, 17.0F), midi::MidiLever::kNoChannel,
+                    midi::MidiLever::kEveryChannel);
+}
 
 float ampClipOfDistance(float hornDistance) noexcept {
   return (std::sqrt(std::max(hornDistance, 0.0F)) - 0.5F) * 0.2F + 0.795879F;

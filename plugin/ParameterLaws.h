@@ -53,6 +53,20 @@ double virtualRoomSizeLaw(float v) noexcept;
 double leftRightDelayLaw(float v) noexcept;
 /// Cross-over frequency of the drum in Hz, 50 .. 500.
 float drumSplitterLaw(float v) noexcept;
+/// Gain in front of the amplifier: -3 dB at the control's nominal position.
+double inputGainLaw(float v) noexcept;
+/// Gain from the feed's crossover into the horn.
+double hornFeedLaw(float v) noexcept;
+/// Gains from the room back to the microphones and of the motor noise into the room, both of
+/// Amount.
+double roomReturnLaw(float v) noexcept;
+float noiseSendLaw(float v) noexcept;
+/// How the horn's back sounds: 0, 1 or 2.
+int openBackModeLaw(float v) noexcept;
+/// +1 up to the middle of the control, -1 above.
+double flipLaw(float v) noexcept;
+/// The MIDI channel as MidiLever takes it: 0 none, 1 .. 16, 17 every one.
+int midiChannelLaw(float v) noexcept;
 /// The normalised Horn Amplitude Clip that belongs to a normalised HDistance.
 float ampClipOfDistance(float hornDistance) noexcept;
 

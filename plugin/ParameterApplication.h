@@ -1,0 +1,80 @@
+#pragma once
+
+#include "engine/PendingWork.h"
+#include "engine/RotaryEngine.h"
+#include "engine/Setting.h"
+#include "midi/MidiLever.h"
+#include "plugin/ParameterTable.h"
+#include "sdk/AudioEffect.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+namespace qlx::plugin {
+
+/// Holds the 120 normalised values and turns each new one into what the engine is told. What one
+/// parameter does to another goes through the effect's own operations, so that presets, editor and
+/// host follow.
+///
+/// Every operation may come on any thread, also while audio runs: all memories are whole single
+/// values.
+class ParameterApplication final : public engine::MicrophonePlacement {
+ public:
+  /// A moved microphone or source changes, beside its own rays, everything that is heard around the
+  /// corner.
+  static constexpr std::uint32_t kCrossTalkWork =
+      engine::kPendingReducedDrum | engine::kPendingReducedHorn | engine::kPendingCrossDelays;
+
+  /// All three outlive this; none is called before apply.
+  ParameterApplication(sdk::AudioEffect& effect, engine::RotaryEngine& engine,
+                       midi::MidiLever& midiLever) noexcept
+      : m_effect(effect), m_engine(engine), m_midiLever(midiLever) {}
+
+  /// The stored value; 0 outside 0..119.
+  float value(std::int32_t index) const noexcept;
+
+  /// Stores a value and does nothing with it.
+  void store(std::int32_t index, float value) noexcept;
+
+  /// Stores a new value and hands it on. `value` is a number, not necessarily in 0..1.
+  void apply(const ParameterRow& row, float value);
+
+  /// The microphone placement that Setup names; see engine::MicrophonePlacement.
+  void applyPlacement() noexcept override;
+
+  // What the rows of the parameter table do.
+  void set(engine::Setting setting, double value) noexcept { m_engine.set(setting, value); }
+  void request(std::uint32_t work) noexcept { m_engine.request(work); }
+  void applyCpuMode(float v);
+  void applyLever(float v);
+  void applyStop(float v);
+  void applyMech(float v);
+  void applyDrumSampleVolume(float v);
+  void applySetup(float v);
+  void applySize(float v);
+  void applyHornDistance(float v);
+  void applyMic2Distance(float v);
+  void applyDrumDistance(float v);
+  void applyMidiChannel(float v);
+
+ private:
+  void setNoiseLevels(double factor) noexcept;
+  void setMic2Distance() noexcept;
+
+  sdk::AudioEffect& m_effect;
+  engine::RotaryEngine& m_engine;
+  midi::MidiLever& m_midiLever;
+
+  std::array<std::atomic<float>, kNumParameters> m_values{};
+
+  // What was last acted upon: a value that comes to the same changes nothing.
+  std::atomic<float> m_lastLever{-1.0F};
+  std::atomic<int> m_lastCpuMode{-1};
+  std::atomic<int> m_lastSetup{-1};
+  std::atomic<int> m_lastRoomSize{-1};
+  std::atomic<float> m_hornDistance{0.0F}; ///< metres
+  std::atomic<float> m_drumDistance{0.0F}; ///< metres
+};
+
+} // namespace qlx::plugin
