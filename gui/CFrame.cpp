@@ -74,7 +74,6 @@ void CFrame::drawInto(PixelBuffer& target) {
 }
 
 void CFrame::idle() {
-  if (!isOpen()) return;
   m_window->pump();
   if (isOpen()) {
     if (m_focusView != nullptr) m_focusView->onIdle();
@@ -135,6 +134,7 @@ bool CFrame::openPopup(std::unique_ptr<CView> content, const CPoint& corner,
 
 void CFrame::closePopup() {
   if (m_popup == nullptr) return;
+  m_popup->m_window->setListener(nullptr);
   m_deadPopups.push_back(std::move(m_popup));
   const auto closed = std::exchange(m_popupClosed, nullptr);
   if (closed) closed();

@@ -8,6 +8,8 @@
 
 namespace qlx::gui {
 
+class CTypeface;
+
 /// A message in the middle of the frame with one to three buttons, shown as the frame's modal view.
 /// Escape presses the last button, Enter the highlighted one (the first unless arrows or Tab moved
 /// it).
@@ -24,7 +26,8 @@ class CMessageBox : public CViewContainer {
   bool isTypeOf(std::string_view className) const override {
     return className == "CMessageBox" || CViewContainer::isTypeOf(className);
   }
-  std::unique_ptr<CView> newCopy() const override;
+  /// A box is answered once; there are no copies. Null.
+  std::unique_ptr<CView> newCopy() const override { return nullptr; }
   void draw(CDrawContext& context) override;
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   bool onKeyDown(const CKeyCode& key) override;
@@ -32,17 +35,14 @@ class CMessageBox : public CViewContainer {
   const std::string& getTitle() const { return m_title; }
   const std::vector<std::string>& getLines() const { return m_lines; }
 
-  /// Presses a button.
+  /// Presses, or lights up, a button.
   void press(int button);
-
- protected:
-  CMessageBox(const CMessageBox&) = default;
+  void highlight(int button);
 
  private:
   CMessageBox(const CRect& size, std::string_view title, std::vector<std::string> lines,
               Answer answer);
-  void addButtons(const std::vector<std::string>& titles);
-  void highlight(int button);
+  void addButtons(const std::vector<std::string>& titles, CTypeface* typeface);
 
   std::string m_title;
   std::vector<std::string> m_lines;

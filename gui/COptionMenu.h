@@ -7,6 +7,8 @@
 
 namespace qlx::gui {
 
+class CMenuList;
+
 /// How a menu pops up, in addition to the bits of CParamDisplayStyle.
 enum COptionMenuStyle : std::int32_t {
   kPopupStyle =
@@ -30,7 +32,8 @@ class COptionMenu : public CParamDisplay {
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
-  bool onWheel(const CPoint& where, float distance, const CButtonState& buttons) override;
+  CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
+  CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;
   void removed() override;
 
   void addEntry(std::string_view title);
@@ -49,11 +52,12 @@ class COptionMenu : public CParamDisplay {
   /// Opens and closes the list.
   bool popup();
   void closePopup();
-  bool isPopupOpen() const { return m_open; }
+  bool isPopupOpen() const { return m_list != nullptr; }
+  /// The open list, or null.
+  CMenuList* getList() const { return m_list; }
 
-  /// The list's own: an entry was chosen, or the list went away.
+  /// The user's choice: closes the list, makes the entry current and tells the listener.
   void choose(int index);
-  void popupClosed() { m_open = false; }
 
  protected:
   COptionMenu(const COptionMenu& other);
@@ -61,7 +65,9 @@ class COptionMenu : public CParamDisplay {
  private:
   std::vector<std::string> m_entries;
   int m_perColumn = 0;
-  bool m_open = false;
+  CMenuList* m_list = nullptr;
+  CPoint m_pressedAt;
+  bool m_dragged = false;
 };
 
 } // namespace qlx::gui

@@ -8,6 +8,8 @@
 
 namespace qlx::platform {
 
+class HeadlessWindowSystem;
+
 /// A window without a screen: events are put in by hand and arrive at the next pump, the presented
 /// picture can be read back, time stands still until it is moved. For tests and for pictures made
 /// where there is no display.
@@ -56,12 +58,15 @@ class HeadlessWindow final : public NativeWindow {
   }
 
  private:
+  friend class HeadlessWindowSystem;
+
   int m_width;
   int m_height;
   std::vector<std::uint32_t> m_pixels;
   std::vector<WindowEvent> m_queue;
   std::array<std::string, 2> m_selections;
   WindowListener* m_listener = nullptr;
+  const HeadlessWindowSystem* m_system = nullptr;
   HeadlessWindow* m_owner = nullptr;
   HeadlessWindow* m_popup = nullptr;
   PixelRect m_place;
@@ -72,7 +77,7 @@ class HeadlessWindow final : public NativeWindow {
   bool m_focused = false;
 };
 
-/// Makes headless windows. The last one made can be looked at while it lives.
+/// Makes headless windows; outlives them. The last one made can be looked at while it lives.
 class HeadlessWindowSystem final : public WindowSystem {
  public:
   std::unique_ptr<NativeWindow> openChild(std::uintptr_t parent, int width,
@@ -83,6 +88,8 @@ class HeadlessWindowSystem final : public WindowSystem {
   HeadlessWindow* lastWindow() const { return m_last; }
 
  private:
+  friend class HeadlessWindow;
+
   mutable HeadlessWindow* m_last = nullptr;
 };
 
