@@ -1,0 +1,22 @@
+#include <cstdio>
+#include <filesystem>
+
+#include "tests/fuzz/PresetFuzzTargets.h"
+#include "tests/platform/TemporaryFolder.h"
+
+/// Writes the seeds of every fuzz target into FOLDER/<target>/.
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fputs("usage: write_seed_corpus FOLDER\n", stderr);
+    return 2;
+  }
+  for (const auto& target : qlx::test::presetFuzzTargets()) {
+    const auto folder = std::filesystem::path(argv[1]) / target.name;
+    std::filesystem::create_directories(folder);
+    int number = 0;
+    for (const auto& seed : target.seeds()) {
+      qlx::test::writeBytes((folder / std::to_string(number++)).string(), seed);
+    }
+  }
+  return 0;
+}
