@@ -31,7 +31,7 @@ void processBlocks(benchmark::State& state, const std::filesystem::path& plugin,
                    const WorkloadCase& what) {
   Workload work(plugin, what);
   for (long long i = work.stepsIn(kWarmUpSeconds); i > 0; --i) work.step();
-  for (auto unused : state) work.step();
+  while (state.KeepRunning()) work.step();
   const auto frames = static_cast<double>(state.iterations()) * Workload::kBlockFrames;
   using benchmark::Counter;
   state.counters["s/frame"] = Counter(frames, Counter::kIsRate | Counter::kInvert);
@@ -40,7 +40,7 @@ void processBlocks(benchmark::State& state, const std::filesystem::path& plugin,
 
 void createInstance(benchmark::State& state, const std::filesystem::path& plugin) {
   const PluginHost loaded(plugin); // so that the library's own loading does not count
-  for (auto unused : state) PluginHost host(plugin);
+  while (state.KeepRunning()) PluginHost host(plugin);
 }
 
 } // namespace

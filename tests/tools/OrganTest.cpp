@@ -50,7 +50,8 @@ TEST(Organ, wheelsAreInTuneAndInOrder) {
   for (int wheel = 1; wheel <= kWheels; ++wheel) {
     const double tempered = 440.0 * std::exp2((wheel - 46) / 12.0); // wheel 46 is the A of 440 Hz
     const double cents = 1200.0 * std::log2(wheelFrequency(wheel) / tempered);
-    EXPECT_NEAR(cents, 0.0, 0.75) << "wheel " << wheel;
+    // The top seven stand a pure fifth above the gears they borrow.
+    EXPECT_NEAR(cents, 0.0, wheel <= 84 ? 0.75 : 2.0) << "wheel " << wheel;
   }
   EXPECT_DOUBLE_EQ(wheelFrequency(46), 440.0) << "88 : 64 teeth at 20 turns a second";
 }

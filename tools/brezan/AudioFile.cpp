@@ -64,7 +64,7 @@ long long AudioInput::frames() const {
 
 long AudioInput::fetch(void* self, float** data) {
   auto& input = *static_cast<AudioInput*>(self);
-  input.m_source.resize(static_cast<std::size_t>(kFetchFrames * input.channels()));
+  input.m_source.resize(kFetchFrames * static_cast<std::size_t>(input.channels()));
   *data = input.m_source.data();
   return static_cast<long>(sf_readf_float(input.m_file.get(), input.m_source.data(), kFetchFrames));
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <sstream>
 #include <stdexcept>
 
@@ -64,6 +65,7 @@ std::vector<AutomationLine> readAutomation(std::istream& in, const std::string& 
 std::vector<AutomationMove> resolved(const std::vector<AutomationLine>& lines,
                                      const std::string& source, ParameterText& parameters) {
   std::vector<AutomationMove> moves;
+  moves.reserve(lines.size());
   for (const AutomationLine& line : lines)
     moves.push_back(atLine(source, line.number, [&] {
       const int index = parameters.index(line.parameter);
@@ -72,7 +74,8 @@ std::vector<AutomationMove> resolved(const std::vector<AutomationLine>& lines,
   return moves;
 }
 
-AutomationPlayer::AutomationPlayer(std::vector<AutomationMove> moves, double rate) {
+AutomationPlayer::AutomationPlayer(std::span<const AutomationMove> moves, double rate) {
+  m_moves.reserve(moves.size());
   for (const AutomationMove& move : moves)
     m_moves.push_back({std::llround(move.seconds * rate),
                        std::llround((move.seconds + move.ramp) * rate), move.index, move.value});

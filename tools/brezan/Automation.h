@@ -3,6 +3,7 @@
 #include "tools/brezan/ParameterText.h"
 
 #include <istream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,7 @@ std::vector<AutomationMove> resolved(const std::vector<AutomationLine>& lines,
 /// Plays moves on a host, whose audio runs at `rate`.
 class AutomationPlayer {
  public:
-  AutomationPlayer(std::vector<AutomationMove> moves, double rate);
+  AutomationPlayer(std::span<const AutomationMove> moves, double rate);
 
   /// Writes to the host what holds at frame `now`, and answers how many frames may be processed
   /// until the next call: at least 1, at most `most`.

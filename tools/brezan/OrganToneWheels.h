@@ -8,7 +8,7 @@ inline constexpr int kWheels = 91;
 
 /// Frequency in Hz of tone wheel 1..91 of an organ whose motor turns 20 times a second. Twelve
 /// pairs of gears give the notes of the octave, the number of a wheel's teeth gives the octave.
-/// The ratios of whole numbers miss equal temperament by up to 0.71 cents.
+/// The ratios of whole numbers miss equal temperament by up to 0.71 cents, 2 at the top.
 double wheelFrequency(int wheel);
 
 /// The organ's generator: every wheel turns all the time, heard or not, so a key finds its tones

@@ -215,7 +215,8 @@ void Painter::levelCurve(const std::vector<double>& channel, const Colour& c) {
   std::vector<double> energy(channel.size() + 1, 0.0);
   for (std::size_t i = 0; i < channel.size(); ++i)
     energy[i + 1] = energy[i] + channel[i] * channel[i];
-  for (double x = 0; x <= kLevelBox.width; x += 1.0) {
+  for (int column = 0; column <= static_cast<int>(kLevelBox.width); ++column) {
+    const double x = column;
     const auto centre = static_cast<long long>(static_cast<double>(size) * x / kLevelBox.width);
     const long long from = std::clamp(centre - half, 0LL, size);
     const long long to = std::clamp(centre + half, 0LL, size);
@@ -223,7 +224,7 @@ void Painter::levelCurve(const std::vector<double>& channel, const Colour& c) {
         (energy[static_cast<std::size_t>(to)] - energy[static_cast<std::size_t>(from)]) /
         static_cast<double>(std::max(1LL, to - from));
     const double y = levelY(10.0 * std::log10(std::max(power, 1e-12)));
-    if (x == 0)
+    if (column == 0)
       cairo_move_to(cr(), kLevelBox.x + x, y);
     else
       cairo_line_to(cr(), kLevelBox.x + x, y);
@@ -249,7 +250,7 @@ void Painter::spectrum() {
     for (int column = 0; column < range.columns; ++column) {
       const double db = static_cast<double>(levels.at(column, row));
       const Colour c = heat((db - kDarkestDb) / (kBrightestDb - kDarkestDb));
-      const auto byte = [](double v) { return static_cast<std::uint32_t>(v * 255.0 + 0.5); };
+      const auto byte = [](double v) { return static_cast<std::uint32_t>(std::lround(v * 255.0)); };
       pixels[column] = byte(c.red) << 16 | byte(c.green) << 8 | byte(c.blue);
     }
   }
@@ -300,14 +301,15 @@ void Painter::timeAxis() {
 
 void Painter::heatLegend() {
   const Box box{kSpectrumBox.right() + 16, kSpectrumBox.y, 18, kSpectrumBox.height};
-  for (double y = 0; y < box.height; y += 1.0) {
+  for (int row = 0; row < static_cast<int>(box.height); ++row) {
+    const double y = row;
     colour(heat(1.0 - y / box.height));
     fill({box.x, box.y + y, box.width, 1.0});
   }
   frame(box);
-  for (double db = -20.0; db >= kDarkestDb; db -= 20.0) {
+  for (int db = -20; db >= static_cast<int>(kDarkestDb); db -= 20) {
     const double y = box.y + box.height * (kBrightestDb - db) / (kBrightestDb - kDarkestDb);
-    text(box.right() + 8, y + 5, fixed(db, 0), 13);
+    text(box.right() + 8, y + 5, std::to_string(db), 13);
   }
   text(box.right() + 8, box.y + 14, "dB", 13);
 }

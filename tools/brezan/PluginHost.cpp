@@ -1,8 +1,10 @@
 #include "tools/brezan/PluginHost.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
 
 namespace qlx::tools {
 
@@ -32,9 +34,9 @@ std::intptr_t PluginHost::answer(sdk::EffectRecord* effect, std::int32_t opcode,
   // Null while the entry point runs: the effect does not belong to a host yet.
   const auto* host =
       effect == nullptr ? nullptr : std::bit_cast<const PluginHost*>(effect->hostReserved1);
-  const auto copy = [ptr](const char* words) -> std::intptr_t {
+  const auto copy = [ptr](std::string_view words) -> std::intptr_t {
     if (ptr == nullptr) return 0;
-    std::strcpy(static_cast<char*>(ptr), words);
+    *std::copy(words.begin(), words.end(), static_cast<char*>(ptr)) = '\0';
     return 1;
   };
   switch (static_cast<HostOpcode>(opcode)) {

@@ -113,7 +113,7 @@ void render(RenderOptions options) {
   if (!options.midi.empty()) messages = readMidiFile(options.midi);
 
   AudioOutput output(options.output, options.format, input.rate(), options.render.outputs);
-  AutomationPlayer automation(std::move(moves), input.rate());
+  AutomationPlayer automation(moves, input.rate());
   MidiPlayer midi(std::move(messages), input.rate());
   RenderReport report;
   {

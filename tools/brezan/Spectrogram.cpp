@@ -27,9 +27,9 @@ class WindowedPower {
   explicit WindowedPower(int size)
       : m_size(size), m_window(static_cast<std::size_t>(size)),
         m_in(fftw_alloc_real(static_cast<std::size_t>(size))),
-        m_out(fftw_alloc_complex(static_cast<std::size_t>(size / 2 + 1))),
+        m_out(fftw_alloc_complex(static_cast<std::size_t>(size) / 2 + 1)),
         m_plan(fftw_plan_dft_r2c_1d(size, m_in.get(), m_out.get(), FFTW_ESTIMATE)),
-        m_power(static_cast<std::size_t>(size / 2 + 1)) {
+        m_power(static_cast<std::size_t>(size) / 2 + 1) {
     for (int i = 0; i < size; ++i)
       m_window[static_cast<std::size_t>(i)] =
           (1.0 - std::cos(2.0 * std::numbers::pi * i / size)) * 2.0 / size;

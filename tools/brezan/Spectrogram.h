@@ -11,7 +11,8 @@ struct Spectrogram {
   int rows;                 ///< row 0 is the lowest frequency
   std::vector<float> level; ///< dB, a full-scale sine is 0; column by column
   float at(int column, int row) const {
-    return level[static_cast<std::size_t>(column * rows + row)];
+    return level[static_cast<std::size_t>(column) * static_cast<std::size_t>(rows) +
+                 static_cast<std::size_t>(row)];
   }
 };
 
