@@ -56,12 +56,11 @@ void Cabinet::setDrumFlip(double sign) noexcept {
   resetDrumFilters();
 }
 
-void Cabinet::setColorMid(double db) noexcept {
-  for (ColorFilters& color : m_color) color.mid.setGainDb(db);
-}
-
-void Cabinet::setColorLow(double db) noexcept {
-  for (ColorFilters& color : m_color) color.low.setGainDb(db);
+void Cabinet::setColor(double midDb, double lowDb) noexcept {
+  for (ColorFilters& color : m_color) {
+    color.mid.setGainDb(midDb);
+    color.low.setGainDb(lowDb);
+  }
 }
 
 void Cabinet::applyHornReflectionLpf() noexcept {

@@ -40,8 +40,7 @@ class Cabinet {
   void setDrumFlip(double sign) noexcept;
   void setHornSaturation(double drive) noexcept { m_crossover.setSaturation(drive); }
   void setDrumSaturation(double drive) noexcept { m_drumPreFilter.setSaturation(drive); }
-  void setColorMid(double db) noexcept;
-  void setColorLow(double db) noexcept;
+  void setColor(double midDb, double lowDb) noexcept;
   void applyHornReflectionLpf() noexcept;
   void applyDrumReflectionLpf() noexcept;
   template <class Action>

@@ -121,7 +121,6 @@ void DrumModel::clear() noexcept {
 void DrumModel::resetFilters() noexcept {
   for (Biquad& filter : m_lowPass) {
     filter.setSampleRate(m_sampleRate);
-    filter.setFrequencyAndQ(kDrumLowPassHz[0], kDrumLowPassQ[0]);
     filter.setInstantUpdate(false);
   }
   updateSplitter();

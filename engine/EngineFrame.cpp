@@ -82,7 +82,15 @@ void RotaryEngine::Frame::beginBlock() noexcept {
   m_blockFailed = false;
   takeSettings();
   if (m_snapBypass.exchange(false, std::memory_order_relaxed)) m_bypassLevel = m_bypassTarget;
+  if (m_toneChanged) updateTone();
   stepState();
+}
+
+void RotaryEngine::Frame::updateTone() noexcept {
+  m_toneChanged = false;
+  for (std::size_t i = 0; i < m_toneDb.size(); ++i)
+    m_amplifier.setTone(static_cast<Amplifier::Tone>(i), m_toneDb[i]);
+  m_cabinet.setColor(m_colorMidDb, m_colorLowDb);
 }
 
 void RotaryEngine::Frame::stepState() noexcept {

@@ -47,6 +47,9 @@ class RotaryEngine::Frame {
   void takeSettings() noexcept;
   void applyStop(double v) noexcept;
   void setPan(Smoothed left, Smoothed right, double position) noexcept;
+  void setTone(Amplifier::Tone tone, double db) noexcept;
+  void setColor(double Frame::*gain, double db) noexcept;
+  void updateTone() noexcept;
   void setHornHighPass(double hz) noexcept;
   void setDrumLowPass(double hz) noexcept;
 
@@ -91,6 +94,10 @@ class RotaryEngine::Frame {
   double m_fadeCoefficient = 0.0;
   std::uint32_t m_seenStopPresses = 0;
   bool m_speakersBypassed = false;
+  bool m_toneChanged = false; ///< the tone and colour filters wait for the next block
+  std::array<double, static_cast<std::size_t>(Amplifier::Tone::Count)> m_toneDb{};
+  double m_colorMidDb = 0.0;
+  double m_colorLowDb = 0.0;
   bool m_blockFailed = false; ///< the rest of a block that ran into numbers out of hand is dry
 
   double m_hostRate = 44100.0;

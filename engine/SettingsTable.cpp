@@ -43,10 +43,10 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
        [](F& f, double v) { f.m_amplifier.setType(static_cast<Amplifier::Type>(static_cast<int>(v))); }},
       {S::DriveGain, 0.001, g, [](F& f, double v) { f.m_settings.setTarget(Sm::DriveGain, v); }},
       {S::PostDriveGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::PostDriveGain, v); }},
-      {S::BottomGainDb, -60, 60, [](F& f, double v) { f.m_amplifier.setTone(Tone::Bottom, v); }},
-      {S::LoMidGainDb, -60, 60, [](F& f, double v) { f.m_amplifier.setTone(Tone::LoMid, v); }},
-      {S::PresenceGainDb, -60, 60, [](F& f, double v) { f.m_amplifier.setTone(Tone::Presence, v); }},
-      {S::TopGainDb, -60, 60, [](F& f, double v) { f.m_amplifier.setTone(Tone::Top, v); }},
+      {S::BottomGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::Bottom, v); }},
+      {S::LoMidGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::LoMid, v); }},
+      {S::PresenceGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::Presence, v); }},
+      {S::TopGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::Top, v); }},
 
       {S::Lever, -1, 2, [](F& f, double v) { f.m_cabinet.setLever(v); }},
       {S::Stop, 0, 1, [](F& f, double v) { f.applyStop(v); }},
@@ -158,8 +158,8 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
        [](F& f, double v) { f.m_cabinet.roomSettings.leftRightDelay = v; }},
       {S::RoomMainCutoffHz, 20, kHighestHz,
        [](F& f, double v) { f.m_cabinet.roomSettings.mainCutoffHz = v; }},
-      {S::ColorMidGainDb, -60, 60, [](F& f, double v) { f.m_cabinet.setColorMid(v); }},
-      {S::ColorLowGainDb, -60, 60, [](F& f, double v) { f.m_cabinet.setColorLow(v); }},
+      {S::ColorMidGainDb, -60, 60, [](F& f, double v) { f.setColor(&Frame::m_colorMidDb, v); }},
+      {S::ColorLowGainDb, -60, 60, [](F& f, double v) { f.setColor(&Frame::m_colorLowDb, v); }},
 
       {S::HornNoiseLevel, -1, g, [](F& f, double v) { f.m_cabinet.hornSettings.noiseLevel = v; }},
       {S::DrumNoiseLevel, -1, 8 * g, [](F& f, double v) { f.m_cabinet.drumSettings.noiseLevel = v; }},
@@ -210,6 +210,16 @@ void RotaryEngine::Frame::applyStop(double v) noexcept {
 void RotaryEngine::Frame::setPan(Smoothed left, Smoothed right, double position) noexcept {
   m_settings.setTarget(left, panGain(1.0 - position));
   m_settings.setTarget(right, panGain(position));
+}
+
+void RotaryEngine::Frame::setTone(Amplifier::Tone tone, double db) noexcept {
+  m_toneDb[static_cast<std::size_t>(tone)] = db;
+  m_toneChanged = true;
+}
+
+void RotaryEngine::Frame::setColor(double Frame::*gain, double db) noexcept {
+  this->*gain = db;
+  m_toneChanged = true;
 }
 
 void RotaryEngine::Frame::setHornHighPass(double hz) noexcept {
