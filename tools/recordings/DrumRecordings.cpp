@@ -17,6 +17,9 @@ constexpr std::array<Band, 1> kDrumBeltFriction = {{{430.0, 0.8, 0.0}}};
 
 constexpr std::array<Band, 2> kDrumAir = {{{210.0, 0.5, 0.0}, {1300.0, 0.5, -10.0}}};
 
+/// The lower compartment is nearly closed: its lining and narrow louvres swallow the treble.
+constexpr double kDrumLiningHz = 1900.0;
+
 } // namespace
 
 Signal recordDrumSlow() {
@@ -34,15 +37,16 @@ Signal recordDrumSlow() {
   const Signal bearing = noiseBands(kRotation, kDrumBearing, 322);
   const Signal slaps = beltSlaps(kRotation, kBeltRounds, kDrumSlap, 323);
   const Signal wood =
-      throughWood(mixture({{bearing, 0.0}, {slaps, -5.0}, {hum, -7.0}, {scoop, -5.0}}),
+      throughWood(mixture({{bearing, 0.0}, {slaps, -13.0}, {hum, -7.0}, {scoop, -5.0}}),
                   kCabinetModes, Start::periodic);
   Signal recording = mixture({{scoop, -1.0},
                               {wood, -2.0},
                               {hum, -9.0},
                               {bearing, -6.0},
-                              {slaps, -16.0},
+                              {slaps, -23.0},
                               {noiseBands(kRotation, kDrumBeltFriction, 324), -14.0},
                               {noiseBands(kRotation, kDrumAir, 325), -16.0}});
+  recording = filtered(recording, Response::lowPass, kDrumLiningHz, 0.6);
   setRms(recording, gainOfDb(kDrumSlowDb));
   return recording;
 }
@@ -65,15 +69,16 @@ Signal recordDrumFast() {
   const Signal bearing = noiseBands(kRotation, kDrumBearing, 422);
   const Signal slaps = beltSlaps(kRotation, kBeltRounds, kDrumSlap, 423);
   const Signal wood =
-      throughWood(mixture({{scoop, 0.0}, {bearing, -6.0}, {slaps, -8.0}, {hum, -12.0}}),
+      throughWood(mixture({{scoop, 0.0}, {bearing, -6.0}, {slaps, -12.0}, {hum, -12.0}}),
                   kCabinetModes, Start::periodic);
   Signal recording = mixture({{scoop, 0.0},
                               {wood, -3.0},
                               {hum, -13.0},
                               {bearing, -9.0},
-                              {slaps, -17.0},
+                              {slaps, -20.0},
                               {noiseBands(kRotation, kDrumBeltFriction, 424), -17.0},
                               {noiseBands(kRotation, kDrumAir, 425), -15.0}});
+  recording = filtered(recording, Response::lowPass, kDrumLiningHz, 0.6);
   setRms(recording, gainOfDb(kDrumFastDb));
   return recording;
 }

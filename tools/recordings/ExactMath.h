@@ -2,9 +2,6 @@
 
 namespace qlx::recordings {
 
-/// Sampling rate of every recording, Hz.
-inline constexpr double kSampleRate = 44100.0;
-
 // The recordings come out the same to the last bit on every machine, so nothing here asks the C
 // library for a function whose last bit is its own choice: only +, -, x, /, square root, floor and
 // scaling by powers of two, which the arithmetic standard defines exactly.

@@ -18,6 +18,9 @@ constexpr std::array<Band, 2> kHornBeltFriction = {{{760.0, 1.0, 0.0}, {1900.0, 
 /// Still air of a room and the draught of the rotor in the upper compartment.
 constexpr std::array<Band, 2> kHornAir = {{{520.0, 0.5, 0.0}, {3000.0, 0.5, -6.0}}};
 
+/// Cloth and louvres of the upper compartment dull the highest treble.
+constexpr double kHornClothHz = 7500.0;
+
 } // namespace
 
 std::array<Signal, 2> recordHornSlow() {
@@ -35,7 +38,7 @@ std::array<Signal, 2> recordHornSlow() {
   const Signal hum = tones(kRotation, kHum, {kSlipFlutterHz, 0.12}, 101);
   const Signal bearing = noiseBands(kRotation, kHornBearing, 102);
   const Signal slaps = beltSlaps(kRotation, 1, kHornSlap, 103);
-  const Signal wood = throughWood(mixture({{bearing, 0.0}, {slaps, -6.0}, {hum, -9.0}}),
+  const Signal wood = throughWood(mixture({{bearing, 0.0}, {slaps, -13.0}, {hum, -9.0}}),
                                   kCabinetModes, Start::periodic);
 
   // Each microphone has its own share of these, its own air, and meets the mouth at its own time.
@@ -55,9 +58,10 @@ std::array<Signal, 2> recordHornSlow() {
                              {hum, place.humDb},
                              {bearing, place.bearingDb},
                              {wood, place.woodDb},
-                             {slaps, -15.0},
+                             {slaps, -21.0},
                              {noiseBands(kRotation, kHornBeltFriction, place.seed + 10), -10.0},
                              {noiseBands(kRotation, kHornAir, place.seed + 11), -12.0}});
+    recordings[i] = filtered(recordings[i], Response::lowPass, kHornClothHz, 0.6);
     setRms(recordings[i], gainOfDb(kHornSlowDb));
   }
   return recordings;
@@ -83,16 +87,17 @@ Signal recordHornFast() {
   const Signal bearing = noiseBands(kRotation, kHornBearing, 222);
   const Signal slaps = beltSlaps(kRotation, kBeltRounds, kHornSlap, 223);
   const Signal wood =
-      throughWood(mixture({{bearing, 0.0}, {slaps, -4.0}, {hum, -6.0}, {mouth, -4.0}}),
+      throughWood(mixture({{bearing, 0.0}, {slaps, -9.0}, {hum, -6.0}, {mouth, -4.0}}),
                   kCabinetModes, Start::periodic);
   Signal recording = mixture({{mouth, 0.0},
                               {whoosh(kRotation, kDummy, 0.5, kUneven, 211), -15.0},
                               {hum, -14.0},
                               {bearing, -9.0},
                               {wood, -10.0},
-                              {slaps, -17.0},
+                              {slaps, -20.0},
                               {noiseBands(kRotation, kHornBeltFriction, 224), -14.0},
                               {noiseBands(kRotation, kHornAir, 225), -13.0}});
+  recording = filtered(recording, Response::lowPass, kHornClothHz, 0.6);
   setRms(recording, gainOfDb(kHornFastDb));
   return recording;
 }

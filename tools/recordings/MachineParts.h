@@ -43,10 +43,10 @@ inline constexpr std::array<Partial, 8> kHum = {{{kShaftHz, -18.0},
 
 // Levels of the recordings, root mean square. They are set by ear's measure at the output: see
 // resources/recordings/README.md.
-inline constexpr double kHornSlowDb = -24.0;
-inline constexpr double kHornFastDb = -20.0;
-inline constexpr double kDrumSlowDb = -24.0;
-inline constexpr double kDrumFastDb = -20.0;
+inline constexpr double kHornSlowDb = -51.8;
+inline constexpr double kHornFastDb = -45.4;
+inline constexpr double kDrumSlowDb = -56.7;
+inline constexpr double kDrumFastDb = -52.2;
 /// The one-shot's peak.
 inline constexpr double kStartStopPeak = 0.9;
 

@@ -6,6 +6,9 @@
 
 namespace qlx::recordings {
 
+/// Sampling rate of every recording, Hz.
+inline constexpr double kSampleRate = 44100.0;
+
 /// A stretch of sound at kSampleRate. A loop is a stretch whose last sample is followed by its
 /// first.
 using Signal = std::vector<double>;

@@ -1,0 +1,183 @@
+// The recordings inside the library, as the engine gets them.
+
+#include "resources/NoiseRecordings.h"
+#include "tools/recordings/Analysis.h"
+#include "tools/recordings/RecordingFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <numbers>
+
+namespace qlx {
+namespace {
+
+using recordings::Signal;
+using Samples = std::span<const float>;
+
+std::array<Samples, 6> allRecordings() {
+  const engine::Recordings r = resources::noiseRecordings();
+  return {r.hornSlow[0], r.hornSlow[1], r.hornFast, r.drumSlow, r.drumFast, r.startStop};
+}
+
+struct Loop {
+  const char* name;
+  std::size_t index; // in allRecordings
+  int turns;
+  double noiseFromHz; // where noise of moving air outweighs tones and wood
+  double facing;      // place of the swell in the turn
+  double sideLineDb;  // strongest other line of the envelope, against the one at a line a turn
+};
+
+constexpr std::array<Loop, 5> kLoops = {{{"HornSlow1", 0, 1, 300.0, 0.28, -9.0},
+                                         {"HornSlow2", 1, 1, 300.0, 0.61, -9.0},
+                                         {"HornFast", 2, 34, 300.0, 0.0, -10.0},
+                                         {"DrumSlow", 3, 5, 150.0, 0.875, -6.0},
+                                         {"DrumFast", 4, 88, 150.0, 0.75, -10.0}}};
+
+class NoiseLoop : public testing::TestWithParam<Loop> {
+ protected:
+  NoiseLoop()
+      : m_stored(allRecordings()[GetParam().index]),
+        m_loop(m_stored.begin(), m_stored.end() - engine::kRecordingGuard) {}
+
+  [[nodiscard]] double samplesPerTurn() const {
+    return static_cast<double>(m_loop.size()) / GetParam().turns;
+  }
+
+  Samples m_stored;
+  Signal m_loop;
+};
+
+INSTANTIATE_TEST_SUITE_P(All, NoiseLoop, testing::ValuesIn(kLoops),
+                         [](const auto& loop) { return loop.param.name; });
+
+TEST_P(NoiseLoop, GuardRepeatsTheBeginning) {
+  const Samples guard = m_stored.last(engine::kRecordingGuard);
+  EXPECT_TRUE(std::equal(guard.begin(), guard.end(), m_stored.begin()));
+}
+
+TEST_P(NoiseLoop, HasNoMeanAndRoomAbove) {
+  const double rms = recordings::rmsOf(m_loop);
+  EXPECT_LT(std::abs(recordings::meanOf(m_loop)), 1e-4 * rms);
+  const auto [low, high] = std::minmax_element(m_loop.begin(), m_loop.end());
+  EXPECT_LT(std::max(-*low, *high), 0.9);
+  EXPECT_LT(std::max(-*low, *high), 20.0 * rms) << "a lone spike";
+  EXPECT_GT(std::max(-*low, *high), 2.5 * rms) << "clipped noise";
+}
+
+TEST_P(NoiseLoop, SeamIsLikeAnyOtherPlace) {
+  // A step or a kink at the seam is a jump of the second difference, which steady noise lets stand
+  // out.
+  const std::size_t n = m_loop.size();
+  const auto bend = [&](std::size_t i) {
+    return std::abs(m_loop[(i + n - 1) % n] - 2.0 * m_loop[i % n] + m_loop[(i + 1) % n]);
+  };
+  Signal bends(n);
+  for (std::size_t i = 0; i < n; ++i) bends[i] = bend(i);
+  const double atSeam = std::max({bend(n - 2), bend(n - 1), bend(n), bend(n + 1)});
+  const auto rare = bends.begin() + static_cast<std::ptrdiff_t>(n * 995 / 1000);
+  std::nth_element(bends.begin(), rare, bends.end());
+  EXPECT_LT(atSeam, *rare);
+}
+
+TEST_P(NoiseLoop, SwellsOnceATurnWhereTheMouthFacesTheMicrophone) {
+  const Loop& loop = GetParam();
+  const Signal envelope = recordings::envelopeOf(m_loop, loop.noiseFromHz,
+                                                 4.5 * recordings::kSampleRate / samplesPerTurn());
+  const auto lines = recordings::periodsOfLoop(envelope);
+  const auto turn = static_cast<std::size_t>(loop.turns);
+  const double swell = std::abs(lines[turn]);
+  EXPECT_GT(swell, 0.15 * std::abs(lines[0]));
+  for (std::size_t k = 1; k <= 4 * turn; ++k) {
+    if (k == turn) continue;
+    EXPECT_LT(20.0 * std::log10(std::abs(lines[k]) / swell), loop.sideLineDb)
+        << "line " << k << " of " << turn;
+  }
+  const double place = -std::arg(lines[turn]) / (2.0 * std::numbers::pi);
+  const double late = place - loop.facing - std::floor(place - loop.facing + 0.5);
+  EXPECT_LT(std::abs(late), 0.04);
+}
+
+TEST_P(NoiseLoop, NoiseNeverRepeats) {
+  const double highHz = 2.0 * GetParam().noiseFromHz;
+  const Signal noise = recordings::filtered(m_loop, recordings::Response::highPass, highHz, 0.7);
+  const std::vector<double> likeness = recordings::autocorrelation(noise);
+  const auto shortest = static_cast<std::ptrdiff_t>(0.005 * recordings::kSampleRate);
+  const auto half = static_cast<std::ptrdiff_t>(likeness.size() / 2);
+  const auto most = std::max_element(likeness.begin() + shortest, likeness.begin() + half);
+  EXPECT_LT(*most, 0.1) << "after " << (most - likeness.begin()) << " samples";
+}
+
+TEST_P(NoiseLoop, NoRhythmFasterThanTheTurn) {
+  const Signal envelope = recordings::envelopeOf(m_loop, GetParam().noiseFromHz, 40.0);
+  const std::vector<double> likeness = recordings::autocorrelation(envelope);
+  const auto from = static_cast<std::ptrdiff_t>(0.25 * samplesPerTurn());
+  const auto to = static_cast<std::ptrdiff_t>(0.75 * samplesPerTurn());
+  EXPECT_LT(*std::max_element(likeness.begin() + from, likeness.begin() + to), 0.35);
+}
+
+TEST(NoiseRecordings, HornMicrophonesHearTheSameMachineFromTwoPlaces) {
+  const Samples one = allRecordings()[0];
+  const Samples two = allRecordings()[1];
+  double both = 0.0;
+  double first = 0.0;
+  double second = 0.0;
+  for (std::size_t i = 0; i < engine::kHornSlowLength; ++i) {
+    both += static_cast<double>(one[i]) * static_cast<double>(two[i]);
+    first += static_cast<double>(one[i]) * static_cast<double>(one[i]);
+    second += static_cast<double>(two[i]) * static_cast<double>(two[i]);
+  }
+  const double likeness = both / std::sqrt(first * second);
+  EXPECT_GT(likeness, 0.15);
+  EXPECT_LT(likeness, 0.85);
+}
+
+TEST(NoiseRecordings, StartAndStopBeginAndEndInSilence) {
+  const Samples sound = allRecordings()[5];
+  const auto loudness = [](float a, float b) { return std::abs(a) < std::abs(b); };
+  const float peak = std::abs(*std::max_element(sound.begin(), sound.end(), loudness));
+  EXPECT_GT(peak, 0.5F);
+  EXPECT_LT(peak, 1.0F);
+  EXPECT_EQ(sound.front(), 0.0F);
+  EXPECT_EQ(sound.back(), 0.0F);
+  for (const Samples end : {sound.first(20), sound.last(20)}) {
+    EXPECT_LT(std::abs(*std::max_element(end.begin(), end.end(), loudness)), 0.002F * peak);
+  }
+  const Signal whole(sound.begin(), sound.end());
+  EXPECT_LT(std::abs(recordings::meanOf(whole)), 1e-4 * recordings::rmsOf(whole));
+}
+
+/// FNV-1a.
+std::uint64_t checksum(const std::string& bytes) {
+  std::uint64_t sum = 0xcbf29ce484222325U;
+  for (const char byte : bytes) {
+    sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001b3U;
+  }
+  return sum;
+}
+
+TEST(NoiseRecordings, AreTheSameToTheBitOnEveryMachine) {
+  // These numbers change only when somebody means the sound to change.
+  constexpr std::array<std::uint64_t, 6> kChecksums = {0xde6f87b0a80a204aU, 0x440a96bf9a9f40fbU,
+                                                       0xe7f488d6a91b5db0U, 0x92e80c66bb231254U,
+                                                       0x5189ba181c5de8baU, 0xef17568c1d19a536U};
+  const std::vector<recordings::RecordingFile> files =
+      recordings::recordingFiles(recordings::recordMachine());
+  const std::array<Samples, 6> embedded = allRecordings();
+  ASSERT_EQ(files.size(), embedded.size());
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const auto& [name, bytes] = files[i];
+    EXPECT_EQ(checksum(bytes), kChecksums[i]) << name << std::hex << " now 0x" << checksum(bytes);
+    ASSERT_EQ(bytes.size(), embedded[i].size_bytes()) << name;
+    EXPECT_EQ(std::memcmp(bytes.data(), embedded[i].data(), bytes.size()), 0)
+        << name << " in the library differs from the model's";
+  }
+}
+
+} // namespace
+} // namespace qlx
