@@ -9,6 +9,7 @@ CFrame::CFrame(const CRect& size, std::unique_ptr<platform::NativeWindow> window
       m_context(m_picture, m_typeface.get()),
       m_dirtyRegion({0, 0, m_picture.width, m_picture.height}),
       m_exposedRegion({0, 0, m_picture.width, m_picture.height}) {
+  setPlace(this, nullptr);
   m_window->setListener(this);
 }
 

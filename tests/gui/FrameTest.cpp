@@ -1,0 +1,268 @@
+#include "gui/CFrame.h"
+
+#include "gui/CAnimKnob.h"
+#include "gui/CMessageBox.h"
+#include "gui/CMovieBitmap.h"
+#include "gui/CTextLabel.h"
+#include "tests/engine/CountingAllocator.h"
+#include "tests/gui/FrameFixture.h"
+
+#include <random>
+
+namespace qlx::gui::test {
+
+namespace {
+
+using platform::WindowEventType;
+
+// Answers presses as it is told and writes down what it gets.
+class Probe : public CControl {
+ public:
+  Probe(const CRect& size, std::string name, std::string& log,
+        CMouseEventResult answer = CMouseEventResult::kHandled)
+      : CControl(size), m_name(std::move(name)), m_log(log), m_answer(answer) {}
+  std::unique_ptr<CView> newCopy() const override {
+    return std::make_unique<Probe>(getViewSize(), m_name, m_log, m_answer);
+  }
+  CMouseEventResult onMouseDown(const CPoint& /*where*/, const CButtonState& /*b*/) override {
+    note("down");
+    return m_answer;
+  }
+  CMouseEventResult onMouseUp(const CPoint& /*where*/, const CButtonState& /*b*/) override {
+    return note("up");
+  }
+  CMouseEventResult onMouseMoved(const CPoint& /*where*/, const CButtonState& /*b*/) override {
+    return note("move");
+  }
+  CMouseEventResult onMouseEntered(const CPoint& /*where*/, const CButtonState& /*b*/) override {
+    return note("enter");
+  }
+  CMouseEventResult onMouseExited(const CPoint& /*where*/, const CButtonState& /*b*/) override {
+    return note("exit");
+  }
+  bool onWheel(const CPoint& /*where*/, float /*distance*/, const CButtonState& /*b*/) override {
+    note("wheel");
+    return true;
+  }
+  bool onKeyDown(const CKeyCode& /*key*/) override {
+    note("key");
+    return true;
+  }
+
+ private:
+  CMouseEventResult note(const char* what) {
+    m_log += m_name + "." + what + " ";
+    return CMouseEventResult::kHandled;
+  }
+
+  std::string m_name;
+  std::string& m_log;
+  CMouseEventResult m_answer;
+};
+
+class Frames : public FrameFixture {
+ protected:
+  ~Frames() override { frame.reset(); }
+
+  Probe& add(const CRect& size, const char* name,
+             CMouseEventResult answer = CMouseEventResult::kHandled) {
+    return frame->addView(std::make_unique<Probe>(size, name, log, answer));
+  }
+  std::string take() { return std::exchange(log, {}); }
+
+  std::string log;
+};
+
+TEST_F(Frames, GestureBelongsToTheViewAndButtonThatStartedIt) {
+  add({0, 0, 50, 50}, "a");
+  add({100, 0, 150, 50}, "b");
+  press(10, 10);
+  drag(120, 10);
+  press(120, 10, platform::kPointerRight);
+  release(120, 10, platform::kPointerRight);
+  release(120, 10);
+  EXPECT_EQ(take(), "a.down a.move a.up b.enter ");
+}
+
+TEST_F(Frames, PressesGoDownUntilTaken) {
+  add({0, 0, 50, 50}, "below");
+  add({0, 0, 50, 50}, "above", CMouseEventResult::kNotHandled);
+  press(10, 10);
+  release(10, 10);
+  EXPECT_EQ(take(), "above.down below.down below.up above.enter ");
+}
+
+TEST_F(Frames, NoMovesWantedMeansNeitherMovesNorRelease) {
+  add({0, 0, 50, 50}, "a", CMouseEventResult::kHandledDontNeedMoves);
+  press(10, 10);
+  release(10, 10);
+  EXPECT_EQ(take(), "a.down ");
+}
+
+TEST_F(Frames, HoverEntersAndExits) {
+  add({0, 0, 50, 50}, "a");
+  auto& b = add({50, 0, 100, 50}, "b");
+  hover(10, 10);
+  hover(60, 10);
+  b.setMouseEnabled(false);
+  hover(61, 10);
+  hover(10, 10);
+  happens(WindowEventType::kMouseLeave);
+  EXPECT_EQ(take(), "a.enter a.move a.exit b.enter b.move b.exit a.enter a.move a.exit ");
+}
+
+TEST_F(Frames, ModalViewGetsEverything) {
+  auto& lever = add({0, 0, 50, 50}, "lever");
+  lever.setWantsFocus(true);
+  click(10, 10);
+  key(VirtualKey::kUp);
+  EXPECT_EQ(take(), "lever.down lever.up lever.enter lever.key ");
+  hover(60, 60);
+  take();
+  ASSERT_TRUE(frame->setModalView(std::make_unique<Probe>(CRect{100, 0, 200, 100}, "modal", log)));
+  EXPECT_FALSE(frame->setModalView(std::make_unique<Probe>(CRect{0, 0, 9, 9}, "second", log)));
+  click(10, 10);
+  hover(10, 10);
+  key(VirtualKey::kUp);
+  mouse(WindowEventType::kWheel, 10, 10, 0);
+  mouse(WindowEventType::kWheel, 110, 10, 0);
+  EXPECT_EQ(take(), "modal.key modal.wheel ");
+  frame->removeModalView();
+  frame->idle();
+  hover(10, 10);
+  EXPECT_EQ(take(), "lever.enter lever.move ");
+}
+
+TEST_F(Frames, KeyboardGoesBackWhenThePointerLeaves) {
+  frame->takeKeyboardFocus();
+  happens(WindowEventType::kMouseLeave);
+  EXPECT_FALSE(window->hasFocus());
+}
+
+TEST_F(Frames, ViewTakenOutMidGestureHearsNoMore) {
+  auto& a = add({0, 0, 50, 50}, "a");
+  a.setListener(&recorder);
+  press(10, 10);
+  a.beginEdit();
+  const auto out = frame->removeView(a);
+  EXPECT_EQ(recorder.take(), "begin end ") << "the host isn't left with an open gesture";
+  take();
+  drag(20, 20);
+  release(20, 20);
+  EXPECT_EQ(take(), "");
+}
+
+TEST_F(Frames, ClosingMidGestureEndsIt) {
+  auto& a = add({0, 0, 50, 50}, "a");
+  a.setListener(&recorder);
+  a.beginEdit();
+  frame.reset();
+  EXPECT_EQ(recorder.take(), "begin end ");
+}
+
+TEST_F(Frames, NothingIsDrawnOrAllocatedWhenNothingChanged) {
+  auto& movie = frame->addView(
+      std::make_unique<CMovieBitmap>(CRect{10, 10, 50, 30}, nullptr, 1, testStrip(40, 20, 5)));
+  frame->idle();
+  window->takePresentedPixels();
+  const engine::test::AllocationCount allocations;
+  for (int i = 0; i < 10; ++i) {
+    movie.setValue(0.0F);
+    frame->idle();
+  }
+  EXPECT_EQ(window->takePresentedPixels(), 0U);
+  for (int i = 0; i < 10; ++i) {
+    movie.setValue(static_cast<float>(i % 2));
+    frame->idle();
+  }
+  EXPECT_EQ(window->takePresentedPixels(), 9U * 40U * 20U);
+  EXPECT_EQ(allocations.value(), 0);
+}
+
+TEST_F(Frames, ExposedAreasArePresentedAgainWithoutDrawing) {
+  frame->idle();
+  window->takePresentedPixels();
+  platform::WindowEvent event;
+  event.type = WindowEventType::kExpose;
+  event.width = 20;
+  event.height = 10;
+  window->inject(event);
+  frame->idle();
+  EXPECT_EQ(window->takePresentedPixels(), 200U);
+}
+
+TEST_F(Frames, WindowGoneIsQuiet) {
+  frame->addView(std::make_unique<CTextLabel>(CRect{0, 0, 50, 20}, "x")).setDirty();
+  window->destroyByOthers();
+  frame->idle();
+  EXPECT_FALSE(frame->isOpen());
+  window->takePresentedPixels();
+  frame->invalidAll();
+  frame->idle();
+  EXPECT_EQ(window->takePresentedPixels(), 0U);
+}
+
+// What another thread sets while the control is being drawn is not lost.
+class SetsItselfWhileDrawing : public CControl {
+ public:
+  using CControl::CControl;
+  std::unique_ptr<CView> newCopy() const override { return nullptr; }
+  void draw(CDrawContext& context) override {
+    const auto red = static_cast<std::uint8_t>(getValue() * 100.0F);
+    if (getValue() == 0.5F) setValue(1.0F);
+    context.fillRect(getViewSize(), {red, 0, 0, 255});
+    setDirty(false);
+  }
+};
+
+TEST_F(Frames, ValueSetDuringDrawingIsDrawnNext) {
+  auto& control = frame->addView(std::make_unique<SetsItselfWhileDrawing>(CRect{0, 0, 10, 10}));
+  control.setValue(0.5F);
+  frame->idle();
+  EXPECT_TRUE(control.isDirty());
+  frame->idle();
+  EXPECT_EQ(shown()[0] >> 16 & 0xFF, 100U);
+  EXPECT_FALSE(control.isDirty());
+}
+
+// A hundred thousand pixels of evidence that redrawing parts equals redrawing all.
+TEST_F(Frames, PartialRedrawEqualsWholeRedraw) {
+  PixelBuffer pattern(200, 100);
+  std::mt19937 random(7);
+  for (std::uint32_t& pixel : pattern.pixels)
+    pixel = 0xFF000000U | (static_cast<std::uint32_t>(random()) & 0xFFFFFFU);
+  const auto background = std::make_shared<const CBitmap>(pattern);
+  frame->setBackground(background);
+  PixelBuffer glass(40, 400);
+  for (std::uint32_t& pixel : glass.pixels)
+    pixel = 0x80800000U | (static_cast<std::uint32_t>(random()) & 0x7F7FU);
+  const auto strip = std::make_shared<const CBitmap>(std::move(glass));
+  std::vector<CControl*> controls;
+  const auto at = [&random](unsigned limit) { return static_cast<double>(random() % limit); };
+  for (int i = 0; i < 12; ++i) {
+    const CPoint corner{at(170) + at(2) / 2.0, at(70) + at(2) / 2.0};
+    const CRect place{corner.x, corner.y, corner.x + 40, corner.y + 40};
+    controls.push_back(
+        &frame->addView(std::make_unique<CAnimKnob>(place, nullptr, i, 10, 40, strip)));
+    auto display = std::make_unique<CParamDisplay>(place.insetBy(-4, 14), background);
+    display->setBackOffset(place.insetBy(-4, 14).topLeft());
+    controls.push_back(&frame->addView(std::move(display)));
+  }
+  std::size_t wholeRedraws = 0;
+  for (int step = 0; step < 1500; ++step) {
+    for (auto changes = random() % 4; changes > 0; --changes)
+      controls[random() % controls.size()]->setValue(static_cast<float>(random() % 101) / 100.0F);
+    if (step % 100 == 30) CMessageBox::show(*frame, "Title", "Some text", {"OK"}, {});
+    if (step % 100 == 60) frame->removeModalView();
+    if (step % 50 == 0) controls[random() % 24]->setVisible(random() % 2 == 0);
+    frame->idle();
+    wholeRedraws += window->takePresentedPixels() == 20000U ? 1U : 0U;
+    if (step % 5 == 0) {
+      ASSERT_EQ(shown(), redrawnWhole()) << "step " << step;
+    }
+  }
+  EXPECT_LT(wholeRedraws, 150U) << "the point is that few of them are whole";
+}
+
+} // namespace
+} // namespace qlx::gui::test
