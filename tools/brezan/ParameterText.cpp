@@ -12,12 +12,27 @@ namespace qlx::tools {
 
 namespace {
 
-// Steps in which a parameter's range is tried, coarse ones first: a word is best represented by
-// the roundest value that shows it. 17 is the number of steps of a MIDI channel selector with
-// "off" and "all".
-constexpr int kSteps[] = {1, 2, 4, 5, 17, 100, 2000};
+// Finer than the steps of any display text.
+constexpr int kGrid = 2000;
+// Parts of the range on which words are usually placed, coarse ones first; 17 is a MIDI channel
+// selector with "off" and "all".
+constexpr int kRoundParts[] = {1, 2, 4, 5, 10, 17, 20, 100, 1000};
 // More different words than this are amounts, not names to choose from.
 constexpr std::size_t kMostChoices = 20;
+
+// The value to stand for a stretch of the grid: an end of the range if it reaches there, else its
+// middle, rounded where a round value is as good.
+float representative(int first, int last) {
+  if (first == 0) return 0.0F;
+  if (last == kGrid) return 1.0F;
+  const double middle = 0.5 * (first + last) / kGrid;
+  for (const int parts : kRoundParts) {
+    const double round = std::round(middle * parts) / parts;
+    const bool inside = round * kGrid >= first && round * kGrid <= last;
+    if (inside && std::abs(round - middle) <= 1.0 / kGrid) return static_cast<float>(round);
+  }
+  return static_cast<float>(middle);
+}
 
 struct Amount {
   double number;
@@ -56,12 +71,17 @@ const std::vector<ParameterText::Shown>& ParameterText::shown(int index) {
   std::vector<Shown>& list = m_shown[index];
   if (!list.empty()) return list;
   const float before = m_scratch.value(index);
-  for (const int steps : kSteps)
-    for (int i = 0; i <= steps; ++i) {
-      const float value = static_cast<float>(i) / static_cast<float>(steps);
-      m_scratch.setValue(index, value);
-      list.push_back({value, folded(m_scratch.display(index)), folded(m_scratch.label(index))});
+  int first = 0; // of the stretch that shows the same
+  for (int i = 0; i <= kGrid; ++i) {
+    m_scratch.setValue(index, static_cast<float>(i) / kGrid);
+    const std::string display = folded(m_scratch.display(index));
+    const std::string label = folded(m_scratch.label(index));
+    if (list.empty() || list.back().display != display || list.back().label != label) {
+      list.push_back({0.0F, display, label});
+      first = i;
     }
+    list.back().value = representative(first, i);
+  }
   m_scratch.setValue(index, before);
   return list;
 }
