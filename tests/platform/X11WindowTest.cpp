@@ -384,6 +384,7 @@ TEST_F(X11Windows, TextGoesBetweenPrograms) {
     EXPECT_EQ(listener.last(WindowEventType::kSelectionText)->text, text);
   }
   other.reset();
+  ASSERT_TRUE(pumpUntil([this] { return host->children(host->window()) == 1; }));
   listener.events.clear();
   window->requestText(Selection::kClipboard);
   ASSERT_TRUE(comes(WindowEventType::kSelectionText)) << "its owner is gone";
