@@ -45,8 +45,11 @@ Amplifier::Amplifier() {
   }
 }
 
-void Amplifier::setSampleRate(double hz) noexcept {
+void Amplifier::setTrackerRate(double hz) noexcept {
   m_dcCoefficient = 1.0 - std::pow(0.109, 2.0 / (0.1 * hz));
+}
+
+void Amplifier::setSampleRate(double hz) noexcept {
   for (Biquad& filter : m_tone) {
     filter.setSampleRate(hz);
     filter.setInstantUpdate(false);

@@ -14,8 +14,10 @@ class Amplifier {
 
   Amplifier();
 
-  void setSampleRate(double hz) noexcept; ///< host rate; tone filters glide from here on
-  void clear() noexcept;                  ///< the drive's DC tracker
+  void
+  setSampleRate(double hz) noexcept; ///< host rate of the tone filters, which glide from here on
+  void setTrackerRate(double hz) noexcept; ///< host rate of the drive's DC tracker
+  void clear() noexcept;                   ///< the drive's DC tracker
   void setInstantUpdate() noexcept;
   void clearFilters() noexcept;
   void setType(Type type) noexcept { m_type = type; }

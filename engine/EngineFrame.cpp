@@ -182,11 +182,11 @@ void RotaryEngine::Frame::rebuildAll() noexcept {
 void RotaryEngine::Frame::refreshHostRate() noexcept {
   m_hostRate = m_wantedHostRate.load(std::memory_order_relaxed);
   m_publishedHostRate.store(m_hostRate, std::memory_order_relaxed);
-  updateRateCoefficients();
 }
 
 void RotaryEngine::Frame::updateRateCoefficients() noexcept {
   m_settings.setSampleRate(m_hostRate);
+  m_amplifier.setTrackerRate(m_hostRate);
   m_fadeCoefficient = approachCoefficient(kFadeSeconds, m_hostRate);
 }
 
@@ -224,6 +224,7 @@ void RotaryEngine::Frame::resetEngine() noexcept {
   m_converter.restartCounter();
   setupEngineRate();
   m_settings.snap();
+  updateRateCoefficients();
   m_cabinet.clearCrossRings();
   m_cabinet.computeRoomTaps();
   m_cabinet.clearRoom();

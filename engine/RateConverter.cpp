@@ -4,6 +4,7 @@ namespace qlx::engine {
 
 namespace {
 
+constexpr double kFirstImageHz = 22070.0; // until the first rate is set up
 constexpr double kImageQ = 0.707F;
 
 const FirTable* tableOf(int factor) {
@@ -19,7 +20,7 @@ const FirTable* tableOf(int factor) {
 
 RateConverter::RateConverter() {
   for (Biquad* filter : {&m_imageLeft, &m_imageRight}) {
-    filter->init(44100.0, Response::LowPass, m_imageHz, kImageQ, 0);
+    filter->init(44100.0, Response::LowPass, kFirstImageHz, kImageQ, 0);
     filter->setEnabled(true);
   }
 }
@@ -29,15 +30,16 @@ void RateConverter::setFactor(int factor) noexcept {
   m_table = tableOf(factor);
 }
 
-void RateConverter::applyImageFrequency() noexcept {
-  m_imageLeft.setFrequency(m_imageHz);
-  m_imageRight.setFrequency(m_imageHz);
+void RateConverter::setImageFrequency(double hz) noexcept {
+  m_imageLeft.setFrequency(hz);
+  m_imageRight.setFrequency(hz);
 }
 
 void RateConverter::setHostRate(double hz) noexcept {
-  for (Biquad* filter : {&m_imageLeft, &m_imageRight}) filter->setSampleRate(hz);
-  applyImageFrequency();
-  for (Biquad* filter : {&m_imageLeft, &m_imageRight}) filter->setInstantUpdate(false);
+  for (Biquad* filter : {&m_imageLeft, &m_imageRight}) {
+    filter->setSampleRate(hz);
+    filter->setInstantUpdate(false);
+  }
 }
 
 void RateConverter::setInstantUpdate() noexcept {

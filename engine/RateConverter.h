@@ -20,10 +20,8 @@ class RateConverter {
   void setFactor(int factor) noexcept;
   int factor() const noexcept { return m_factor; }
 
-  void setImageFrequency(double hz) noexcept {
-    m_imageHz = hz;
-    applyImageFrequency();
-  }
+  /// Cut-off of the image filters, limited by the rate that they have at this moment.
+  void setImageFrequency(double hz) noexcept;
   void setHostRate(double hz) noexcept; ///< of the image filters
   void setInstantUpdate() noexcept;
   void clear() noexcept; ///< lines and their position
@@ -50,7 +48,6 @@ class RateConverter {
   };
 
   void interpolateSide(Biquad& imageFilter, Line& line, int n, RunBuffer& side) const noexcept;
-  void applyImageFrequency() noexcept;
   bool isEngineSample(int j) const noexcept {
     return ((m_sampleCounter + static_cast<std::uint32_t>(j)) &
             static_cast<std::uint32_t>(m_factor - 1)) == 0;
@@ -60,7 +57,6 @@ class RateConverter {
   const FirTable* m_table = nullptr;
   Line m_input, m_left, m_right;
   Biquad m_imageLeft, m_imageRight;
-  double m_imageHz = 22070.0;
   int m_position = kFirTaps - 1; // of the lines, before the current stretch
   std::uint32_t m_sampleCounter = 0;
 };
