@@ -2,6 +2,8 @@
 
 #include "gui/CDrawContext.h"
 
+#include <algorithm>
+
 namespace qlx::gui {
 
 /// A surface of its own, transparent at first, on which a control composes what it then copies to
@@ -13,6 +15,8 @@ class COffscreenContext {
 
   /// Drawing goes here.
   CDrawContext& context() { return m_context; }
+  /// Transparent again.
+  void clear() { std::ranges::fill(m_pixels.pixels, 0U); }
   int width() const { return m_pixels.width; }
   int height() const { return m_pixels.height; }
 
