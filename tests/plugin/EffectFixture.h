@@ -1,0 +1,77 @@
+#pragma once
+
+#include "plugin/ParameterIndex.h"
+#include "plugin/RotaryEffect.h"
+#include "tests/platform/TemporaryFolder.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace qlx::plugin::test {
+
+/// What the host was told, by opcode and index.
+struct HostNews {
+  sdk::HostOpcode opcode;
+  std::int32_t index;
+  float value;
+  friend bool operator==(const HostNews&, const HostNews&) = default;
+};
+
+/// An effect in a home of its own, so that nobody's stored defaults meddle, under a host that takes
+/// notes.
+class EffectFixture : public ::testing::Test {
+ protected:
+  EffectFixture() {
+    news().clear();
+    connected() = true;
+    ::setenv("XDG_CONFIG_HOME", m_home.path().c_str(), 1);
+    effect = std::make_unique<RotaryEffect>(&host);
+    news().clear();
+  }
+
+  static std::vector<HostNews>& news() {
+    static std::vector<HostNews> list;
+    return list;
+  }
+  static bool& connected() {
+    static bool answer = true;
+    return answer;
+  }
+  static std::vector<HostNews> automated() {
+    std::vector<HostNews> list;
+    for (const HostNews& n : news()) {
+      if (n.opcode == sdk::HostOpcode::Automate) list.push_back(n);
+    }
+    return list;
+  }
+
+  std::string display(std::int32_t index, float v) {
+    effect->setParameter(index, v);
+    return text(&RotaryEffect::getParameterDisplay, index);
+  }
+  std::string label(std::int32_t index) { return text(&RotaryEffect::getParameterLabel, index); }
+  std::string name(std::int32_t index) { return text(&RotaryEffect::getParameterName, index); }
+
+  std::unique_ptr<RotaryEffect> effect;
+
+ private:
+  static std::intptr_t host(sdk::EffectRecord* /*effect*/, std::int32_t opcode, std::int32_t index,
+                            std::intptr_t /*value*/, void* /*ptr*/, float opt) {
+    const auto request = static_cast<sdk::HostOpcode>(opcode);
+    if (request == sdk::HostOpcode::PinConnected) return connected() ? 0 : 1;
+    news().push_back({request, index, opt});
+    return 0;
+  }
+
+  std::string text(void (RotaryEffect::*operation)(std::int32_t, char*), std::int32_t index) {
+    std::array<char, 64> buffer{};
+    (effect.get()->*operation)(index, buffer.data());
+    return buffer.data();
+  }
+
+  qlx::test::TemporaryFolder m_home;
+};
+
+} // namespace qlx::plugin::test

@@ -1,0 +1,57 @@
+#include "tests/plugin/RecordingEngine.h"
+
+#include <algorithm>
+#include <ranges>
+
+namespace qlx::plugin::test {
+
+EngineLog& engineLog() {
+  static EngineLog log;
+  return log;
+}
+
+void EngineLog::clear() {
+  engine::MicrophonePlacement* const kept = placement;
+  *this = {};
+  placement = kept;
+}
+
+std::optional<double> EngineLog::last(engine::Setting setting) const {
+  for (const EngineCall& call : sets | std::views::reverse) {
+    if (call.setting == setting) return call.value;
+  }
+  return std::nullopt;
+}
+
+} // namespace qlx::plugin::test
+
+namespace qlx::engine {
+
+using plugin::test::engineLog;
+
+class RotaryEngine::Frame {};
+
+RotaryEngine::RotaryEngine(const Recordings& /*recordings*/, MicrophonePlacement& placement) {
+  engineLog() = {};
+  engineLog().placement = &placement;
+}
+RotaryEngine::~RotaryEngine() = default;
+
+void RotaryEngine::set(Setting setting, double value) noexcept {
+  engineLog().sets.push_back({setting, value});
+}
+void RotaryEngine::request(std::uint32_t work) noexcept { engineLog().requested |= work; }
+void RotaryEngine::setHostRate(double hz) noexcept { engineLog().rates.push_back(hz); }
+void RotaryEngine::setCpuMode(CpuMode mode) noexcept { engineLog().modes.push_back(mode); }
+void RotaryEngine::switchOff() noexcept { ++engineLog().switchedOff; }
+void RotaryEngine::switchOn() noexcept { ++engineLog().switchedOn; }
+void RotaryEngine::performAllPendingWork() noexcept { engineLog().placement->applyPlacement(); }
+void RotaryEngine::process(const float* /*in0*/, const float* /*in1*/, float* /*out0*/,
+                           float* /*out1*/, int /*frames*/) noexcept {}
+void RotaryEngine::process(const double* /*in0*/, const double* /*in1*/, double* /*out0*/,
+                           double* /*out1*/, int /*frames*/) noexcept {}
+double RotaryEngine::hornPhase() const noexcept { return 0.25; }
+double RotaryEngine::drumPhase() const noexcept { return 0.75; }
+double RotaryEngine::hostRate() const noexcept { return 44100.0; }
+
+} // namespace qlx::engine
