@@ -12,6 +12,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <ostream>
 
 namespace qlx {
 namespace {
@@ -32,6 +33,8 @@ struct Loop {
   double facing;      // place of the swell in the turn
   double sideLineDb;  // strongest other line of the envelope, against the one at a line a turn
 };
+
+void PrintTo(const Loop& loop, std::ostream* out) { *out << loop.name; }
 
 constexpr std::array<Loop, 5> kLoops = {{{"HornSlow1", 0, 1, 300.0, 0.28, -9.0},
                                          {"HornSlow2", 1, 1, 300.0, 0.61, -9.0},
