@@ -37,6 +37,13 @@ constexpr std::uint32_t premultiplied(const CColor& colour) {
   return scaled(opaque, colour.alpha);
 }
 
+// Half-covered edge pixels of light text on a dark ground look too dark, so the strokes of small
+// text look thin: blending is not done in linear light. For light colours coverage is raised in the
+// middle, by at most a tenth of the whole.
+constexpr std::uint32_t evenedCoverage(std::uint32_t coverage, bool light) {
+  return light ? coverage + coverage * (kFull - coverage) * 2 / (kFull * 5) : coverage;
+}
+
 PixelRect pixelsOf(const PixelBuffer& buffer) { return {0, 0, buffer.width, buffer.height}; }
 
 } // namespace
@@ -179,6 +186,7 @@ void CDrawContext::drawStringAt(std::string_view text, int x, const CRect& where
       CRect::nearest((where.top + where.bottom + metrics.ascent - metrics.descent) / 2.0);
   const PixelRect area = platform::intersection(where.nearestPixels(), m_clip);
   const std::uint32_t colour = premultiplied(m_fontColour);
+  const bool light = m_fontColour.isLight();
   while (!text.empty()) {
     const CTypeface::Glyph& glyph = m_typeface->glyph(takeUtf8(text), m_font, antialias);
     const int left = x + glyph.left;
@@ -191,7 +199,7 @@ void CDrawContext::drawStringAt(std::string_view text, int x, const CRect& where
           glyph.coverage.data() +
           static_cast<std::size_t>(py - top) * static_cast<std::size_t>(glyph.width);
       for (int px = box.left; px < box.right; ++px)
-        row[px] = over(scaled(colour, coverage[px - left]), row[px]);
+        row[px] = over(scaled(colour, evenedCoverage(coverage[px - left], light)), row[px]);
     }
     x += glyph.advance;
   }

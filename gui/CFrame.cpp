@@ -50,9 +50,10 @@ void CFrame::invalidRect(const CRect& area) { m_dirtyRegion.add(area.touchedPixe
 void CFrame::invalidAll() { invalidRect(getViewSize()); }
 
 void CFrame::open() {
+  // Shown first, so that the picture is there at once even if nobody ever calls idle.
+  m_window->show();
   invalidAll();
   redraw();
-  m_window->show();
 }
 
 void CFrame::redraw() {

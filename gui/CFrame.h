@@ -31,7 +31,7 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   std::unique_ptr<CView> newCopy() const override { return nullptr; }
   void draw(CDrawContext& context) override;
 
-  /// Draws everything, presents it and shows the window.
+  /// Shows the window, draws everything and presents it.
   void open();
   /// Handles what happened to the window, then redraws and presents what is dirty. Does nothing
   /// more once the window is gone.

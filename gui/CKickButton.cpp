@@ -34,7 +34,8 @@ CMouseEventResult CKickButton::onMouseUp(const CPoint& /*where*/, const CButtonS
 }
 
 CMouseEventResult CKickButton::onMouseMoved(const CPoint& where, const CButtonState& buttons) {
-  if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
+  // A drag that began elsewhere isn't ours.
+  if (!buttons.isLeftButton() || !isEditing()) return CMouseEventResult::kNotHandled;
   setValue(getViewSize().contains(where) ? getMax() : getMin());
   if (isDirty()) invalid();
   return CMouseEventResult::kHandled;

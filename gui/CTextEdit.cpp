@@ -11,12 +11,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kBlink{530};
 
-// The selection is the text's own colour reversed, which is readable on any skin.
-constexpr CColor reversed(const CColor& colour) {
-  const int brightness = (colour.red * 3 + colour.green * 6 + colour.blue) / 10;
-  return brightness < 128 ? kWhiteCColor : kBlackCColor;
-}
-
 } // namespace
 
 CTextEdit::CTextEdit(const CRect& size, CControlListener* listener, std::int32_t tag,
@@ -142,7 +136,8 @@ void CTextEdit::draw(CDrawContext& context) {
     marked.right = left + penFor(model.selectionEnd());
     marked = marked.intersect(field);
     context.fillRect(marked, getFontColor());
-    context.setFontColor(reversed(getFontColor()));
+    // The text's own colours reversed, which is readable on any skin.
+    context.setFontColor(getFontColor().isLight() ? kBlackCColor : kWhiteCColor);
     context.drawStringAt(text, left, marked);
   } else if (m_box->caretShown) {
     const CCoord caret = left + penFor(model.caret());

@@ -7,7 +7,9 @@
 #include "tests/engine/CountingAllocator.h"
 #include "tests/gui/FrameFixture.h"
 
+#include <atomic>
 #include <random>
+#include <thread>
 
 namespace qlx::gui::test {
 
@@ -223,6 +225,25 @@ TEST_F(Frames, ValueSetDuringDrawingIsDrawnNext) {
   frame->idle();
   EXPECT_EQ(shown()[0] >> 16 & 0xFF, 100U);
   EXPECT_FALSE(control.isDirty());
+}
+
+TEST_F(Frames, ValuesComeFromAnotherThreadWhileDrawing) {
+  std::vector<CControl*> controls;
+  for (int i = 0; i < 4; ++i)
+    controls.push_back(&frame->addView(std::make_unique<CMovieBitmap>(
+        CRect{i * 40.0, 10, i * 40.0 + 40, 30}, nullptr, i, testStrip(40, 20, 5))));
+  std::atomic<bool> started{false};
+  std::thread automation([&] {
+    for (int round = 0; round < 20000; ++round) {
+      for (CControl* control : controls) control->setValue(static_cast<float>(round % 5) / 4.0F);
+      started = true;
+    }
+  });
+  while (!started) std::this_thread::yield();
+  for (int i = 0; i < 200; ++i) frame->idle();
+  automation.join();
+  frame->idle();
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(shownFrame(i * 40 + 5, 20), 4);
 }
 
 // A hundred thousand pixels of evidence that redrawing parts equals redrawing all.
