@@ -68,6 +68,12 @@ void Cabinet::applyHornReflectionLpf() noexcept {
   m_horn2.updateReflectionPoles();
 }
 
+void Cabinet::applyHornStaticCutoff() noexcept {
+  m_horn1.updateStaticPole();
+  m_horn2.updateStaticPole();
+  m_reducedHorn.updateStaticPole();
+}
+
 void Cabinet::applyDrumReflectionLpf() noexcept { m_drum.updateReflectionPoles(); }
 
 void Cabinet::setModelRates(double engineRate, int factor) noexcept {

@@ -43,6 +43,7 @@ class Cabinet {
   void setColor(double midDb, double lowDb) noexcept;
   void applyHornReflectionLpf() noexcept;
   void applyDrumReflectionLpf() noexcept;
+  void applyHornStaticCutoff() noexcept;
   template <class Action>
   void forHornPlayers(Action action) noexcept {
     action(m_horn1.noisePlayer());

@@ -45,9 +45,9 @@ void Rays::rebuild(std::span<const ImageSource> images, const MicrophonePosition
 }
 
 void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept {
-  m_amRadius = cabinet.amRadius;
-  const double nearest = 0.3 - m_amRadius;
-  m_table[0] = std::pow(m_amRadius * 3.3333333333333335, cabinet.attenuationExponent);
+  const double amRadius = cabinet.amRadius;
+  const double nearest = 0.3 - amRadius;
+  m_table[0] = std::pow(amRadius * 3.3333333333333335, cabinet.attenuationExponent);
   double previous = nearest;
   for (int i = 1; i < kSize; ++i) {
     const double d = nearest + 0.01 * i;
@@ -60,14 +60,14 @@ void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) n
     previous = d;
   }
   // Mean of the direct ray's distance over a turn, the near half weighted by the arc it takes.
-  const double mean = (0.6366 - rays.halfWidth[0] * 2.546) * rays.signY[0] * m_amRadius;
-  const double direct = cubicTableRead((m_amRadius + rays.distance[0] - mean - 0.3) * 100.0,
-                                       m_table.data(), kSize - 1);
+  const double mean = (0.6366 - rays.halfWidth[0] * 2.546) * rays.signY[0] * amRadius;
+  const double direct =
+      cubicTableRead((amRadius + rays.distance[0] - mean - 0.3) * 100.0, m_table.data(), kSize - 1);
   m_norm = std::pow(1.0 / direct, 0.7);
 }
 
-double AttenuationLaw::level(double distance, double displacement) const noexcept {
-  return cubicTableRead((displacement + distance - 0.3 + m_amRadius) * 100.0, m_table.data(),
+double AttenuationLaw::level(double distance, double amRadius, double sine) const noexcept {
+  return cubicTableRead((amRadius * sine + distance - 0.3 + amRadius) * 100.0, m_table.data(),
                         kSize - 1) *
          m_norm;
 }

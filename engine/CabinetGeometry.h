@@ -84,9 +84,9 @@ class AttenuationLaw {
 
   void rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept;
 
-  /// Normalised level at `distance` metres from the circle's centre, the source displaced by
-  /// `displacement` metres.
-  double level(double distance, double displacement) const noexcept;
+  /// Normalised level at `distance` metres from the centre of a circle of `amRadius`, where the
+  /// source stands at `sine` (-1 nearest, +1 farthest) of its way.
+  double level(double distance, double amRadius, double sine) const noexcept;
 
   /// The raw law at position d x 512, as the cross-talk paths read it.
   double rawAt(double d) const noexcept;
@@ -94,7 +94,6 @@ class AttenuationLaw {
  private:
   std::array<double, kSize> m_table{};
   double m_norm = 1.0;
-  double m_amRadius = 0.18;
 };
 
 } // namespace qlx::engine

@@ -139,7 +139,7 @@ void DrumModel::rebuildGeometry() noexcept {
 }
 
 double DrumModel::staticLevel() const noexcept {
-  return m_attenuation.level(m_rays.distance[kDirect], 0.0);
+  return m_attenuation.level(m_rays.distance[kDirect], m_settings.cabinet.amRadius, 0.0);
 }
 
 bool DrumModel::isHeard(std::size_t ray) const noexcept {
@@ -178,7 +178,7 @@ void DrumModel::addRay(const RotorTrack& track, const SoundLine& line, int n, st
       std::pow(cabinet.reflectionCoeff, path.bounces) * m_settings.rayGain[path.gain];
   for (int j = 0; j < n; ++j) {
     const auto k = static_cast<std::size_t>(j);
-    double y = run[k] * m_attenuation.level(distance, cabinet.amRadius * movement.sine[k]) * gain;
+    double y = run[k] * m_attenuation.level(distance, cabinet.amRadius, movement.sine[k]) * gain;
     if (path.bounces > 0) y = m_bounce[ray].next(y, m_bouncePole[path.bounces - 1U]);
     sum[k] += y;
   }
@@ -250,7 +250,7 @@ void ReducedDrumModel::process(const RotorTrack& track, const SoundLine& line, i
 
   const double distance = m_rays.distance[kDirect];
   const double delay = (distance - m_microphone.distance) * track.samplesPerMetre();
-  const double gain = m_attenuation.level(distance, 0.0) * m_settings.staticGain;
+  const double gain = m_attenuation.level(distance, cabinet.amRadius, 0.0) * m_settings.staticGain;
   for (int j = 0; j < n; ++j) {
     if (track.nextUpdate(j) == j) m_staticPole = settlingPole(cabinet.staticCutoffHz, m_sampleRate);
     const double x = cubicRingRead(track.writeIndex(j) - delay, line.data(), kTrackSize);

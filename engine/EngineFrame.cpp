@@ -61,7 +61,7 @@ void RotaryEngine::Frame::switchOff() noexcept { request(kPendingResume); }
 void RotaryEngine::Frame::switchOn() noexcept {
   request(kPendingFullReset | kPendingHornMic1 | kPendingHornMic2 | kPendingReducedHorn |
           kPendingDrum | kPendingReducedDrum | kPendingCrossDelays);
-  m_snapBypass.store(true, std::memory_order_relaxed);
+  m_bypassJump.store(m_wantedBypass.load(std::memory_order_relaxed), std::memory_order_relaxed);
 }
 
 std::uint32_t RotaryEngine::Frame::take(std::uint32_t bits) noexcept {
@@ -81,7 +81,8 @@ void RotaryEngine::Frame::performAllPendingWork() noexcept {
 void RotaryEngine::Frame::beginBlock() noexcept {
   m_blockFailed = false;
   takeSettings();
-  if (m_snapBypass.exchange(false, std::memory_order_relaxed)) m_bypassLevel = m_bypassTarget;
+  const double jump = m_bypassJump.exchange(kNoJump, std::memory_order_relaxed);
+  if (jump != kNoJump) m_bypassLevel = jump;
   if (m_toneChanged) updateTone();
   stepState();
 }

@@ -35,6 +35,8 @@ class RotaryEngine::Frame {
 
  private:
   friend struct SettingsTable;
+  static constexpr double kNoJump = -1.0;
+
   enum class State : unsigned char { Running = 0, FadingOut = 1, Reinitialising = 2, FadingIn = 3 };
 
   /// One stretch of host samples, in and out.
@@ -77,7 +79,8 @@ class RotaryEngine::Frame {
   MicrophonePlacement& m_placement;
   ControlDesk m_desk;
   std::atomic<std::uint32_t> m_pending{0};
-  std::atomic<bool> m_snapBypass{false};
+  std::atomic<double> m_wantedBypass{0.0};
+  std::atomic<double> m_bypassJump{kNoJump}; ///< level to which a switch-on jumps
   std::atomic<std::uint32_t> m_stopPresses{0};
   std::atomic<double> m_wantedHostRate{44100.0};
   std::atomic<CpuMode> m_cpuMode{CpuMode::LowCpu};

@@ -100,7 +100,7 @@ HornModel::HornModel(const HornSettings& settings, const Recordings& recordings,
 void HornModel::setSampleRate(double hz) noexcept {
   m_sampleRate = std::max(hz, 11025.0);
   updateReflectionPoles();
-  m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
+  updateStaticPole();
   m_noisePlayer.setSampleRate(m_sampleRate);
 }
 
@@ -110,6 +110,10 @@ void HornModel::updateReflectionPoles() noexcept {
     const double octaves = -static_cast<double>(k) * m_settings.cabinet.reflectionLpfOctaves;
     m_bouncePole[k] = lowPassPole(kReflectionEdgeHz * std::exp2(octaves), m_sampleRate);
   }
+}
+
+void HornModel::updateStaticPole() noexcept {
+  m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
 }
 
 void HornModel::clear() noexcept {
@@ -170,7 +174,8 @@ void HornModel::rebuildGeometry() noexcept {
 }
 
 double HornModel::staticLevel() const noexcept {
-  return std::max(m_attenuation.level(m_rays.distance[0], 0.0), m_settings.ampClip);
+  return std::max(m_attenuation.level(m_rays.distance[0], m_settings.cabinet.amRadius, 0.0),
+                  m_settings.ampClip);
 }
 
 void HornModel::tuneRay(std::size_t ray, double phase) noexcept {
@@ -214,8 +219,8 @@ void HornModel::addRay(const RotorTrack& track, const SoundLine& line, int n, st
                       (path.throughBack ? m_reflectionScale : 1.0) * m_settings.rayGain[path.gain];
   for (int j = 0; j < n; ++j) {
     const auto k = static_cast<std::size_t>(j);
-    const double level = std::max(
-        m_attenuation.level(distance, cabinet.amRadius * movement.sine[k]), m_settings.ampClip);
+    const double level = std::max(m_attenuation.level(distance, cabinet.amRadius, movement.sine[k]),
+                                  m_settings.ampClip);
     double y = run[k] * level * gain;
     if (path.bounces > 0) y = m_bounce[ray].next(y, m_bouncePole[path.bounces - 1U]);
     sum[k] += y;
@@ -227,8 +232,6 @@ void HornModel::addStaticRay(const RotorTrack& track, const SoundLine& line, int
   const double delay = m_rays.distance[0] * track.samplesPerMetre();
   const double gain = m_settings.staticGain * staticLevel();
   for (int j = 0; j < n; ++j) {
-    if (track.nextUpdate(j) == j)
-      m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
     const double x = cubicRingRead(track.writeIndex(j) - delay, line.data(), kTrackSize);
     sum[static_cast<std::size_t>(j)] += m_staticLowPass.next(x, m_staticPole) * gain;
   }

@@ -40,6 +40,7 @@ class HornModel {
   void clear() noexcept;
   void resetFilters() noexcept;
   void rebuildGeometry() noexcept;
+  void updateStaticPole() noexcept;
 
   void setMicAngle(double turns) noexcept { m_microphone.angle = turns; }
   void setMicDistance(double metres) noexcept;

@@ -30,8 +30,12 @@ ReducedHornModel::ReducedHornModel(const HornSettings& settings) : m_settings(se
 void ReducedHornModel::setSampleRate(double hz) noexcept {
   m_sampleRate = std::max(hz, 11025.0);
   m_polePole = std::exp(-1.0 / (m_sampleRate * kReducedPoleSeconds));
-  m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
+  updateStaticPole();
   m_bouncePole = lowPassPole(kReflectionEdgeHz, m_sampleRate);
+}
+
+void ReducedHornModel::updateStaticPole() noexcept {
+  m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
 }
 
 void ReducedHornModel::clear() noexcept {
@@ -77,9 +81,8 @@ void ReducedHornModel::process(const RotorTrack& track, const SoundLine& line, i
   const double distance = m_rays.distance[kDirect];
   const double delay =
       (distance - (m_microphone.distance - cabinet.fmRadius)) * track.samplesPerMetre();
-  const double gain = m_attenuation.level(distance, 0.0) * m_settings.staticGain;
+  const double gain = m_attenuation.level(distance, cabinet.amRadius, 0.0) * m_settings.staticGain;
   for (int j = 0; j < n; ++j) {
-    if (track.nextUpdate(j) == j) m_staticPole = settlingPole(cabinet.staticCutoffHz, m_sampleRate);
     const double x = cubicRingRead(track.writeIndex(j) - delay, line.data(), kTrackSize);
     out[static_cast<std::size_t>(j)] += m_staticLowPass.next(x, m_staticPole) * gain;
   }

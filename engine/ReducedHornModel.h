@@ -16,6 +16,7 @@ class ReducedHornModel {
   void clear() noexcept;
   void resetFilters() noexcept;
   void rebuildGeometry() noexcept;
+  void updateStaticPole() noexcept;
 
   const AttenuationLaw& attenuation() const noexcept { return m_attenuation; }
 

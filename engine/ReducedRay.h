@@ -48,7 +48,7 @@ class ReducedRay {
       const double delay = (c.cabinet.fmRadius * sine + path) * c.track.samplesPerMetre();
       const double x = cubicRingRead(c.track.writeIndex(j) - delay, c.line.data(), kTrackSize);
       double y = m_lowPass.next(x, m_pole) *
-                 c.attenuation.level(distance, c.cabinet.amRadius * sine) * gain;
+                 c.attenuation.level(distance, c.cabinet.amRadius, sine) * gain;
       if (bouncePole > 0.0) y = m_bounce.next(y, bouncePole);
       sum[k] += y;
     }

@@ -91,7 +91,10 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
          f.m_cabinet.applyHornReflectionLpf();
        }},
       {S::HornStaticCutoffHz, 1, kHighestHz,
-       [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.staticCutoffHz = v; }},
+       [](F& f, double v) {
+         f.m_cabinet.hornSettings.cabinet.staticCutoffHz = v;
+         f.m_cabinet.applyHornStaticCutoff();
+       }},
       {S::HornFlip, -1, 1, [](F& f, double v) { f.m_cabinet.setHornFlip(v); }},
       {S::HornOpenBackMode, 0, 2,
        [](F& f, double v) { f.m_cabinet.hornSettings.openBackMode = static_cast<int>(v); }},
@@ -192,7 +195,9 @@ void RotaryEngine::Frame::set(Setting setting, double value) noexcept {
   // A press that is released before the next block still brakes and starts the motors.
   if (setting == Setting::Stop && value >= 0.5)
     m_stopPresses.fetch_add(1, std::memory_order_relaxed);
-  m_desk.write(setting, std::clamp(value, row.lowest, row.highest));
+  const double limited = std::clamp(value, row.lowest, row.highest);
+  if (setting == Setting::Bypass) m_wantedBypass.store(limited, std::memory_order_relaxed);
+  m_desk.write(setting, limited);
 }
 
 void RotaryEngine::Frame::takeSettings() noexcept {

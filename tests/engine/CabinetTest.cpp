@@ -67,13 +67,14 @@ TEST(AttenuationLaw, FallsToFlatBeyondItsDistance) {
   rays.rebuild(hornImages({0.0, 1.0}, CabinetWalls(false)), {0.0, 1.0}, cabinet.amRadius);
   AttenuationLaw law;
   law.rebuild(cabinet, rays);
-  double previous = law.level(0.3, 0.0);
+  double previous = law.level(0.3, 0.2, 0.0);
   for (double d = 0.31; d < 1.5; d += 0.01) {
-    EXPECT_LT(law.level(d, 0.0), previous) << d;
-    previous = law.level(d, 0.0);
+    EXPECT_LT(law.level(d, 0.2, 0.0), previous) << d;
+    previous = law.level(d, 0.2, 0.0);
   }
-  EXPECT_NEAR(law.level(3.0, 0.0), law.level(4.0, 0.0), 1e-12) << "flat";
-  EXPECT_NEAR(law.level(1.0, 0.1), law.level(1.1, 0.0), 1e-12) << "displacement adds to distance";
+  EXPECT_NEAR(law.level(3.0, 0.2, 0.0), law.level(4.0, 0.2, 0.0), 1e-12) << "flat";
+  EXPECT_NEAR(law.level(1.0, 0.2, 0.5), law.level(1.1, 0.2, 0.0), 1e-12)
+      << "displacement adds to distance";
 }
 
 /// A horn or drum model alone, fed with a signal; the settings reduce it to what a test listens to.

@@ -249,9 +249,9 @@ void Frame::stateMachine() {
     refreshHostRate();
   } else if ((pending & kFullReset) != 0) {
     fullReset();
-  } else if ((pending & (kSetup | kRoomTaps)) != 0) {
-    if (take(kSetup)) applySetup();
-    if (take(kRoomTaps)) room.computeTaps(engineRate);
+  } else if (take(kSetup | kRoomTaps)) {
+    applySetup();
+    room.computeTaps(engineRate);
   } else if ((pending & kMics) != 0) {
     rebuildTaken(kMics);
   } else if ((pending & kOthers) != 0) {
