@@ -28,8 +28,9 @@ std::optional<std::string> followLinks(std::string path) {
     char link[PATH_MAX];
     const ssize_t length = ::readlink(path.c_str(), link, sizeof link);
     if (length < 0) return path;
-    const std::string to(link, static_cast<std::size_t>(length));
-    path = to.starts_with('/') ? to : path.substr(0, path.rfind('/') + 1) + to;
+    const std::string_view to(link, static_cast<std::size_t>(length));
+    path.resize(to.starts_with('/') ? 0 : path.rfind('/') + 1);
+    path += to;
   }
   return std::nullopt;
 }

@@ -209,6 +209,18 @@ TEST(PresetImage, PresetReaderIgnoresSlotNumbersAndStartsFromTheTemplate) {
   EXPECT_TRUE(rig.inStep());
 }
 
+TEST(PresetImage, RecordsBehindTheAnnouncedLengthCountInChunksOnly) {
+  // The header announces the first record's bytes and counts two records.
+  Builder image = Builder().image(0x38, 2, 0, Builder().valueRecord(5, 8, 0.25F));
+  image.valueRecord(5, 9, 0.5F);
+  PresetRig rig;
+  rig.editor->loadPresetData(image.bytes(), Scope::Bank);
+  EXPECT_EQ(rig.slot(5).values[8], 0.25F);
+  EXPECT_EQ(rig.slot(5).values[9], makeBank(1)[5].values[9]);
+  rig.setChunk(Builder().chunk(image).bytes());
+  EXPECT_EQ(rig.slot(5).values[9], 0.5F);
+}
+
 TEST(PresetImage, RefusedDataChangesNothing) {
   const auto with = [](float value) {
     auto slot = makeSlot(60);
