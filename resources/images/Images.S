@@ -1,36 +1,46 @@
-/* The editor's images and its font as read-only data, with a table of (number, first byte, end), the places
-   counted from qlxImages and 0 for the end of the table. x86-64 puts no underscore before C names on either system. */
-
-#define NUMBERS 989, 2002, 2003, 2004, 2005, 2008, 2009, 2010, 2013, 3999, 4000, 4001, 4002, 4003, 4004, 4005, \
-  19899, 19990, 19991, 19992, 19993, 19994, 19995, 19996, 19997, 19998, 19999
+/* The editor's images and font as read-only data: a directory of (number, distance of the PNG file from
+   the directory, length), then the files. The assembler finds them in the include path. */
 
 #ifdef _WIN32
         .section .rdata, "dr"
 #else
         .section .rodata, "a", @progbits
-        .hidden qlxImages, qlxImageTable, qlxEditorFont, qlxEditorFontEnd
+        .hidden qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorFont, qlxEditorFontEnd
 #endif
-        .globl  qlxImages, qlxImageTable, qlxEditorFont, qlxEditorFontEnd
+        .globl  qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorFont, qlxEditorFontEnd
 
-        .balign 64
-qlxImages:
-.irp number, NUMBERS
-        .balign 8
+        .macro  forEachImage do
+        .irp    number, 989, 2002, 2003, 2004, 2005, 2008, 2009, 2010, 2013, 3999, 4000, 4001, 4002
+        \do     \number
+        .endr
+        .irp    number, 4003, 4004, 4005, 19899, 19990, 19991, 19992, 19993, 19994, 19995, 19996
+        \do     \number
+        .endr
+        .irp    number, 19997, 19998, 19999
+        \do     \number
+        .endr
+        .endm
+
+        .macro  entry number
+        .long   \number
+        .long   .Limage\number - qlxImageDirectory
+        .long   .Lend\number - .Limage\number
+        .endm
+
+        .macro  file number
 .Limage\number:
-        .incbin "\number\().png"
-.LimageEnd\number:
-.endr
+        .incbin "resources/images/\number\().png"
+.Lend\number:
+        .endm
 
-        .balign 8
-qlxImageTable:
-.irp number, NUMBERS
-        .long \number, .Limage\number - qlxImages, .LimageEnd\number - qlxImages
-.endr
-        .long 0
-
-        .balign 64
+        .balign 16
+qlxImageDirectory:
+        forEachImage entry
+qlxImageDirectoryEnd:
+        forEachImage file
+        .balign 16
 qlxEditorFont:
-        .incbin "LiberationSans-Regular.ttf"
+        .incbin "resources/fonts/LiberationSans-Regular.ttf"
 qlxEditorFontEnd:
 
 #ifndef _WIN32

@@ -1,22 +1,36 @@
 #include "resources/images/Images.h"
 
+#include <algorithm>
 #include <cstdint>
+
+namespace qlx::resources {
+namespace {
+
+/// One line of the directory in Images.S.
+struct DirectoryEntry {
+  std::uint32_t number;
+  std::uint32_t distance; // from the directory's first byte
+  std::uint32_t length;
+};
+
+} // namespace
 
 extern "C" {
 // Defined in Images.S.
-extern const std::byte qlxImages[];
-extern const std::int32_t qlxImageTable[];
+extern const DirectoryEntry qlxImageDirectory[];
+extern const DirectoryEntry qlxImageDirectoryEnd[];
 extern const std::byte qlxEditorFont[];
 extern const std::byte qlxEditorFontEnd[];
 }
 
-namespace qlx::resources {
-
 std::span<const std::byte> findImage(int number) {
-  for (const std::int32_t* entry = qlxImageTable; entry[0] != 0; entry += 3) {
-    if (entry[0] == number) return {qlxImages + entry[1], qlxImages + entry[2]};
-  }
-  return {};
+  const std::span directory(qlxImageDirectory, qlxImageDirectoryEnd);
+  const auto found = std::ranges::find_if(directory, [number](const DirectoryEntry& entry) {
+    return static_cast<std::int64_t>(entry.number) == number;
+  });
+  if (found == directory.end()) return {};
+  const auto* base = reinterpret_cast<const std::byte*>(qlxImageDirectory);
+  return {base + found->distance, found->length};
 }
 
 std::span<const std::byte> editorFont() { return {qlxEditorFont, qlxEditorFontEnd}; }

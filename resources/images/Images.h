@@ -3,13 +3,15 @@
 #include <cstddef>
 #include <span>
 
+/// The editor's images and its font, inside this library: read-only, valid as long as the library
+/// is loaded, any thread.
 namespace qlx::resources {
 
-/// The PNG file of an image of the editor by its resource number; empty when there is none. The
-/// bytes live inside the library for ever. Any thread.
+/// The PNG file of an image by its resource number, for example 4000; empty when there is no such
+/// image.
 std::span<const std::byte> findImage(int number);
 
-/// The TrueType file of the editor's font, Liberation Sans, which has the metrics of Arial.
+/// The TrueType file of the editor's text: a sans serif with the metrics of Arial.
 std::span<const std::byte> editorFont();
 
 } // namespace qlx::resources

@@ -29,10 +29,10 @@ unsigned segmentsOf(char c) {
   }
 }
 
-/// The bars of one cell of 5 x 9 pixels at (x, y), one pixel thick, in whole pixels.
+/// The bars of one cell of 5 x 10 pixels at (x, y), one pixel thick, in whole pixels.
 void traceSegments(cairo_t* cr, unsigned segments, double x, double y) {
-  constexpr double kBars[7][4] = {{1, 0, 3, 1}, {4, 1, 1, 3}, {4, 5, 1, 3}, {1, 8, 3, 1},
-                                  {0, 5, 1, 3}, {0, 1, 1, 3}, {1, 4, 3, 1}};
+  constexpr double kBars[7][4] = {{1, 0, 3, 1}, {4, 1, 1, 3}, {4, 5, 1, 4}, {1, 9, 3, 1},
+                                  {0, 5, 1, 4}, {0, 1, 1, 3}, {1, 4, 3, 1}};
   for (std::size_t i = 0; i < 7; ++i) {
     if ((segments >> i & 1U) == 0) continue;
     cairo_rectangle(cr, x + kBars[i][0], y + kBars[i][1], kBars[i][2], kBars[i][3]);
@@ -42,7 +42,7 @@ void traceSegments(cairo_t* cr, unsigned segments, double x, double y) {
 void lampWithWord(Frame& frame, double lampX, std::string_view word, double wordX,
                   double tracking) {
   const bool on = frame.index == 1;
-  signalLamp(frame.canvas, {lampX, 7.0}, 3.2, on, srgb(palette::kLampOff), srgb(palette::kLampOn));
+  signalLamp(frame.canvas, {lampX, 7.0}, 2.8, on, srgb(palette::kLampOff), srgb(palette::kLampOn));
   const Mask letters =
       frame.lettering.line(frame.canvas, word, captionStyle(tracking), Align::Left, wordX, 11.0);
   if (on) frame.canvas.fill(letters.blurred(1.0), srgb(palette::kLampOn), 0.35);
@@ -77,19 +77,18 @@ void drawMidiChannel(Frame& frame) {
                      : frame.index > kChannels ? "ALL"
                                                : std::to_string(frame.index);
   Canvas& canvas = frame.canvas;
-  sinkWell(canvas, Slab{1, 1, 29, 13, 2}.mask(canvas), srgb(palette::kWell));
+  sinkWell(canvas, Slab{1, 0, 29, 14, 2.5}.mask(canvas), srgb(palette::kWell));
   constexpr double kCell = 8.0;
   constexpr double kLeft = 4.0;
-  constexpr double kTop = 3.0;
+  constexpr double kTop = 2.0;
   const std::size_t first = 3 - text.size();
   const Mask ghost = canvas.mask([&](cairo_t* cr) {
-    for (int i = 0; i < 3; ++i) traceSegments(cr, 0x7f, kLeft + kCell * i, kTop - 0.5);
+    for (int i = 0; i < 3; ++i) traceSegments(cr, 0x7f, kLeft + kCell * i, kTop);
     cairo_fill(cr);
   });
   const Mask lit = canvas.mask([&](cairo_t* cr) {
     for (std::size_t i = 0; i < text.size(); ++i) {
-      traceSegments(cr, segmentsOf(text[i]), kLeft + kCell * static_cast<double>(first + i),
-                    kTop - 0.5);
+      traceSegments(cr, segmentsOf(text[i]), kLeft + kCell * static_cast<double>(first + i), kTop);
     }
     cairo_fill(cr);
   });
@@ -120,9 +119,9 @@ void drawRocker(Frame& frame) {
   }
 }
 
-void drawSustainLamp(Frame& frame) { lampWithWord(frame, 8.5, "SUSTAIN", 15.0, 0.0); }
+void drawSustainLamp(Frame& frame) { lampWithWord(frame, 8.5, "SUSTAIN", 15.0, 0.05); }
 
-void drawModulationLamp(Frame& frame) { lampWithWord(frame, 5.5, "MOD WHEEL", 12.0, 0.0); }
+void drawModulationLamp(Frame& frame) { lampWithWord(frame, 4.0, "MOD WHEEL", 9.0, -0.1); }
 
 void drawMode(Frame& frame) {
   Canvas& canvas = frame.canvas;
@@ -140,9 +139,9 @@ void drawMode(Frame& frame) {
     bool on;
   };
   for (const Half& half :
-       {Half{"LOW CPU", 11.0, 41.0, !brilliant}, Half{"BRILLIANT", 80.0, 110.0, brilliant}}) {
+       {Half{"LOW CPU", 12.0, 40.0, !brilliant}, Half{"BRILLIANT", 78.0, 109.5, brilliant}}) {
     signalLamp(canvas, {half.lampX, 7.0}, 2.2, half.on, srgb(0x33240f), srgb(palette::kAmber));
-    const Mask letters = frame.lettering.line(canvas, half.word, headingStyle(1.0), Align::Centre,
+    const Mask letters = frame.lettering.line(canvas, half.word, headingStyle(0.0), Align::Centre,
                                               half.centre, 11.0);
     if (half.on) canvas.fill(letters.blurred(1.2), srgb(palette::kAmber), 0.35);
     print(canvas, letters, half.on ? srgb(0xffdf9e) : srgb(0x8a8070));

@@ -24,8 +24,8 @@ Slab slab(const Box& box, double radius) {
           static_cast<double>(box.right), static_cast<double>(box.bottom), radius};
 }
 
-LetterStyle captionStyle(double tracking) { return {Face::Caption, 10.0, tracking, true}; }
-LetterStyle headingStyle(double tracking) { return {Face::CaptionBold, 10.0, tracking, true}; }
+LetterStyle captionStyle(double tracking) { return {Face::Caption, 9.5, tracking, true}; }
+LetterStyle headingStyle(double tracking) { return {Face::CaptionBold, 9.5, tracking, true}; }
 
 void print(Canvas& canvas, const Mask& letters, const Colour& colour, double opacity) {
   canvas.fill(letters.moved(0, 1), {}, 0.6 * opacity);
@@ -81,7 +81,8 @@ void signalLamp(Canvas& canvas, Point centre, double radius, bool on, const Colo
   if (on) {
     canvas.shade(box, [&](Point p, Colour& colour, double& cover) {
       const double r = std::hypot(p.x - centre.x, p.y - centre.y) / radius;
-      cover = 0.55 * std::pow(1.0 - smoothstep(0.8, 2.3, r), 1.6);
+      const double margin = std::min({p.x, canvas.width() - p.x, p.y, canvas.height() - p.y});
+      cover = 0.55 * std::pow(1.0 - smoothstep(0.8, 2.3, r), 1.6) * smoothstep(0.0, 2.5, margin);
       colour = lit;
     });
   }
@@ -130,6 +131,31 @@ void screw(Canvas& canvas, Point centre, double radius, double slotDegrees) {
     const double slot = clamp01((0.22 * radius - aside) * edge + 0.5) * (r < 0.95 ? 1.0 : 0.0);
     colour = mix(colour, srgb(0x1c1206), 0.9 * slot);
   });
+}
+
+void layPlate(Canvas& canvas, const Slab& place, double shineTop, double shineBottom) {
+  const Mask plate = place.mask(canvas);
+  canvas.fill(plate.moved(1.2, 1.8).blurred(1.4), {}, 0.8);
+  canvas.fill(plate.moved(0, 1).without(plate), {}, 0.6);
+  const double height = place.bottom - place.top;
+  const double width = place.right - place.left;
+  canvas.paint(plate, [&](Point p) {
+    const double t = (p.y - place.top) / height;
+    // A soft reflection of the lamp runs slantwise over the metal.
+    const double slant = (p.x - place.left) / width - 0.25 * t;
+    const double sheen = std::exp(-std::pow((slant - 0.22) / 0.20, 2.0));
+    return brushedBrass(p, mix(shineTop, shineBottom, t) + 0.22 * sheen);
+  });
+  canvas.fill(plate.without(plate.moved(0, 1)), srgb(0xffe9b0), 0.75);
+  canvas.fill(plate.without(plate.moved(1, 0)), srgb(0xffe9b0), 0.40);
+  canvas.fill(plate.without(plate.moved(0, -1)), srgb(0x2c1e08), 0.75);
+  canvas.fill(plate.without(plate.moved(-1, 0)), srgb(0x2c1e08), 0.55);
+}
+
+void engrave(Canvas& canvas, const Mask& letters) {
+  canvas.fill(letters.moved(0.5, 1.0).without(letters), srgb(0xfff0bd), 0.75);
+  canvas.fill(letters, srgb(0x241704), 0.94);
+  canvas.fill(letters.without(letters.moved(0.5, 1.0)), {}, 0.5);
 }
 
 } // namespace qlx::artwork

@@ -24,7 +24,7 @@ struct Slab {
 Slab slab(const Box& box, double radius);
 
 /// The set of small print.
-LetterStyle captionStyle(double tracking = 0.0);
+LetterStyle captionStyle(double tracking = 0.05);
 LetterStyle headingStyle(double tracking = 1.0);
 
 /// Prints a mask in one colour with the dark edge of engraving one pixel below it.
@@ -46,5 +46,12 @@ void signalLamp(Canvas& canvas, Point centre, double radius, bool on, const Colo
 
 /// A slotted brass screw head.
 void screw(Canvas& canvas, Point centre, double radius, double slotDegrees);
+
+/// A brass plate lying on what is there: its shadow, the brushed metal, a bevel all round.
+/// The shine runs from top to bottom, 0 shade to 1 full light.
+void layPlate(Canvas& canvas, const Slab& place, double shineTop, double shineBottom);
+
+/// Cuts letters into brass: dark inside, the lower edge catching the light.
+void engrave(Canvas& canvas, const Mask& letters);
 
 } // namespace qlx::artwork

@@ -20,26 +20,33 @@ void drawKey(Frame& frame, Point origin, const std::function<void(cairo_t*)>& tr
   const Slab frameSlab{origin.x - 0.5, origin.y - 0.5, origin.x + kWidth + 0.5,
                        origin.y + kHeight + 2.0, 3.0};
   canvas.fill(frameSlab.mask(canvas), srgb(0x050404));
-  const Slab key{origin.x, origin.y + sink, origin.x + kWidth, origin.y + kHeight + sink - 0.5,
-                 2.5};
-  const Mask body = key.mask(canvas);
-  if (!pressed) canvas.fill(body.moved(0.8, 1.6).blurred(0.7), {}, 0.7);
+  // The front face shows below the top one while the key stands proud.
+  const double front = pressed ? 1.5 : 3.5;
+  const Slab whole{origin.x, origin.y + sink, origin.x + kWidth, origin.y + kHeight, 2.5};
+  const Slab key{whole.left, whole.top, whole.right, origin.y + kHeight + 1.0 - 3.5 + sink, 2.5};
   const Material bone = ivory();
+  const Mask body = whole.mask(canvas);
+  if (!pressed) canvas.fill(body.moved(0.8, 1.6).blurred(0.7), {}, 0.7);
   canvas.paint(body, [&](Point p) {
+    const double t = clamp01((p.y - (whole.bottom - front)) / front);
+    return lit(bone, unit({0.0, 1.0, 0.9}), mix(0.85, 0.45, t));
+  });
+  const Mask top = key.mask(canvas).within(body);
+  canvas.paint(top, [&](Point p) {
     // A shallow dish across, rounded away at the edges.
     const double u = (p.x - key.left) / kWidth * 2.0 - 1.0;
     const double v = (p.y - key.top) / (key.bottom - key.top) * 2.0 - 1.0;
     auto lean = [](double t) {
-      return -0.28 * t + 1.1 * std::copysign(smoothstep(0.78, 1.0, std::abs(t)), t);
+      return -0.25 * t + 0.9 * std::copysign(smoothstep(0.80, 1.0, std::abs(t)), t);
     };
-    const Direction normal = unit({lean(u), lean(v) * 0.9 + (pressed ? 0.22 : -0.06), 1.0});
+    const Direction normal = unit({lean(u), lean(v) + (pressed ? 0.22 : -0.06), 1.0});
     return lit(bone, normal, pressed ? 0.72 : 0.95);
   });
   const Mask mark = canvas.mask([&](cairo_t* cr) {
     cairo_translate(cr, 0.0, sink);
     traceMark(cr);
   });
-  canvas.fill(mark.moved(0.5, 1.0).without(mark), srgb(0xfffaf0), 0.6);
+  canvas.fill(mark.moved(0.25, 0.75).without(mark), srgb(0xfffaf0), 0.55);
   canvas.fill(mark, srgb(0x2a1c12), 0.92);
   if (pressed) {
     const Mask line = Slab{key.left + 2, key.top, key.right - 2, key.top + 1.0, 0.4}.mask(canvas);

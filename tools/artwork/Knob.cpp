@@ -8,9 +8,10 @@ namespace qlx::artwork {
 namespace {
 
 constexpr double kCentre = 22.0;
-constexpr double kDomeRadius = 14.6;
+constexpr double kDomeRadius = 13.8;
 constexpr double kBodyRadius = 17.0;
 constexpr double kSkirtRadius = 19.5;
+constexpr double kDomeFall = 0.38; // radians, where the dome turns into the body's edge
 constexpr int kFlutes = 45;
 constexpr double kFluteDepth = 0.22;
 constexpr double kPointerFrom = 7.0;
@@ -28,10 +29,10 @@ struct Relief {
 };
 
 Relief relief(double radius, double angle) {
-  if (radius < kDomeRadius) return {0.50 * radius / kDomeRadius, 0.0, 1.0};
+  if (radius < kDomeRadius) return {kDomeFall * radius / kDomeRadius, 0.0, 1.0};
   if (radius < kBodyRadius) {
     const double t = (radius - kDomeRadius) / (kBodyRadius - kDomeRadius);
-    return {mix(0.50, 1.22, t), 0.0, 1.0};
+    return {mix(kDomeFall, 1.30, t), 0.0, 1.0};
   }
   // The skirt: flutes that fade in from a groove under the body.
   const double t = (radius - kBodyRadius) / (kSkirtRadius - kBodyRadius);
@@ -54,7 +55,9 @@ void drawKnob(Frame& frame) {
   const double degrees = kTravelDegrees * (static_cast<double>(frame.index) / (kFrames - 1) - 0.5);
   const double turn = degrees * std::numbers::pi / 180.0;
   const double edge = frame.canvas.density();
-  const Material body = bakelite();
+  Material body = bakelite();
+  body.roughness = 0.13;
+  body.mirror = {0.10, 0.095, 0.088};
   Material inlay = ivory();
   inlay.mirror = {0.02, 0.02, 0.02};
 

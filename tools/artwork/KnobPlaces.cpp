@@ -10,8 +10,8 @@ namespace qlx::artwork {
 namespace {
 
 constexpr double kSeatRadius = 20.0;
-constexpr double kTickFrom = 20.4;
-constexpr double kTickTo = 22.0;
+constexpr double kTickFrom = 20.2;
+constexpr double kTickTo = 22.3;
 constexpr int kCaptionGap = 4; // from a caption's baseline to its knob
 
 void drawSeat(Canvas& canvas, const Box& knob) {
@@ -39,7 +39,7 @@ void drawSeat(Canvas& canvas, const Box& knob) {
 
 void drawTicks(Canvas& canvas, const layout::KnobPlace& place) {
   const Mask ticks = canvas.mask(place.knob.grown(1), [&](cairo_t* cr) {
-    cairo_set_line_width(cr, 1.0);
+    cairo_set_line_width(cr, 1.5);
     cairo_translate(cr, place.knob.centreX(), place.knob.centreY());
     for (int i = 0; i < place.marks; ++i) {
       const double turn = mix(place.low, place.high, static_cast<double>(i) / (place.marks - 1));
@@ -49,7 +49,7 @@ void drawTicks(Canvas& canvas, const layout::KnobPlace& place) {
     }
     cairo_stroke(cr);
   });
-  canvas.fill(ticks, srgb(palette::kIvory), 0.9);
+  canvas.fill(ticks, srgb(palette::kIvory));
 }
 
 /// The wells: displays that overlap share one.
@@ -86,15 +86,15 @@ void drawKnobPlaces(Frame& frame) {
   }
 }
 
-void drawRule(Frame& frame, int left, int right, int y, const char* name) {
+void drawRule(Frame& frame, int left, int right, int y, const char* name, double tracking) {
   constexpr double kNameGap = 5.0;
-  constexpr double kDrop = 3.0;
+  constexpr double kDrop = 2.0;
   Canvas& canvas = frame.canvas;
   double gapLeft = 0.5 * (left + right);
   double gapRight = gapLeft;
   const Colour colour = srgb(palette::kBrass);
   if (name != nullptr) {
-    const LetterStyle style = headingStyle(1.0);
+    const LetterStyle style = headingStyle(tracking);
     const double width = frame.lettering.extent(name, style, canvas.scale()).width();
     gapLeft -= 0.5 * width + kNameGap;
     gapRight += 0.5 * width + kNameGap;
@@ -104,11 +104,16 @@ void drawRule(Frame& frame, int left, int right, int y, const char* name) {
           mix(colour, srgb(palette::kBrassLit), 0.35));
   }
   const Mask rule = canvas.mask({left, y, right, y + 5}, [&](cairo_t* cr) {
-    if (gapLeft > left) cairo_rectangle(cr, left, y, std::floor(gapLeft) - left, 1.0);
-    if (gapRight < right)
-      cairo_rectangle(cr, std::ceil(gapRight), y, right - std::ceil(gapRight), 1.0);
-    if (gapLeft > left) cairo_rectangle(cr, left, y, 1.0, kDrop);
-    if (gapRight < right) cairo_rectangle(cr, right - 1.0, y, 1.0, kDrop);
+    const double leftEnd = std::floor(gapLeft);
+    const double rightStart = std::max(leftEnd, std::floor(gapRight + 0.5));
+    if (leftEnd > left) {
+      cairo_rectangle(cr, left, y, leftEnd - left, 1.0);
+      cairo_rectangle(cr, left, y + 1.0, 1.0, kDrop);
+    }
+    if (rightStart < right) {
+      cairo_rectangle(cr, rightStart, y, right - rightStart, 1.0);
+      cairo_rectangle(cr, right - 1.0, y + 1.0, 1.0, kDrop);
+    }
     cairo_fill(cr);
   });
   print(canvas, rule, colour, 0.85);
@@ -120,6 +125,7 @@ void drawGroups(Frame& frame) {
     int right;
     int y;
     const char* name;
+    double tracking = 1.0;
   };
   constexpr std::array<Group, 13> kGroups{{
       {20, 109, 36, nullptr},
@@ -127,9 +133,9 @@ void drawGroups(Frame& frame) {
       {248, 382, 36, nullptr},
       {16, 60, 184, nullptr},
       {74, 253, 184, "TONE"},
-      {269, 313, 184, "MICROPHONES"},
-      {20, 154, 285, "AMPLIFIER"},
-      {178, 312, 285, "ROOM"},
+      {269, 313, 184, "MICROPHONES", 0.0},
+      {20, 154, 283, "AMPLIFIER"},
+      {178, 312, 283, "ROOM"},
       {20, 109, 428, nullptr},
       {134, 223, 428, nullptr},
       {248, 382, 428, nullptr},
@@ -137,7 +143,7 @@ void drawGroups(Frame& frame) {
       {8, 183, 529, "MIDI"},
   }};
   for (const Group& group : kGroups) {
-    drawRule(frame, group.left, group.right, group.y, group.name);
+    drawRule(frame, group.left, group.right, group.y, group.name, group.tracking);
   }
 }
 

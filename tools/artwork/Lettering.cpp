@@ -15,6 +15,15 @@ constexpr std::array<const char*, 4> kFiles = {
     "RobotoCondensed-Regular.ttf", "RobotoCondensed-Bold.ttf", "texgyreadventor-bold.otf",
     "LiberationSans-Regular.ttf"};
 
+constexpr double kPixel = 64.0;   // font units of a finished pixel
+constexpr double kOverhang = 0.3; // how far, in pixels, a letter may reach into the next pixel
+
+FT_BBox boxOf(FT_Outline& outline) {
+  FT_BBox box{};
+  if (outline.n_points > 0) FT_Outline_Get_CBox(&outline, &box);
+  return box;
+}
+
 /// Receives a glyph's outline: font units of 1/64 finished pixel, y up.
 struct PathSink {
   cairo_t* cr;
@@ -74,18 +83,48 @@ struct Lettering::Library {
                     const Visit& visit) {
     FT_Face face = faces[static_cast<std::size_t>(style.face)];
     FT_Set_Char_Size(face, 0, std::lround(style.size * scale * 64.0), 72, 72);
-    const FT_Int32 flags = style.fitted
-                               ? FT_LOAD_NO_BITMAP | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL
-                               : FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING;
+    const double tracking = style.tracking * scale * kPixel;
     double pen = 0.0;
-    for (const char letter : text) {
-      if (FT_Load_Char(face, static_cast<unsigned char>(letter), flags) != 0) {
+    double inkRight = 0.0;   // end of the pixels that the letter before touches
+    double inkEdge = 0.0;    // where its ink itself ends
+    double rightSpace = 0.0; // designed white to that letter's right
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      const auto letter = static_cast<FT_ULong>(static_cast<unsigned char>(text[i]));
+      if (FT_Load_Char(face, letter, FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING) != 0) {
         throw std::runtime_error("a letter is missing in a font");
       }
-      visit(face->glyph->outline, pen);
       const double advance = static_cast<double>(face->glyph->advance.x);
-      pen += (style.fitted ? std::round(advance / 64.0) * 64.0 : advance) +
-             style.tracking * scale * 64.0;
+      if (!style.fitted) {
+        visit(face->glyph->outline, pen);
+        pen += advance + tracking;
+        continue;
+      }
+      const FT_BBox designed = boxOf(face->glyph->outline);
+      if (FT_Load_Char(face, letter,
+                       FT_LOAD_NO_BITMAP | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL) != 0) {
+        throw std::runtime_error("a letter is missing in a font");
+      }
+      const FT_BBox ink = boxOf(face->glyph->outline);
+      if (face->glyph->outline.n_points == 0) {
+        rightSpace += advance + tracking;
+        continue;
+      }
+      const double inkLeft =
+          std::floor(static_cast<double>(ink.xMin) / kPixel + kOverhang) * kPixel;
+      if (i > 0) {
+        // The white between two letters is whole pixels, as the stems are; none at all only
+        // where the two shapes recede from each other by themselves.
+        const double recess = inkRight - inkEdge + static_cast<double>(ink.xMin) - inkLeft;
+        const bool receding = recess > 0.45 * kPixel;
+        const double white = rightSpace + static_cast<double>(designed.xMin) + tracking -
+                             (receding ? 0.1 * kPixel : 0.0);
+        const double least = receding ? 0.0 : 1.0;
+        pen = inkRight + std::max(least, std::round(white / kPixel)) * kPixel - inkLeft;
+      }
+      visit(face->glyph->outline, pen);
+      inkEdge = pen + static_cast<double>(ink.xMax);
+      inkRight = pen + std::ceil(static_cast<double>(ink.xMax) / kPixel - kOverhang) * kPixel;
+      rightSpace = advance - static_cast<double>(designed.xMax);
     }
   }
 };
@@ -109,8 +148,7 @@ Lettering::Extent Lettering::extent(std::string_view text, const LetterStyle& st
   Extent extent{std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest()};
   m_library->forEachGlyph(text, style, scale, [&](FT_Outline& outline, double pen) {
     if (outline.n_points == 0) return;
-    FT_BBox box;
-    FT_Outline_Get_CBox(&outline, &box);
+    const FT_BBox box = boxOf(outline);
     extent.left = std::min(extent.left, pen + static_cast<double>(box.xMin));
     extent.right = std::max(extent.right, pen + static_cast<double>(box.xMax));
   });

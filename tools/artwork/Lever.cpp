@@ -63,7 +63,16 @@ Hit hitRod(const Pose& pose, Point p, double radius, double from, double to) {
   if (along < from || along > to) return {};
   const double height = -kAxisDepth + pose.cosine * along + radius * bulge * across.z;
   if (height < 0.0 && slotDistance(p) > 0.0) return {};
-  return {true, unit({aside, bulge * across.y, bulge * across.z}), along};
+  // A slim rod mirrors the whole room in a few pixels: its shading keeps only part of the arm's
+  // tilt, so that the lamp's streak stays on it in every position.
+  const double tilt = mix(bulge * across.y, -0.32, 0.8);
+  return {true, unit({aside, tilt, bulge * std::max(0.6, across.z)}), along};
+}
+
+/// What a chromed surface mirrors of the brass plate around the slot.
+Colour plateSeenIn(const Direction& normal) {
+  const double towardsPlate = 1.0 - 2.0 * normal.z * normal.z;
+  return srgb(palette::kBrass) * (0.5 * smoothstep(0.1, 0.9, towardsPlate));
 }
 
 /// Share of the lamp that the lever hides from a point of the panel.
@@ -127,13 +136,14 @@ void drawLever(Frame& frame) {
           smoothstep(kArmLength - kBallRadius - 14.0, kArmLength - kBallRadius, hit.along);
       const double far =
           smoothstep(kAxisDepth / pose.cosine + 5.0, kAxisDepth / pose.cosine - 2.0, hit.along);
-      colour = lit(metal, hit.normal, (1.0 - 0.6 * near) * (1.0 - 0.75 * far));
+      colour = (lit(metal, hit.normal) + plateSeenIn(hit.normal)) *
+               ((1.0 - 0.6 * near) * (1.0 - 0.75 * far));
     });
   }
   Material ball = bakelite();
   ball.body = srgb(palette::kBakeliteDark);
-  ball.mirror = {0.05, 0.05, 0.05};
-  ball.roughness = 0.06;
+  ball.mirror = {0.075, 0.073, 0.07};
+  ball.roughness = 0.10;
   ball.grazing = 0.55;
   frame.canvas.shade(all, [&](Point p, Colour& colour, double& cover) {
     const double x = (p.x - kAxisX) / kBallRadius;

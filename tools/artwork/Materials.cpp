@@ -30,7 +30,7 @@ Colour walnut(double along, double across, std::uint32_t piece) {
   const double rings = noise(along * 0.004, (across + 3.0 * sway) * 0.22, field + 4);
   const double fine = noise(along * 0.016, (across + 2.0 * sway) * 0.95, field + 5);
   const double fibre = noise(along * 0.07, across * 2.9, field + 6);
-  double tone = 0.46 + 0.42 * rings + 0.24 * fine + 0.13 * fibre;
+  double tone = 0.58 + 0.42 * rings + 0.26 * fine + 0.15 * fibre;
   // Pores: short dark dashes along the grain.
   const double pore = noise(along * 0.16, across * 1.9, field + 7);
   tone -= 0.55 * smoothstep(0.42, 0.75, pore);
@@ -48,7 +48,7 @@ Colour crackle(Point p) {
   const double slopeY = (wrinkle(p.x, p.y + kReach) - here) / kReach;
   // The slope that faces the lamp is lighter by up to some four levels of 255.
   const double facing = -(slopeX * kLamp.x + slopeY * kLamp.y);
-  const double falling = 1.0 - 0.00055 * (p.x + 0.8 * p.y);
+  const double falling = 1.22 - 0.00075 * (p.x + 0.8 * p.y);
   const double tone = falling * (1.0 + 0.20 * std::clamp(facing, -1.6, 2.2) + 0.05 * here);
   return srgb(palette::kSteel) * tone;
 }

@@ -10,33 +10,6 @@ namespace {
 
 using Align = Lettering::Align;
 
-/// A plate lying on the panel: its shadow, the brushed metal, a bevel all round.
-void layPlate(Canvas& canvas, const Slab& place, double shineTop, double shineBottom) {
-  const Mask plate = place.mask(canvas);
-  canvas.fill(plate.moved(1.2, 1.8).blurred(1.4), {}, 0.8);
-  canvas.fill(plate.moved(0, 1).without(plate), {}, 0.6);
-  const double height = place.bottom - place.top;
-  const double width = place.right - place.left;
-  canvas.paint(plate, [&](Point p) {
-    const double t = (p.y - place.top) / height;
-    // A soft reflection of the lamp runs slantwise over the metal.
-    const double slant = (p.x - place.left) / width - 0.25 * t;
-    const double sheen = std::exp(-std::pow((slant - 0.22) / 0.20, 2.0));
-    return brushedBrass(p, mix(shineTop, shineBottom, t) + 0.22 * sheen);
-  });
-  canvas.fill(plate.without(plate.moved(0, 1)), srgb(0xffe9b0), 0.75);
-  canvas.fill(plate.without(plate.moved(1, 0)), srgb(0xffe9b0), 0.40);
-  canvas.fill(plate.without(plate.moved(0, -1)), srgb(0x2c1e08), 0.75);
-  canvas.fill(plate.without(plate.moved(-1, 0)), srgb(0x2c1e08), 0.55);
-}
-
-/// Cuts letters into brass: dark inside, the lower edge catching the light.
-void engrave(Canvas& canvas, const Mask& letters) {
-  canvas.fill(letters.moved(0.5, 1.0).without(letters), srgb(0xfff0bd), 0.75);
-  canvas.fill(letters, srgb(0x241704), 0.94);
-  canvas.fill(letters.without(letters.moved(0.5, 1.0)), {}, 0.5);
-}
-
 void drawHornEmblem(Canvas& canvas, double x, double y) {
   // The mouth of a horn, seen from the side.
   const Mask mark = canvas.mask([&](cairo_t* cr) {
@@ -55,19 +28,25 @@ void drawHornEmblem(Canvas& canvas, double x, double y) {
 }
 
 void drawDrumEmblem(Canvas& canvas, double x, double y) {
-  // A drum from above with its scoop.
-  const Mask drum = canvas.mask([&](cairo_t* cr) {
-    cairo_arc(cr, x + 6.0, y, 5.5, 0.0, 2.0 * std::numbers::pi);
-    cairo_fill(cr);
-  });
-  const Mask scoop = canvas.mask([&](cairo_t* cr) {
-    cairo_move_to(cr, x + 6.0, y + 4.0);
-    cairo_curve_to(cr, x + 6.0, y - 0.5, x + 9.0, y - 2.5, x + 12.0, y - 2.5);
-    cairo_line_to(cr, x + 12.0, y + 4.0);
+  // A drum from above: its wall, and the solid half that the scoop leaves.
+  const Mask mark = canvas.mask([&](cairo_t* cr) {
+    cairo_set_line_width(cr, 1.2);
+    cairo_arc(cr, x + 6.0, y, 4.9, 0.0, 2.0 * std::numbers::pi);
+    cairo_stroke(cr);
+    cairo_arc(cr, x + 6.0, y, 4.9, 0.25 * std::numbers::pi, 1.25 * std::numbers::pi);
+    cairo_curve_to(cr, x + 5.0, y - 2.0, x + 4.5, y + 2.5, x + 9.5, y + 3.5);
     cairo_close_path(cr);
     cairo_fill(cr);
   });
-  print(canvas, drum.without(scoop), srgb(palette::kBrass));
+  print(canvas, mark, srgb(palette::kBrass));
+}
+
+/// The opening of a slot pressed into the panel, its lips already drawn.
+Mask pressedSlot(Canvas& canvas, const Slab& place) {
+  const Mask opening = place.mask(canvas);
+  canvas.fill(opening.moved(0, 1).without(opening), srgb(0x4a4541), 0.8);
+  canvas.fill(opening.moved(0, -1.5).blurred(0.8).without(opening), {}, 0.6);
+  return opening;
 }
 
 void drawRotorWindow(Frame& frame, const Box& slot, const char* name) {
@@ -120,21 +99,26 @@ void drawNamePlate(Frame& frame) {
 }
 
 void drawVents(Frame& frame) {
-  // Five louvres pressed into the panel; a little of the valves' warmth shows in them.
   Canvas& canvas = frame.canvas;
-  for (int i = 0; i < 5; ++i) {
-    const double y = 140.0 + 8.0 * i;
-    const Slab slot{204.0, y, 308.0, y + 4.0, 2.0};
-    const Mask opening = slot.mask(canvas);
-    canvas.fill(opening.moved(0, 1).without(opening), srgb(0x4a4541), 0.8);
-    canvas.fill(opening.moved(0, -1.5).blurred(0.8).without(opening), {}, 0.6);
+  // Louvres beside the plate, where the valves' warmth shows.
+  for (double y = 140.0; y < 176.0; y += 8.0) {
+    const Mask opening = pressedSlot(canvas, {204.0, y, 308.0, y + 4.0, 2.0});
     canvas.paint(opening, [&](Point p) {
       auto valve = [&](double x) {
         return std::exp(-std::pow((p.x - x) / 11.0, 2.0) - std::pow((p.y - 160.0) / 14.0, 2.0));
       };
-      const double warmth = valve(236.0) + valve(276.0);
-      return mix(srgb(0x060504), srgb(0x7a3410), 0.8 * warmth * smoothstep(y, y + 3.0, p.y));
+      const double warmth = (valve(236.0) + valve(276.0)) * smoothstep(y, y + 3.0, p.y);
+      return mix(srgb(0x060504), srgb(0x8a3c12), 0.85 * warmth);
     });
+  }
+  // Two rows of short slots along the foot let the air in.
+  for (int i = 0; i < 18; ++i) {
+    for (const int row : {0, 1}) {
+      if (row == 1 && i == 17) continue;
+      const double left = 21.0 + 16.4 * i + 8.2 * row;
+      const double y = 371.0 + 8.0 * row;
+      canvas.fill(pressedSlot(canvas, {left, y, left + 10.0, y + 4.0, 2.0}), srgb(0x050404));
+    }
   }
 }
 
@@ -144,8 +128,14 @@ void drawLeverField(Frame& frame) {
   constexpr double kArm = 88.7;
   const double centreX = layout::kLever.centreX();
   layPlate(canvas, {centreX - 20.5, 166.0, centreX + 20.5, 322.0, 6.0}, 0.50, 0.30);
-  screw(canvas, {centreX, 172.5}, 2.8, 60.0);
-  screw(canvas, {centreX, 315.5}, 2.8, 150.0);
+  // An engraved line runs round it.
+  engrave(canvas, canvas.mask(layout::kLever, [&](cairo_t* cr) {
+    roundedRectangle(cr, centreX - 17.0, 169.5, centreX + 17.0, 318.5, 3.5);
+    cairo_set_line_width(cr, 1.0);
+    cairo_stroke(cr);
+  }));
+  screw(canvas, {centreX, 175.5}, 2.8, 60.0);
+  screw(canvas, {centreX, 312.5}, 2.8, 150.0);
   print(canvas,
         frame.lettering.line(canvas, "TREMOLO", captionStyle(), Align::Centre, centreX, 161.0),
         srgb(palette::kIvory));
@@ -178,7 +168,7 @@ void drawBottomBar(Frame& frame) {
   seat(38.0, 69.0, 3.0);
   seat(195.0, 335.0, 3.5);
   seat(340.0, 396.0, 3.5);
-  const Slab channel{7.0, 537.0, 35.0, 549.0, 2.0};
+  const Slab channel{7.0, 536.0, 35.0, 550.0, 2.5};
   sinkWell(canvas, channel.mask(canvas), srgb(palette::kWell));
 }
 

@@ -32,7 +32,7 @@ void drawBottomBar(Frame& frame);
 void drawPresetStrip(Frame& frame);
 
 /// A brass rule from x to x at row y, its ends turned down, broken by a name in the middle when
-/// there is one.
-void drawRule(Frame& frame, int left, int right, int y, const char* name);
+/// there is one. `tracking` is the space between its letters.
+void drawRule(Frame& frame, int left, int right, int y, const char* name, double tracking);
 
 } // namespace qlx::artwork

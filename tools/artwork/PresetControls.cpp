@@ -28,7 +28,7 @@ void traceDownArrow(cairo_t* cr, double x, double y, double shaft) {
 void wordCap(Frame& frame, double width, std::string_view word) {
   Canvas& canvas = frame.canvas;
   const Mask letters =
-      frame.lettering.line(canvas, word, headingStyle(0.0), Align::Centre, width / 2.0, 8.0);
+      frame.lettering.line(canvas, word, headingStyle(0.0), Align::Centre, width / 2.0, 9.0);
   pushCap(canvas, {0.0, -1.0, width, 11.0, 1.0}, stateOf(frame), letters);
 }
 
@@ -67,21 +67,26 @@ void drawLoad(Frame& frame) {
 }
 
 void drawSave(Frame& frame) {
-  // A disk with the arrow cut out of it.
+  // A floppy disk: shutter above, label below.
   const Mask disk = frame.canvas.mask([](cairo_t* cr) {
     cairo_move_to(cr, 2.0, 3.0);
-    cairo_line_to(cr, 8.5, 3.0);
-    cairo_line_to(cr, 10.0, 4.5);
+    cairo_line_to(cr, 9.0, 3.0);
+    cairo_line_to(cr, 10.0, 4.0);
     cairo_line_to(cr, 10.0, 11.0);
     cairo_line_to(cr, 2.0, 11.0);
     cairo_close_path(cr);
     cairo_fill(cr);
   });
-  const Mask arrow = frame.canvas.mask([](cairo_t* cr) {
-    traceDownArrow(cr, 6.0, 9.8, 3.8);
+  const Mask cuts = frame.canvas.mask([](cairo_t* cr) {
+    cairo_rectangle(cr, 4.0, 3.0, 4.0, 2.0);
+    cairo_rectangle(cr, 3.0, 7.0, 6.0, 3.0);
     cairo_fill(cr);
   });
-  pushCap(frame.canvas, kSmallCap, stateOf(frame), disk.without(arrow));
+  const Mask shutter = frame.canvas.mask([](cairo_t* cr) {
+    cairo_rectangle(cr, 6.0, 3.0, 1.0, 2.0);
+    cairo_fill(cr);
+  });
+  pushCap(frame.canvas, kSmallCap, stateOf(frame), disk.without(cuts.without(shutter)));
 }
 
 void drawBankDefault(Frame& frame) { wordCap(frame, 37.0, "BANK"); }

@@ -14,7 +14,7 @@ namespace {
 /// Text in the displays and the name field, as the editor sets it.
 void writeTexts(Picture& window, const Lettering& lettering) {
   Canvas texts(window.width(), window.height(), 1);
-  const LetterStyle small{Face::Text, 9.0, 0.0, true};
+  const LetterStyle small{Face::Text, 9.0, 0.0, false};
   constexpr std::array<const char*, 4> kSamples{"5.00 Hz", "500 ms", "0.0 dB", "2.00 kHz"};
   for (const auto& place : layout::kKnobs) {
     const char* sample =
@@ -28,7 +28,7 @@ void writeTexts(Picture& window, const Lettering& lettering) {
                  {1, 1, 1});
     }
   }
-  texts.fill(lettering.line(texts, "Jazz Club Front", {Face::Text, 11.0, 0.0, true},
+  texts.fill(lettering.line(texts, "Jazz Club Front", {Face::Text, 11.0, 0.0, false},
                             Lettering::Align::Centre, layout::kName.centreX(), 565.0),
              srgb(palette::kInk));
   window.composite(texts.finished(), 0, window.width(), window.height(), 0, 0);

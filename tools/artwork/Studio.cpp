@@ -10,7 +10,7 @@ Colour room(const Direction& from, double roughness) {
   const double u = dot(from, kAcross);
   const double v = dot(from, kAlong);
   const double soft = 0.06 + 0.55 * roughness;
-  const double size = 0.30;
+  const double size = 0.38;
   const double box = towards > 0.0 ? (1.0 - smoothstep(size - soft, size + soft, std::abs(u))) *
                                          (1.0 - smoothstep(size - soft, size + soft, std::abs(v)))
                                    : 0.0;
