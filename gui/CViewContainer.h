@@ -28,7 +28,7 @@ class CViewContainer : public CView {
     insertView(std::move(view));
     return added;
   }
-  /// Takes a view out. Null when it isn't in here.
+  /// Takes a view out; not from its own handlers. Null when it isn't in here.
   std::unique_ptr<CView> removeView(CView& view);
   void removeAllViews();
 
