@@ -3,8 +3,11 @@
 #include <cstdio>
 #include <type_traits>
 
+#include "gui/CFrame.h"
 #include "platform/Files.h"
 #include "presets/CPresetSystemEffect.h"
+#include "presets/CutText.h"
+#include "presets/PresetPanelView.h"
 
 namespace qlx::presets {
 namespace {
@@ -27,22 +30,29 @@ std::string nameOf(const PresetSlot& slot) { return std::string(slot.nameText())
 
 CPresetSystemEditor::CPresetSystemEditor(CPresetSystemEffect& effect,
                                          std::shared_ptr<platform::SettingsStore> settings,
-                                         std::unique_ptr<platform::FileSelector> files)
+                                         std::unique_ptr<platform::FileSelector> files,
+                                         std::unique_ptr<platform::DocumentOpener> documents)
     : AEffGUIEditor(&effect), m_store(effect),
       m_settings(std::move(settings)), m_locations{platform::currentDirectory(), {}, {}},
-      m_dialog(std::move(files)) {}
+      m_dialog(std::move(files)), m_documents(std::move(documents)) {}
 
 CPresetSystemEditor::~CPresetSystemEditor() { CPresetSystemEditor::saveFileLocations(); }
 
 void CPresetSystemEditor::close() {
   m_dialog.dismiss();
+  if (m_documents != nullptr) m_documents->cancel();
+  m_openingManual = false;
   setPanel(nullptr);
+  m_panelView = nullptr;
 }
 
 void CPresetSystemEditor::idle() {
   if (panel() == nullptr) return;
   if (m_panelOutdated.exchange(false, std::memory_order_relaxed)) refreshPanel();
   if (const auto choice = m_dialog.poll(m_locations)) carryOut(*choice);
+  pollUserManual();
+  // A host may close the window from inside a call that the frame's events lead to.
+  if (const std::shared_ptr<gui::CFrame> frame = m_frame) frame->idle();
 }
 
 void CPresetSystemEditor::setPanel(PresetPanel* panel) {
@@ -54,7 +64,7 @@ void CPresetSystemEditor::setPanel(PresetPanel* panel) {
 }
 
 PresetPanel* CPresetSystemEditor::panel() {
-  if (m_panelThread.load(std::memory_order_relaxed) == std::this_thread::get_id()) return m_panel;
+  if (isWindowThread()) return m_panel;
   m_panelOutdated.store(true, std::memory_order_relaxed);
   return nullptr;
 }
@@ -62,7 +72,7 @@ PresetPanel* CPresetSystemEditor::panel() {
 void CPresetSystemEditor::showPresetName(const std::string& name) {
   if (PresetPanel* const shown = panel()) {
     shown->setNameField(name);
-    shown->setCurrentEntryTitle(name.substr(0, kPresetNameBytes));
+    shown->setCurrentEntryTitle(std::string(cutText(name, kPresetNameBytes)));
   }
 }
 

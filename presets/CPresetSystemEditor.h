@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include "gui/CControlListener.h"
+#include "platform/DocumentOpener.h"
 #include "platform/FileSelector.h"
 #include "platform/SettingsStore.h"
 #include "presets/PersistentSettings.h"
@@ -13,29 +15,42 @@
 #include "presets/PresetPanel.h"
 #include "sdk/AEffGUIEditor.h"
 
+namespace qlx::gui {
+class CFrame;
+} // namespace qlx::gui
+
 namespace qlx::presets {
 
 class CPresetSystemEffect;
+class PresetPanelView;
 
 /// The editor's half of the preset system: images of the store's slots, files, stored settings, and
 /// the preset manager panel kept in step. Works with the window closed; only the file dialogs need
 /// it open. For the host's user-interface thread, but a host that hands over state on another
 /// thread gets a panel that follows at the next idle.
-class CPresetSystemEditor : public sdk::AEffGUIEditor {
+class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListener {
  public:
   /// @param effect the store; outlives the editor except while this is being destroyed
   /// @param settings shared by instances in one process at will
   /// @param files null: no file dialogs on this system
+  /// @param documents null: no documents can be opened on this system
   CPresetSystemEditor(CPresetSystemEffect& effect,
                       std::shared_ptr<platform::SettingsStore> settings,
-                      std::unique_ptr<platform::FileSelector> files);
+                      std::unique_ptr<platform::FileSelector> files,
+                      std::unique_ptr<platform::DocumentOpener> documents = nullptr);
   /// Saves the file locations; doesn't touch the effect.
   ~CPresetSystemEditor() override;
 
-  /// Closes a file dialog that is open; it then gives no answer.
+  /// Builds the panel on top of what the frame has; false without a frame.
+  bool open(void* parent) override;
+  /// Forgets the panel, whose controls the frame releases. Closes a file dialog that is open; it
+  /// then gives no answer.
   void close() override;
-  /// Carries out what the user chose in a file dialog.
+  /// Handles what happened to the window, carries out what the user chose in a file dialog, and
+  /// redraws what has changed.
   void idle() override;
+  /// Does what the panel's control with this tag is there for; nothing for other tags.
+  void valueChanged(gui::CControl& control) override;
 
   /// Shows `name` in the name field and as the title of the menu's current entry; the store doesn't
   /// change.
@@ -96,6 +111,16 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor {
 
   CPresetSystemEffect& presetStore() const { return m_store; }
 
+  /// The open window's frame, or null. One that is taken away in the middle of its own events lives
+  /// on until they are handled, without getting more of them.
+  gui::CFrame* getFrame() const { return m_frame.get(); }
+  void setFrame(std::shared_ptr<gui::CFrame> frame);
+
+  /// Whether this is the thread that opened the window that is open.
+  bool isWindowThread() const {
+    return m_panelThread.load(std::memory_order_relaxed) == std::this_thread::get_id();
+  }
+
  private:
   /// The panel, if this is the thread that may touch it.
   PresetPanel* panel();
@@ -105,12 +130,22 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor {
   void takeIntoCurrentSlot(const SlotUpdate& update);
   void askForFile(const FileTask& task);
   void carryOut(const PresetFileDialog::Choice& choice);
+  void stepPreset(float direction);
+  /// Makes a preset current that goes by this name in the panel.
+  void takePreset(int index, const std::string& name);
+  void openUserManual();
+  void pollUserManual();
+  void reportManual(platform::DocumentOpener::Outcome outcome);
 
   CPresetSystemEffect& m_store;
   PersistentSettings m_settings;
   FileLocations m_locations;
   PresetFileDialog m_dialog;
+  std::unique_ptr<platform::DocumentOpener> m_documents;
+  bool m_openingManual = false;
 
+  std::shared_ptr<gui::CFrame> m_frame;
+  std::unique_ptr<PresetPanelView> m_panelView;
   PresetPanel* m_panel = nullptr; ///< belongs to m_panelThread
   std::atomic<std::thread::id> m_panelThread;
   std::atomic<bool> m_panelOutdated{false};

@@ -1,5 +1,7 @@
 #include "presets/PersistentSettings.h"
 
+#include "presets/CutText.h"
+
 #include <array>
 
 namespace qlx::presets {
@@ -27,18 +29,6 @@ std::string_view nameOf(StoredImage which) {
   case StoredImage::MemoB: break;
   }
   return "MemoB";
-}
-
-/// The longest start of a UTF-8 text that has at most `maxBytes` bytes and ends with a whole
-/// character.
-std::string_view cutText(std::string_view text, std::size_t maxBytes) {
-  if (text.size() <= maxBytes) return text;
-  std::size_t end = maxBytes;
-  const auto continues = [&](std::size_t at) {
-    return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;
-  };
-  while (end > 0 && continues(end)) --end;
-  return text.substr(0, end);
 }
 
 } // namespace

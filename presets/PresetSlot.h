@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "presets/CutText.h"
+
 namespace qlx::presets {
 
 inline constexpr int kNumPresetSlots = 32;
@@ -28,10 +30,10 @@ struct PresetSlot {
     return {name.data(), static_cast<std::size_t>(end - name.begin())};
   }
 
-  /// Takes over at most 23 characters, so that the field always ends in a zero byte; the rest
-  /// becomes zero.
+  /// Takes over at most 23 bytes, whole characters, so that the field always ends in a zero byte;
+  /// the rest becomes zero.
   void setNameText(std::string_view text) {
-    text = text.substr(0, std::min(text.find('\0'), kPresetNameBytes - 1));
+    text = cutText(text.substr(0, text.find('\0')), kPresetNameBytes - 1);
     name.fill('\0');
     std::copy(text.begin(), text.end(), name.begin());
   }

@@ -1,0 +1,11 @@
+#include "editor/MyFrame.h"
+
+namespace qlx::editor {
+
+gui::CMouseEventResult MyFrame::platformOnMouseDown(const gui::CPoint& where,
+                                                    const gui::CButtonState& buttons) {
+  if (m_focusOnClick) takeKeyboardFocus();
+  return CFrame::platformOnMouseDown(where, buttons);
+}
+
+} // namespace qlx::editor
