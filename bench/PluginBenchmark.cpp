@@ -34,8 +34,8 @@ void processBlocks(benchmark::State& state, const std::filesystem::path& plugin,
   while (state.KeepRunning()) work.step();
   const auto frames = static_cast<double>(state.iterations()) * Workload::kBlockFrames;
   using benchmark::Counter;
-  state.counters["s/frame"] = Counter(frames, Counter::kIsRate | Counter::kInvert);
-  state.counters["core"] = Counter(frames / what.rate, Counter::kIsRate | Counter::kInvert);
+  state.counters["per frame"] = Counter(frames, Counter::kIsRate | Counter::kInvert);
+  state.counters["per second"] = Counter(frames / what.rate, Counter::kIsRate | Counter::kInvert);
 }
 
 void createInstance(benchmark::State& state, const std::filesystem::path& plugin) {
