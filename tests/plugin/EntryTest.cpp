@@ -1,0 +1,108 @@
+#include "sdk/VstTypes.h"
+#include "tests/platform/TemporaryFolder.h"
+
+#include <array>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace qlx::plugin::test {
+namespace {
+
+using sdk::EffectRecord;
+using sdk::EntryFunction;
+
+std::intptr_t version = 2400;
+
+/// Asked for its version it answers; otherwise it calls the effect back, as some hosts do.
+std::intptr_t host(EffectRecord* effect, std::int32_t opcode, std::int32_t /*index*/,
+                   std::intptr_t /*value*/, void* /*ptr*/, float /*opt*/) {
+  if (opcode == static_cast<std::int32_t>(sdk::HostOpcode::Version)) return version;
+  if (effect != nullptr) {
+    effect->dispatcher(effect, 10, 0, 0, nullptr, 48000.0F);
+    effect->dispatcher(effect, 11, 0, 128, nullptr, 0.0F);
+  }
+  return 0;
+}
+
+/// The shared object as a host loads it.
+class EntryTest : public ::testing::Test {
+ protected:
+  EntryTest() {
+    version = 2400;
+    ::setenv("XDG_CONFIG_HOME", (m_home / "config").c_str(), 1);
+    m_library = ::dlopen(PLUGIN, RTLD_NOW | RTLD_LOCAL);
+    if (m_library == nullptr) ADD_FAILURE() << ::dlerror();
+  }
+  ~EntryTest() override { unload(); }
+
+  void unload() {
+    if (m_library != nullptr) ::dlclose(m_library);
+    m_library = nullptr;
+  }
+  EntryFunction entry(const char* name) {
+    return reinterpret_cast<EntryFunction>(::dlsym(m_library, name));
+  }
+  static void close(EffectRecord* effect) { effect->dispatcher(effect, 1, 0, 0, nullptr, 0.0F); }
+
+  qlx::test::TemporaryFolder m_home;
+  void* m_library = nullptr;
+};
+
+TEST_F(EntryTest, BothNamesMakeAnEffect) {
+  for (const char* name : {"VSTPluginMain", "main"}) {
+    ASSERT_NE(entry(name), nullptr) << name;
+    EffectRecord* const effect = entry(name)(host);
+    ASSERT_NE(effect, nullptr) << name;
+    EXPECT_EQ(effect->magic, sdk::kEffectMagic);
+    close(effect);
+  }
+}
+
+TEST_F(EntryTest, NothingIsMadeForAHostWithoutVersion) {
+  version = 0;
+  EXPECT_EQ(entry("VSTPluginMain")(host), nullptr);
+  EXPECT_EQ(entry("VSTPluginMain")(nullptr), nullptr);
+}
+
+TEST_F(EntryTest, ScannersLeaveNoTrace) {
+  version = 2;
+  EffectRecord* const effect = entry("VSTPluginMain")(host);
+  ASSERT_NE(effect, nullptr);
+  std::array<char, 256> text{};
+  for (const std::int32_t opcode : {0, 45, 47, 48, 35, 49, 58}) {
+    effect->dispatcher(effect, opcode, 0, 0, text.data(), 0.0F);
+  }
+  close(effect);
+  EXPECT_FALSE(std::filesystem::exists(m_home / "config"));
+}
+
+TEST_F(EntryTest, ManyInstancesLiveSideBySide) {
+  std::vector<EffectRecord*> effects;
+  for (int i = 0; i < 8; ++i) effects.push_back(entry("VSTPluginMain")(host));
+  for (std::size_t i = 0; i < effects.size(); ++i) {
+    effects[i]->setParameter(effects[i], 13, static_cast<float>(i) / 8.0F);
+  }
+  for (std::size_t i = 0; i < effects.size(); ++i) {
+    EXPECT_EQ(effects[i]->getParameter(effects[i], 13), static_cast<float>(i) / 8.0F);
+    close(effects[i]);
+  }
+}
+
+TEST_F(EntryTest, UnloadingReallyUnloads) {
+  EffectRecord* const effect = entry("VSTPluginMain")(host);
+  ASSERT_NE(effect, nullptr);
+  std::array<float, 512> samples{};
+  float* buffers[] = {samples.data(), samples.data()};
+  effect->dispatcher(effect, 12, 0, 1, nullptr, 0.0F);
+  effect->processReplacing(effect, buffers, buffers, 512);
+  close(effect);
+  unload();
+  EXPECT_EQ(::dlopen(PLUGIN, RTLD_NOW | RTLD_NOLOAD), nullptr);
+}
+
+} // namespace
+} // namespace qlx::plugin::test
