@@ -1,0 +1,127 @@
+#include "editor/EditorControls.h"
+
+#include "editor/CAbout.h"
+#include "editor/CBrezanParamDisplay.h"
+#include "editor/CClickKickButton.h"
+#include "editor/QLXOnOffButton.h"
+#include "editor/QLXVerticalSwitch.h"
+#include "gui/CMovieBitmap.h"
+#include "plugin/ParameterFormatter.h"
+#include "presets/CPSRockerSwitch.h"
+#include "presets/LoadBitmap.h"
+
+#include <algorithm>
+
+namespace qlx::editor {
+
+namespace {
+
+// The lever follows the pointer over this part of its height.
+constexpr QLXVerticalSwitch::Travel kLeverTravel{38.0F, 152.0F};
+constexpr WheelStep kLeverWheel{0.15F, 0.1F};
+// A rotor's light passes its slot once a turn, from beyond the right end to beyond the left one,
+// and stands in the middle when the rotor looks to the front.
+constexpr QLXMarker::Travel kMarkerTravel{{-120.0, 0.0}, 0.5F, 298.0};
+constexpr gui::CRect kAboutScreen{0, 0, 400, 533};
+constexpr gui::CPoint kVersionPoint{258.0, 181.0};
+
+} // namespace
+
+/// What building needs; the bitmaps are kept until it is done, each control keeps its own.
+struct EditorControls::Builder {
+  gui::CFrame& frame;
+  gui::CControlListener& listener;
+  plugin::ParameterFormatter* formatter;
+  const ParameterValue& valueOf;
+  std::map<int, gui::CBitmapRef> bitmaps{};
+
+  const gui::CBitmapRef& bitmap(int number) {
+    gui::CBitmapRef& found = bitmaps[number];
+    if (found == nullptr) found = presets::loadBitmap(number);
+    return found;
+  }
+
+  std::unique_ptr<gui::CControl> make(const ControlPlace& place);
+};
+
+std::unique_ptr<gui::CControl> EditorControls::Builder::make(const ControlPlace& p) {
+  const gui::CBitmapRef& picture = bitmap(p.bitmap);
+  const gui::CCoord height = presets::frameHeight(picture, p.frames);
+  switch (p.kind) {
+  case ControlPlace::kOnOff:
+    return std::make_unique<QLXOnOffButton>(p.place, &listener, p.tag, picture);
+  case ControlPlace::kKick:
+    return std::make_unique<CClickKickButton>(p.place, &listener, p.tag, height, picture);
+  case ControlPlace::kLever: {
+    auto lever =
+        std::make_unique<QLXVerticalSwitch>(p.place, &listener, p.tag, picture, kLeverTravel);
+    lever->setWheelStep(kLeverWheel);
+    return lever;
+  }
+  case ControlPlace::kMarker:
+    return std::make_unique<QLXMarker>(p.place, &listener, p.tag, kMarkerTravel, bitmap(p.handle),
+                                       picture);
+  case ControlPlace::kAbout:
+    return std::make_unique<CAbout>(p.place, &listener, p.tag, picture, kAboutScreen, gui::CPoint{},
+                                    kVersionPoint);
+  case ControlPlace::kRocker:
+    return std::make_unique<presets::CPSRockerSwitch>(p.place, &listener, p.tag, height, picture);
+  case ControlPlace::kMovie: break;
+  }
+  return std::make_unique<gui::CMovieBitmap>(p.place, &listener, p.tag, p.frames, height, picture);
+}
+
+EditorControls::EditorControls(gui::CFrame& frame, gui::CControlListener& listener,
+                               plugin::ParameterFormatter* formatter,
+                               const ParameterValue& valueOf) {
+  Builder builder{frame, listener, formatter, valueOf};
+  for (const KnobPlace& knob : kHornKnobs) buildKnob(knob, builder);
+  for (const ControlPlace& control : kLeverControls) buildControl(control, builder);
+  for (const KnobPlace& knob : kOtherKnobs) buildKnob(knob, builder);
+  for (const ControlPlace& control : kOtherControls) buildControl(control, builder);
+}
+
+void EditorControls::buildKnob(const KnobPlace& p, Builder& builder) {
+  const gui::CBitmapRef& strip = builder.bitmap(kKnobStrip);
+  auto& shown = m_shown[static_cast<std::size_t>(p.tag)];
+  auto knob = std::make_unique<CAnimKnob3>(p.place, &builder.listener, p.tag, kKnobFrames,
+                                           presets::frameHeight(strip, kKnobFrames), strip,
+                                           gui::CPoint{}, p.steps);
+  knob->setDefaultValue(p.defaultValue);
+  knob->setWheelStep(p.wheelStep, kKnobWheelFineFactor);
+  knob->setDragFactor(p.dragFactor);
+  shown[0] = &builder.frame.addView(std::move(knob));
+  for (std::size_t i = 0; i < p.displays.size() && p.displays[i].converter != nullptr; ++i) {
+    auto display =
+        std::make_unique<CBrezanParamDisplay>(p.displays[i].place, builder.frame.getBackground());
+    display->setBackOffset(p.displays[i].place.topLeft());
+    display->setStringConvert(p.displays[i].converter, builder.formatter);
+    shown[i + 1] = &builder.frame.addView(std::move(display));
+  }
+  showParameter(p.tag, builder.valueOf(p.tag));
+}
+
+void EditorControls::buildControl(const ControlPlace& p, Builder& builder) {
+  gui::CControl& control = builder.frame.addView(builder.make(p));
+  switch (p.tag) {
+  case kHornMarkerTag: m_hornMarker = &control; break;
+  case kDrumMarkerTag: m_drumMarker = &control; break;
+  case kModulationLampTag: m_modulationLamp = &control; break;
+  case kSustainLampTag: m_sustainLamp = &control; break;
+  case kMidiChannelRockerTag: m_midiChannelRocker = &control; break;
+  case kAboutTag: m_about = &control; break;
+  case plugin::kSpeed: control.setValue(builder.valueOf(p.tag)); break;
+  default:
+    m_shown[static_cast<std::size_t>(p.tag)][0] = &control;
+    showParameter(p.tag, builder.valueOf(p.tag));
+    break;
+  }
+}
+
+void EditorControls::showParameter(std::int32_t index, float value) {
+  for (gui::CControl* control : m_shown[static_cast<std::size_t>(index)]) {
+    if (control != nullptr) control->setValue(value);
+  }
+}
+
+} // namespace qlx::editor

@@ -1,0 +1,157 @@
+#include "editor/RotaryEditor.h"
+
+#include "editor/HostKey.h"
+#include "editor/MyFrame.h"
+#include "gui/CTypeface.h"
+#include "presets/CPresetSystemEffect.h"
+#include "presets/LoadBitmap.h"
+#include "resources/images/Images.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace qlx::editor {
+
+namespace {
+
+constexpr int kBackground = 4000;
+/// From one position of the MIDI channel's display to the next.
+constexpr float kMidiChannelStep = 1.0F / 18.0F;
+
+std::shared_ptr<gui::CTypeface> loadTypeface() {
+  const auto file = resources::editorFont();
+  return gui::CTypeface::create({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+}
+
+/// A rotor's phase as its marker's value.
+float markerValue(double turns) {
+  if (turns > 1.0) {
+    turns -= 1.0;
+  } else if (turns < 0.0) {
+    turns += 1.0;
+  }
+  return static_cast<float>(turns);
+}
+
+} // namespace
+
+RotaryEditor::RotaryEditor(presets::CPresetSystemEffect& effect, const EffectReadout& readout,
+                           Desktop desktop)
+    : CPresetSystemEditor(effect, std::move(desktop.settings), std::move(desktop.files),
+                          std::move(desktop.documents)),
+      m_readout(readout), m_windows(desktop.windows),
+      m_background(presets::loadBitmap(kBackground)) {
+  if (m_background == nullptr) return;
+  m_rectangle.bottom = static_cast<std::int16_t>(m_background->height());
+  m_rectangle.right = static_cast<std::int16_t>(m_background->width());
+}
+
+RotaryEditor::~RotaryEditor() { RotaryEditor::close(); }
+
+bool RotaryEditor::getRect(sdk::EditRectangle** rectangle) {
+  *rectangle = &m_rectangle;
+  return true;
+}
+
+bool RotaryEditor::open(void* parent) {
+  if (m_background == nullptr || parent == nullptr) return false;
+  close();
+  auto window = m_windows.openChild(reinterpret_cast<std::uintptr_t>(parent), m_background->width(),
+                                    m_background->height());
+  if (window == nullptr) return false;
+  const gui::CRect whole{0.0, 0.0, static_cast<double>(m_background->width()),
+                         static_cast<double>(m_background->height())};
+  const auto frame = std::make_shared<MyFrame>(whole, std::move(window), loadTypeface());
+  frame->setBackground(m_background);
+  frame->setKnobMode(gui::kLinearMode);
+  setFrame(frame);
+  m_mirror.clear();
+  m_controls =
+      std::make_unique<EditorControls>(*frame, *this, m_formatter, [this](std::int32_t index) {
+        return getEffect()->getParameter(index);
+      });
+  CPresetSystemEditor::open(parent);
+  frame->open();
+  return true;
+}
+
+void RotaryEditor::close() {
+  CPresetSystemEditor::close();
+  m_controls = nullptr;
+  setFrame(nullptr);
+}
+
+void RotaryEditor::idle() {
+  if (m_controls == nullptr) return;
+  showMirrored();
+  CPresetSystemEditor::idle();
+  if (m_controls != nullptr) showReadout();
+}
+
+void RotaryEditor::showMirrored() {
+  m_mirror.takeAll(
+      [this](std::int32_t index, float value) { m_controls->showParameter(index, value); });
+}
+
+void RotaryEditor::showReadout() {
+  if (m_controls->about().getValue() != 0.0F) return;
+  // With the amplifier alone no rotor is heard, so the lights stay out of their slots.
+  constexpr float kOutOfSight = 0.5F;
+  const bool bypassed = m_readout.speakersBypassed();
+  m_controls->hornMarker().setValue(bypassed ? kOutOfSight : markerValue(m_readout.hornPhase()));
+  m_controls->drumMarker().setValue(bypassed ? kOutOfSight : markerValue(m_readout.drumPhase()));
+  m_controls->modulationLamp().setValue(m_readout.modWheelActivity());
+  m_controls->sustainLamp().setValue(static_cast<float>(m_readout.sustainState()));
+}
+
+void RotaryEditor::setParameter(std::int32_t index, float value) {
+  if (index == kMidiChannelRockerTag) {
+    // The rocker's own road back: it comes on the window's thread, out of its press.
+    if (isWindowThread()) stepMidiChannel();
+    return;
+  }
+  m_mirror.put(index, value);
+  if (isWindowThread()) showMirrored();
+}
+
+void RotaryEditor::stepMidiChannel() {
+  const float side = m_controls->midiChannelRocker().getValue();
+  if (side == 0.0F) return;
+  const float channel = getEffect()->getParameter(plugin::kMIDIchl);
+  const float next = side > 0.0F ? std::min(channel + kMidiChannelStep, 1.0F)
+                                 : std::max(channel - kMidiChannelStep, 0.0F);
+  getEffect()->setParameterAutomated(plugin::kMIDIchl, next);
+}
+
+void RotaryEditor::valueChanged(gui::CControl& control) {
+  CPresetSystemEditor::valueChanged(control);
+  if (control.getTag() == plugin::kSpeed) {
+    if (control.getValue() >= 0.5F) toggleLever();
+  } else {
+    getEffect()->setParameterAutomated(control.getTag(), control.getValue());
+  }
+  control.invalid();
+}
+
+void RotaryEditor::toggleLever() {
+  const bool fast = getEffect()->getParameter(plugin::kLever) >= 0.5F;
+  getEffect()->setParameterAutomated(plugin::kLever, fast ? 0.0F : 1.0F);
+}
+
+void RotaryEditor::controlBeginEdit(gui::CControl& control) {
+  presetStore().beginEdit(control.getTag());
+}
+
+void RotaryEditor::controlEndEdit(gui::CControl& control) {
+  presetStore().endEdit(control.getTag());
+}
+
+bool RotaryEditor::onKeyDown(const sdk::KeyCode& key) {
+  return getFrame() != nullptr && getFrame()->platformOnKeyDown(HostKey(key).code());
+}
+
+bool RotaryEditor::onKeyUp(const sdk::KeyCode& key) {
+  return getFrame() != nullptr && getFrame()->platformOnKeyUp(HostKey(key).code());
+}
+
+} // namespace qlx::editor

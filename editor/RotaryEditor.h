@@ -1,0 +1,62 @@
+#pragma once
+
+#include "editor/EditorControls.h"
+#include "editor/EffectReadout.h"
+#include "editor/ParameterMirror.h"
+#include "platform/NativeWindow.h"
+#include "presets/CPresetSystemEditor.h"
+#include "sdk/VstTypes.h"
+
+#include <memory>
+
+namespace qlx::editor {
+
+/// The plug-in's window. It exists as long as its effect, open or not; see sdk::AEffGUIEditor for
+/// threads.
+class RotaryEditor final : public presets::CPresetSystemEditor {
+ public:
+  /// What the editor needs of the system that it runs on.
+  struct Desktop {
+    const platform::WindowSystem& windows; ///< outlives the editor
+    std::shared_ptr<platform::SettingsStore> settings;
+    std::unique_ptr<platform::FileSelector> files;         ///< null: no file dialogs
+    std::unique_ptr<platform::DocumentOpener> documents{}; ///< null: no documents
+  };
+
+  /// `effect` and `readout` outlive the editor.
+  RotaryEditor(presets::CPresetSystemEffect& effect, const EffectReadout& readout, Desktop desktop);
+  ~RotaryEditor() override;
+
+  /// Makes the texts that the displays share with the host; outlives the editor. Without it those
+  /// displays are empty.
+  void setFormatter(plugin::ParameterFormatter* formatter) { m_formatter = formatter; }
+
+  bool getRect(sdk::EditRectangle** rectangle) override;
+  /// False when there is no parent, or no window can be had in it. An open window is closed first.
+  bool open(void* parent) override;
+  void close() override;
+  void idle() override;
+  bool onKeyDown(const sdk::KeyCode& key) override;
+  bool onKeyUp(const sdk::KeyCode& key) override;
+  void setParameter(std::int32_t index, float value) override;
+
+  void valueChanged(gui::CControl& control) override;
+  void controlBeginEdit(gui::CControl& control) override;
+  void controlEndEdit(gui::CControl& control) override;
+
+ private:
+  void showMirrored();
+  void showReadout();
+  void toggleLever();
+  void stepMidiChannel();
+
+  const EffectReadout& m_readout;
+  const platform::WindowSystem& m_windows;
+  gui::CBitmapRef m_background;
+  sdk::EditRectangle m_rectangle{};
+  plugin::ParameterFormatter* m_formatter = nullptr;
+  ParameterMirror m_mirror;
+  std::unique_ptr<EditorControls> m_controls; ///< null while the window is closed
+};
+
+} // namespace qlx::editor
