@@ -77,6 +77,7 @@ TEST_P(NoiseLoop, SeamIsLikeAnyOtherPlace) {
   // A step or a kink at the seam is a jump of the second difference, which steady noise lets stand
   // out.
   const std::size_t n = m_loop.size();
+  ASSERT_GT(n, 4U);
   const auto bend = [&](std::size_t i) {
     return std::abs(m_loop[(i + n - 1) % n] - 2.0 * m_loop[i % n] + m_loop[(i + 1) % n]);
   };

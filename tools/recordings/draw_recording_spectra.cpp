@@ -31,7 +31,8 @@ constexpr double kLeft = 44.0;
 constexpr double kTop = 30.0;
 constexpr double kPlotWidth = kPanelWidth - kLeft - 16.0;
 constexpr double kPlotHeight = kPanelHeight - kTop - 34.0;
-constexpr double kRangeDb = 48.0; // from the top of the plot to its floor
+constexpr int kRangeDb = 48; // from the top of the plot to its floor
+constexpr int kGridDb = 12;
 
 void text(cairo_t* cr, double x, double y, const std::string& words, double align) {
   cairo_text_extents_t extents;
@@ -41,21 +42,21 @@ void text(cairo_t* cr, double x, double y, const std::string& words, double alig
 }
 
 std::string hertz(double hz) {
-  return hz < 1000.0 ? std::to_string(static_cast<int>(hz + 0.5))
-                     : std::to_string(static_cast<int>(hz * 0.001 + 0.5)) + "k";
+  return hz < 1000.0 ? std::to_string(std::lround(hz))
+                     : std::to_string(std::lround(hz * 0.001)) + "k";
 }
 
 void drawScales(cairo_t* cr, double topDb, const std::vector<BandLevel>& bands) {
   cairo_set_line_width(cr, 1.0);
   cairo_set_font_size(cr, 10.0);
-  for (double down = 0.0; down <= kRangeDb; down += 12.0) {
+  for (int down = 0; down <= kRangeDb; down += kGridDb) {
     const double y = kTop + kPlotHeight * down / kRangeDb;
     cairo_set_source_rgb(cr, 0.85, 0.85, 0.85);
     cairo_move_to(cr, kLeft, y);
     cairo_line_to(cr, kLeft + kPlotWidth, y);
     cairo_stroke(cr);
     cairo_set_source_rgb(cr, 0.25, 0.25, 0.25);
-    text(cr, kLeft - 5.0, y + 3.5, std::to_string(static_cast<int>(topDb - down)), 1.0);
+    text(cr, kLeft - 5.0, y + 3.5, std::to_string(std::lround(topDb) - down), 1.0);
   }
   const double step = kPlotWidth / static_cast<double>(bands.size());
   for (std::size_t i = 1; i < bands.size(); i += 3) {
@@ -111,9 +112,10 @@ int main(int argc, char** argv) {
   cairo_paint(cr);
   cairo_select_font_face(cr, "Liberation Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
   for (std::size_t i = 0; i < panels.size(); ++i) {
+    const auto column = static_cast<double>(i % 2);
+    const auto row = std::floor(static_cast<double>(i) / 2.0);
     cairo_save(cr);
-    cairo_translate(cr, static_cast<double>(i % 2) * kPanelWidth,
-                    static_cast<double>(i / 2) * kPanelHeight);
+    cairo_translate(cr, column * kPanelWidth, row * kPanelHeight);
     drawPanel(cr, panels[i].first, *panels[i].second);
     cairo_restore(cr);
   }
