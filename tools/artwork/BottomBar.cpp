@@ -42,7 +42,7 @@ void traceSegments(cairo_t* cr, unsigned segments, double x, double y) {
 void lampWithWord(Frame& frame, double lampX, std::string_view word, double wordX,
                   double tracking) {
   const bool on = frame.index == 1;
-  signalLamp(frame.canvas, {lampX, 7.0}, 2.8, on, srgb(palette::kLampOff), srgb(palette::kLampOn));
+  signalLamp(frame.canvas, {lampX, 7.0}, 2.6, on, srgb(palette::kLampOff), srgb(palette::kLampOn));
   const Mask letters =
       frame.lettering.line(frame.canvas, word, captionStyle(tracking), Align::Left, wordX, 11.0);
   if (on) frame.canvas.fill(letters.blurred(1.0), srgb(palette::kLampOn), 0.35);
@@ -121,7 +121,7 @@ void drawRocker(Frame& frame) {
 
 void drawSustainLamp(Frame& frame) { lampWithWord(frame, 8.5, "SUSTAIN", 15.0, 0.05); }
 
-void drawModulationLamp(Frame& frame) { lampWithWord(frame, 4.0, "MOD WHEEL", 9.0, -0.1); }
+void drawModulationLamp(Frame& frame) { lampWithWord(frame, 3.8, "MOD WHEEL", 8.0, -0.9); }
 
 void drawMode(Frame& frame) {
   Canvas& canvas = frame.canvas;

@@ -105,7 +105,7 @@ void drawRule(Frame& frame, int left, int right, int y, const char* name, double
   }
   const Mask rule = canvas.mask({left, y, right, y + 5}, [&](cairo_t* cr) {
     const double leftEnd = std::floor(gapLeft);
-    const double rightStart = std::max(leftEnd, std::floor(gapRight + 0.5));
+    const double rightStart = name == nullptr ? leftEnd : std::ceil(gapRight);
     if (leftEnd > left) {
       cairo_rectangle(cr, left, y, leftEnd - left, 1.0);
       cairo_rectangle(cr, left, y + 1.0, 1.0, kDrop);
@@ -133,7 +133,7 @@ void drawGroups(Frame& frame) {
       {248, 382, 36, nullptr},
       {16, 60, 184, nullptr},
       {74, 253, 184, "TONE"},
-      {269, 313, 184, "MICROPHONES", 0.0},
+      {265, 313, 184, "MICROPHONES", 0.0},
       {20, 154, 283, "AMPLIFIER"},
       {178, 312, 283, "ROOM"},
       {20, 109, 428, nullptr},

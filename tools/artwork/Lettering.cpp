@@ -18,6 +18,8 @@ constexpr std::array<const char*, 4> kFiles = {
 constexpr double kPixel = 64.0;   // font units of a finished pixel
 constexpr double kOverhang = 0.3; // how far, in pixels, a letter may reach into the next pixel
 
+constexpr FT_Int32 kFittedLoad = FT_LOAD_NO_BITMAP | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL;
+
 FT_BBox boxOf(FT_Outline& outline) {
   FT_BBox box{};
   if (outline.n_points > 0) FT_Outline_Get_CBox(&outline, &box);
@@ -77,6 +79,16 @@ struct Lettering::Library {
   FT_Library library = nullptr;
   std::array<FT_Face, kFiles.size()> faces{};
 
+  /// How far the upright stems stand to the right of whole pixels, font units: some faces are
+  /// fitted with their stems' middle, not their edge, on the grid.
+  double stemPhase(const LetterStyle& style, int scale) {
+    FT_Face face = faces[static_cast<std::size_t>(style.face)];
+    FT_Set_Char_Size(face, 0, std::lround(style.size * scale * 64.0), 72, 72);
+    if (FT_Load_Char(face, 'H', kFittedLoad) != 0) return 0.0;
+    const auto left = static_cast<double>(boxOf(face->glyph->outline).xMin);
+    return left - std::floor(left / kPixel + kOverhang) * kPixel;
+  }
+
   /// Calls `visit` (outline, pen x in font units) for each letter of the line.
   template <class Visit>
   void forEachGlyph(std::string_view text, const LetterStyle& style, int scale,
@@ -100,13 +112,13 @@ struct Lettering::Library {
         continue;
       }
       const FT_BBox designed = boxOf(face->glyph->outline);
-      if (FT_Load_Char(face, letter,
-                       FT_LOAD_NO_BITMAP | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL) != 0) {
+      if (FT_Load_Char(face, letter, kFittedLoad) != 0) {
         throw std::runtime_error("a letter is missing in a font");
       }
       const FT_BBox ink = boxOf(face->glyph->outline);
       if (face->glyph->outline.n_points == 0) {
-        rightSpace += advance + tracking;
+        // Condensed capitals need a wider word space than the face has.
+        rightSpace += advance + tracking + kPixel;
         continue;
       }
       const double inkLeft =
@@ -175,7 +187,10 @@ Mask Lettering::line(const Canvas& canvas, std::string_view text, const LetterSt
   double pen = x - ink.left;
   if (align == Align::Centre) pen = x - 0.5 * (ink.left + ink.right);
   if (align == Align::Right) pen = x - ink.right;
-  if (style.fitted) pen = std::floor(pen * scale + 0.5) / scale;
+  if (style.fitted) {
+    const double phase = m_library->stemPhase(style, scale) / (kPixel * scale);
+    pen = std::floor((pen + phase) * scale + 0.5) / scale - phase;
+  }
   const Box box{static_cast<int>(std::floor(pen + ink.left)) - 1,
                 static_cast<int>(std::floor(baseline - style.size)) - 1,
                 static_cast<int>(std::ceil(pen + ink.right)) + 1,

@@ -22,7 +22,7 @@ constexpr double kFerruleFrom = 68.0; // along the arm from its axis
 constexpr double kSlotHalfWidth = 5.0;
 constexpr double kSlotHalfHeight = 37.0;
 // How far a shadow falls aside for each pixel of height: the lamp stands high.
-constexpr double kShadowX = 0.15;
+constexpr double kShadowX = 0.11;
 constexpr double kShadowY = 0.24;
 
 struct Pose {
@@ -94,7 +94,7 @@ double shadowAt(const Pose& pose, Point p) {
   }
   // Nothing may end at the frame's edge.
   const double margin = std::min({p.x, 55.0 - p.x, p.y, 186.0 - p.y});
-  return hidden * smoothstep(0.0, 4.0, margin);
+  return hidden * smoothstep(0.0, 8.0, margin);
 }
 
 void drawSlot(Frame& frame, const Pose& pose) {
