@@ -98,6 +98,9 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
   /// Takes all titles, the current entry and the name field from the store.
   void refreshPanel();
 
+  /// The open window's frame, or null.
+  gui::CFrame* getFrame() const { return m_frame.get(); }
+
   const FileLocations& fileLocations() const { return m_locations; }
   const PersistentSettings& settings() const { return m_settings; }
 
@@ -111,9 +114,8 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
 
   CPresetSystemEffect& presetStore() const { return m_store; }
 
-  /// The open window's frame, or null. One that is taken away in the middle of its own events lives
-  /// on until they are handled, without getting more of them.
-  gui::CFrame* getFrame() const { return m_frame.get(); }
+  /// One that is taken away in the middle of its own events lives on until they are handled,
+  /// without getting more of them.
   void setFrame(std::shared_ptr<gui::CFrame> frame);
 
   /// Whether this is the thread that opened the window that is open.

@@ -1,0 +1,124 @@
+#include "editor/DisplayConverters.h"
+#include "gui/CParamDisplay.h"
+#include "plugin/ParameterFormatter.h"
+#include "plugin/ParameterIndex.h"
+#include "plugin/ParameterTable.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+namespace qlx::test {
+namespace {
+
+using namespace editor;
+
+std::string textOf(gui::CParamDisplayConverter convert, float value, void* formatter) {
+  std::array<char, gui::kDisplayTextSize> text{};
+  convert(value, text.data(), formatter);
+  return text.data();
+}
+
+struct TextCase {
+  gui::CParamDisplayConverter convert;
+  float value;
+  const char* text;
+};
+
+const TextCase kTexts[] = {
+    {formatRotorSpeed, 0.1F, "1.00 Hz"},
+    {formatRotorSpeed, 1.0F, "10.00 Hz"},
+    {formatRampTime, 0.0F, "100 ms"},
+    {formatRampTime, 0.349485F, "500 ms"},
+    {formatRampTime, 0.4999F, "1000 ms"},
+    {formatRampTime, 0.5F, "1.0 s"},
+    {formatRampTime, 0.650514F, "2.0 s"},
+    {formatRampTime, 1.0F, "10.0 s"},
+    {formatDistance, 0.0F, "0 cm"},
+    {formatDistance, 0.5F, "65 cm"},
+    {formatDistance, 0.51F, "66 cm"},
+    {formatDistance, 0.768F, "100 cm"},
+    {formatDistance, 0.7693F, "1.00 m"},
+    {formatDistance, 1.0F, "1.30 m"},
+    {formatDistance, -0.1F, "0 cm"},
+    {formatHighPass, 0.0F, "Off  "},
+    {formatHighPass, 0.01F, "Off  "},
+    {formatHighPass, 0.0101F, "20 Hz"},
+    {formatHighPass, 1.0F, "1.00 kHz"},
+    {formatLowPass, 0.0F, "200 Hz"},
+    {formatLowPass, 0.5F, "2.00 kHz"},
+    {formatLowPass, 0.999F, "19.91 kHz"},
+    {formatLowPass, 1.0F, "Off  "},
+    {formatLevelDb, 0.0F, "-oo dB"},
+    {formatLevelDb, 0.5F, "0.0 dB"},
+    {formatLevelDb, 1.0F, "12.0 dB"},
+    {formatEqGain, 0.5F, "0.0 dB"},
+    {formatEqGain, 0.0F, "-12.0 dB"},
+    {formatDriveGain, 0.25F, "-10.0 dB"},
+    {formatDriveGain, 1.0F, "20.0 dB"},
+    {formatMicSetup, 0.0F, "Amp"},
+    {formatMicSetup, 0.2F, "Front"},
+    {formatMicSetup, 0.69F, "Front"},
+    {formatMicSetup, 0.8F, "Opposite"},
+    {formatMicSetup, 1.0F, "Mono"},
+    {formatMicSetup, 1.3F, ""},
+    {formatMicSetupDetail, 0.0F, "Only"},
+    {formatMicSetupDetail, 0.2F, "Side"},
+    {formatMicSetupDetail, 0.4F, "Diagonal"},
+    {formatMicSetupDetail, 0.6F, "Rear"},
+    {formatMicSetupDetail, 0.8F, "Diagonal"},
+    {formatMicSetupDetail, 1.0F, ""},
+    {formatAmpType, 0.24F, "Thru"},
+    {formatAmpType, 0.5F, "Tube"},
+    {formatAmpType, 1.0F, "Solid"},
+    {formatAmpType, -0.8F, ""},
+    {formatRoomSize, 0.12F, "1"},
+    {formatRoomSize, 0.13F, "2"},
+    {formatRoomSize, 1.0F, "5"},
+    {formatPercent, 0.5F, "50.0 %"},
+};
+
+TEST(DisplayConverters, SayWhatTheKnobsMean) {
+  plugin::ParameterFormatter formatter;
+  for (const TextCase& row : kTexts) {
+    EXPECT_EQ(textOf(row.convert, row.value, &formatter), row.text) << row.value;
+  }
+}
+
+TEST(DisplayConverters, NeedTheFormatterOnlyForWhatTheyShareWithTheHost) {
+  for (const auto convert :
+       {formatRotorSpeed, formatRampTime, formatDistance, formatHighPass, formatLowPass,
+        formatLevelDb, formatMicSetup, formatMicSetupDetail, formatAmpType}) {
+    EXPECT_EQ(textOf(convert, 0.4F, nullptr), "");
+  }
+  for (const auto convert : {formatEqGain, formatDriveGain, formatRoomSize, formatPercent}) {
+    EXPECT_NE(textOf(convert, 0.4F, nullptr), "");
+  }
+}
+
+TEST(DisplayConverters, AgreeWithTheHostsDisplays) {
+  plugin::ParameterFormatter formatter;
+  const std::pair<std::int32_t, gui::CParamDisplayConverter> shared[] = {
+      {plugin::kHSlowSpd, formatRotorSpeed}, {plugin::kDAccel, formatRampTime},
+      {plugin::kHDistance, formatDistance},  {plugin::kHHPF, formatHighPass},
+      {plugin::kDLPF, formatLowPass},        {plugin::kHGain, formatLevelDb}};
+  for (const auto& [index, convert] : shared) {
+    const plugin::Display& display = plugin::parameterRow(index)->display;
+    for (int i = 0; i <= 1000; ++i) {
+      const float v = static_cast<float>(i) / 1000.0F;
+      EXPECT_EQ(textOf(convert, v, &formatter),
+                std::string(display.text(v).view()) + " " + display.unit(v))
+          << index << " at " << v;
+    }
+  }
+  for (float v = 0.0F; v <= 1.0F; v += 0.1F) {
+    EXPECT_EQ(plugin::parameterRow(plugin::kSetup)->display.text(v).view(),
+              textOf(formatMicSetup, v, &formatter) + textOf(formatMicSetupDetail, v, &formatter));
+    EXPECT_EQ(plugin::parameterRow(plugin::kType)->display.text(v).view(),
+              textOf(formatAmpType, v, &formatter));
+  }
+}
+
+} // namespace
+} // namespace qlx::test

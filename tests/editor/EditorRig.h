@@ -1,0 +1,151 @@
+#pragma once
+
+#include "editor/RotaryEditor.h"
+#include "platform/headless/HeadlessWindow.h"
+#include "platform/headless/MemorySettingsStore.h"
+#include "platform/headless/ScriptedDocumentOpener.h"
+#include "platform/headless/ScriptedFileSelector.h"
+#include "plugin/ParameterFormatter.h"
+#include "presets/CPresetSystemEffect.h"
+
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qlx::test {
+
+/// An effect without sound: keeps its parameters, tells its editor, and writes down what reaches
+/// the host: "(n" and ")n" around gestures, "n=v" with the value in thousandths.
+class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectReadout {
+ public:
+  SilentEffect() : CPresetSystemEffect(&host) { getRecord()->user = this; }
+  using CPresetSystemEffect::setPresetEditor;
+
+  void processReplacing(float** /*in*/, float** /*out*/, std::int32_t /*frames*/) override {}
+  void processDoubleReplacing(double** /*in*/, double** /*out*/, std::int32_t /*n*/) override {}
+  void setParameter(std::int32_t index, float value) override {
+    if (index >= 0 && index < 36) {
+      m_values[static_cast<std::size_t>(index)].store(value, std::memory_order_relaxed);
+    }
+    if (!isPresetLoading()) storeParameter(index, value);
+    if (window != nullptr) window->setParameter(index, value);
+  }
+  float getParameter(std::int32_t index) override {
+    return m_values.at(static_cast<std::size_t>(index)).load(std::memory_order_relaxed);
+  }
+
+  double hornPhase() const noexcept override { return horn; }
+  double drumPhase() const noexcept override { return drum; }
+  bool speakersBypassed() const noexcept override { return bypassed; }
+  float modWheelActivity() const noexcept override { return modulation; }
+  double sustainState() const noexcept override { return sustain; }
+
+  double horn = 0.0;
+  double drum = 0.0;
+  bool bypassed = false;
+  float modulation = 0.0F;
+  double sustain = 0.0;
+  std::string log;
+  std::function<void()> onAutomate = [] {};
+  editor::RotaryEditor* window = nullptr;
+
+ private:
+  static std::intptr_t host(sdk::EffectRecord* record, std::int32_t opcode, std::int32_t index,
+                            std::intptr_t /*value*/, void* /*ptr*/, float opt) {
+    if (record == nullptr || record->user == nullptr) return 0;
+    auto& effect = *static_cast<SilentEffect*>(record->user);
+    const std::string number = std::to_string(index);
+    const std::string gap = effect.log.empty() ? "" : " ";
+    switch (static_cast<sdk::HostOpcode>(opcode)) {
+    case sdk::HostOpcode::Automate:
+      effect.log += gap + number + "=" + std::to_string(std::lround(opt * 1000.0F));
+      effect.onAutomate();
+      break;
+    case sdk::HostOpcode::BeginEdit: effect.log += gap + "(" + number; break;
+    case sdk::HostOpcode::EndEdit: effect.log += gap + ")" + number; break;
+    default: break;
+    }
+    return 0;
+  }
+
+  std::array<std::atomic<float>, 36> m_values{};
+};
+
+/// One editor on windows without a screen.
+class EditorRig {
+ public:
+  EditorRig() {
+    auto files = std::make_unique<platform::ScriptedFileSelector>();
+    auto documents = std::make_unique<platform::ScriptedDocumentOpener>();
+    selector = files.get();
+    opener = documents.get();
+    editor = std::make_unique<editor::RotaryEditor>(
+        effect, effect,
+        editor::RotaryEditor::Desktop{windows, settings, std::move(files), std::move(documents)});
+    editor->setFormatter(&formatter);
+    effect.window = editor.get();
+    effect.setPresetEditor(editor.get());
+  }
+  ~EditorRig() {
+    effect.window = nullptr;
+    effect.setPresetEditor(nullptr);
+  }
+  EditorRig(const EditorRig&) = delete;
+  EditorRig& operator=(const EditorRig&) = delete;
+
+  bool open() { return editor->open(reinterpret_cast<void*>(std::uintptr_t{7})); }
+  platform::HeadlessWindow& window() const { return *windows.lastWindow(); }
+
+  gui::CFrame& frame() const { return *editor->getFrame(); }
+
+  /// What the window shows.
+  std::vector<std::uint32_t> picture() const {
+    const platform::PixelView view = window().picture();
+    return {view.pixels, view.pixels + view.width * view.height};
+  }
+
+  // What a user does; carried out at the next idle.
+  void mouse(platform::WindowEventType type, int x, int y,
+             std::uint32_t button = platform::kPointerLeft, std::uint32_t modifiers = 0,
+             bool doubleClick = false) {
+    platform::WindowEvent event;
+    event.type = type;
+    event.x = x;
+    event.y = y;
+    event.button = button;
+    event.buttons = type == platform::WindowEventType::kMouseUp ? 0 : button;
+    event.modifiers = modifiers;
+    event.doubleClick = doubleClick;
+    event.distance = 1.0F;
+    window().inject(event);
+  }
+  void press(int x, int y) { mouse(platform::WindowEventType::kMouseDown, x, y); }
+  void release(int x, int y) { mouse(platform::WindowEventType::kMouseUp, x, y); }
+  void click(int x, int y) {
+    press(x, y);
+    release(x, y);
+    editor->idle();
+  }
+  void key(platform::VirtualKey key, std::string text = {}) {
+    platform::WindowEvent event;
+    event.type = platform::WindowEventType::kKeyDown;
+    event.key = key;
+    event.text = std::move(text);
+    window().inject(event);
+  }
+
+  SilentEffect effect;
+  platform::HeadlessWindowSystem windows;
+  std::shared_ptr<platform::MemorySettingsStore> settings =
+      std::make_shared<platform::MemorySettingsStore>();
+  plugin::ParameterFormatter formatter;
+  platform::ScriptedFileSelector* selector = nullptr;
+  platform::ScriptedDocumentOpener* opener = nullptr;
+  std::unique_ptr<editor::RotaryEditor> editor;
+};
+
+} // namespace qlx::test

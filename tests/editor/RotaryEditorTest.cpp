@@ -1,0 +1,380 @@
+#include "tests/editor/EditorRig.h"
+#include "tests/engine/CountingAllocator.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <thread>
+
+namespace qlx::test {
+namespace {
+
+using platform::VirtualKey;
+using platform::WindowEventType;
+using plugin::kLever;
+using plugin::kMIDIchl;
+using plugin::kSpeed;
+
+class OpenEditor : public testing::Test {
+ protected:
+  OpenEditor() {
+    rig.open();
+    rig.editor->idle();
+  }
+
+  /// What reached the host since the last call.
+  std::string heard() { return std::exchange(rig.effect.log, {}); }
+
+  EditorRig rig;
+};
+
+// --- Opening and closing ---
+
+TEST(EditorWindow, IsAsLargeAsItsBackgroundBeforeItIsOpened) {
+  EditorRig rig;
+  sdk::EditRectangle* rectangle = nullptr;
+  ASSERT_TRUE(rig.editor->getRect(&rectangle));
+  EXPECT_EQ(rectangle->left, 0);
+  EXPECT_EQ(rectangle->top, 0);
+  EXPECT_EQ(rectangle->right, 401);
+  EXPECT_EQ(rectangle->bottom, 570);
+}
+
+TEST(EditorWindow, NeedsAParent) {
+  EditorRig rig;
+  EXPECT_FALSE(rig.editor->open(nullptr));
+  EXPECT_EQ(rig.windows.lastWindow(), nullptr);
+  rig.editor->idle();
+  rig.editor->close();
+  EXPECT_TRUE(rig.open());
+  EXPECT_TRUE(rig.window().isShown());
+}
+
+TEST(EditorWindow, SurvivesWhatHostsDo) {
+  EditorRig rig;
+  ASSERT_TRUE(rig.open());
+  ASSERT_TRUE(rig.open()); // twice
+  rig.editor->idle();
+  rig.window().destroyByOthers();
+  rig.editor->idle();
+  rig.effect.setParameterAutomated(kLever, 0.3F);
+  rig.editor->idle();
+  rig.editor->close();
+  rig.editor->close();
+  rig.editor->idle();
+  ASSERT_TRUE(rig.open());
+  rig.press(40, 75);
+  rig.editor->idle();
+  rig.effect.log.clear();
+  rig.editor->close(); // in the middle of a gesture, which ends
+  EXPECT_EQ(rig.effect.log, ")17");
+}
+
+TEST(EditorWindow, MayBeClosedFromInsideItsOwnNotification) {
+  EditorRig rig;
+  ASSERT_TRUE(rig.open());
+  rig.effect.onAutomate = [&rig] { rig.editor->close(); };
+  rig.press(345, 540); // Bypass
+  rig.mouse(WindowEventType::kWheel, 40, 75);
+  rig.editor->idle();
+  EXPECT_EQ(rig.windows.lastWindow(), nullptr);
+  EXPECT_EQ(rig.effect.log, "(0 0=0 0=1000 )0");
+}
+
+TEST(EditorWindow, OpensWithTheEffectsValues) {
+  EditorRig rig;
+  ASSERT_TRUE(rig.open());
+  const auto before = rig.picture();
+  rig.editor->close();
+  rig.effect.setParameterAutomated(20, 0.9F);
+  rig.effect.setParameterAutomated(20, 0.0F); // not replayed
+  ASSERT_TRUE(rig.open());
+  EXPECT_EQ(rig.picture(), before);
+  rig.editor->close();
+  rig.effect.setParameterAutomated(20, 0.9F);
+  ASSERT_TRUE(rig.open());
+  EXPECT_NE(rig.picture(), before);
+}
+
+TEST(EditorWindow, LeavesNothingBehind) {
+  EditorRig rig;
+  for (int i = 0; i < 30; ++i) {
+    ASSERT_TRUE(rig.open());
+    rig.click(268, 560); // the preset menu stays open
+    rig.editor->idle();
+    rig.editor->close();
+    ASSERT_EQ(rig.windows.lastWindow(), nullptr);
+  }
+}
+
+// --- What the user does ---
+
+TEST_F(OpenEditor, EachKnobTurnsItsParameter) {
+  struct Knob {
+    int x;
+    int y;
+    int tag;
+    int pixels; ///< for the whole range
+  };
+  const Knob knobs[] = {
+      {42, 75, 17, 400},   {87, 75, 18, 400},   {156, 75, 19, 250},  {201, 75, 20, 250},
+      {270, 75, 21, 250},  {315, 75, 22, 250},  {360, 75, 23, 250},  {38, 224, 5, 250},
+      {96, 224, 6, 250},   {141, 224, 7, 250},  {186, 224, 8, 250},  {231, 224, 9, 250},
+      {291, 224, 10, 180}, {42, 325, 11, 250},  {87, 325, 12, 125},  {132, 325, 13, 250},
+      {200, 325, 14, 250}, {244, 325, 15, 250}, {290, 325, 16, 250}, {42, 467, 24, 400},
+      {87, 467, 25, 400},  {156, 467, 26, 250}, {201, 467, 27, 250}, {270, 467, 28, 250},
+      {315, 467, 29, 250}, {360, 467, 30, 250}};
+  for (const Knob& knob : knobs) {
+    rig.press(knob.x, knob.y);
+    rig.mouse(WindowEventType::kMouseMove, knob.x + 10, knob.y - 10);
+    rig.release(knob.x + 10, knob.y - 10);
+    rig.editor->idle();
+    const std::string tag = std::to_string(knob.tag);
+    const std::string value = std::to_string(std::lround(20000.0 / knob.pixels));
+    EXPECT_EQ(heard(), "(" + tag + " " + tag + "=" + value + " )" + tag);
+    EXPECT_NEAR(rig.effect.getParameter(knob.tag), 20.0F / static_cast<float>(knob.pixels), 1e-6F);
+  }
+}
+
+TEST_F(OpenEditor, OtherControlsSendTheirs) {
+  struct Action {
+    int x;
+    int y;
+    const char* heard;
+  };
+  const Action actions[] = {{372, 365, "(4 4=0 4=1000 )4"},
+                            {357, 187, "(2 2=1000 )2"},
+                            {357, 301, "(2 2=0 )2"},
+                            {369, 543, "(0 0=0 0=1000 )0"},
+                            {265, 543, "(1 1=0 1=1000 )1"},
+                            {265, 543, "(1 1=1000 1=0 )1"},
+                            {20, 543, ""},  // the MIDI channel's display
+                            {157, 543, ""}, // a lamp
+                            {230, 18, ""},  // a marker
+                            {42, 107, ""}}; // a text
+  for (const Action& action : actions) {
+    rig.click(action.x, action.y);
+    EXPECT_EQ(heard(), action.heard) << action.x << ", " << action.y;
+  }
+}
+
+TEST_F(OpenEditor, SpeedTogglesTheLever) {
+  const std::pair<float, const char*> rows[] = {
+      {0.3F, "(3 2=1000"}, {0.5F, "(3 2=0"}, {0.0F, "(3 2=1000"}, {1.0F, "(3 2=0"}};
+  for (const auto& [lever, expected] : rows) {
+    rig.effect.setParameter(kLever, lever);
+    rig.press(343, 366);
+    rig.editor->idle();
+    EXPECT_EQ(heard(), expected);
+    rig.release(343, 366);
+    rig.editor->idle();
+    EXPECT_EQ(heard(), ")3");
+    EXPECT_EQ(rig.effect.getParameter(kSpeed), 0.0F);
+  }
+}
+
+TEST_F(OpenEditor, RockerStepsThroughTheMidiChannels) {
+  const auto step = [this](int x) {
+    rig.click(x, 543);
+    return rig.effect.getParameter(kMIDIchl);
+  };
+  EXPECT_EQ(step(45), 0.0F);
+  EXPECT_EQ(heard(), "35=0 148=-1000"); // the release sends nothing
+  for (int i = 1; i < 18; ++i) EXPECT_NEAR(step(62), static_cast<float>(i) / 18.0F, 1e-6F);
+  EXPECT_EQ(step(62), 1.0F);
+  EXPECT_EQ(step(62), 1.0F);
+  EXPECT_NEAR(step(45), 17.0F / 18.0F, 1e-6F);
+}
+
+TEST_F(OpenEditor, KeysReachTheLeverByBothRoads) {
+  rig.effect.setParameter(kLever, 0.5F);
+  EXPECT_FALSE(rig.editor->onKeyDown({0, 14, 0}));
+  rig.click(357, 244);
+  EXPECT_TRUE(rig.window().hasFocus());
+  heard();
+  rig.key(VirtualKey::kDown);
+  rig.editor->idle();
+  EXPECT_EQ(heard(), "(2 2=516 )2");
+  EXPECT_TRUE(rig.editor->onKeyDown({0, 12, 0}));
+  EXPECT_EQ(heard(), "(2 2=500 )2");
+  EXPECT_FALSE(rig.editor->onKeyDown({0, 12, sdk::kModifierShift}));
+  EXPECT_FALSE(rig.editor->onKeyDown({'a', 0, 0}));
+}
+
+TEST_F(OpenEditor, NameCanBeTypedThroughTheHost) {
+  rig.click(200, 561);
+  for (const char c : std::string("Hi")) rig.editor->onKeyDown({c, 0, 0});
+  rig.editor->onKeyDown({0, 7, 0});                       // space
+  rig.editor->onKeyDown({'x', 0, sdk::kModifierControl}); // a shortcut
+  rig.editor->onKeyDown({'!', 0, sdk::kModifierShift});
+  rig.editor->onKeyDown({0, 4, 0});
+  EXPECT_EQ(rig.effect.getPresetSlot(0).nameText(), "Hi !");
+}
+
+// --- What the effect does ---
+
+std::vector<std::uint32_t> freshPicture(EditorRig& rig) {
+  const auto parent = std::make_unique<EditorRig>();
+  for (int i = 0; i < 36; ++i) parent->effect.setParameter(i, rig.effect.getParameter(i));
+  parent->open();
+  return parent->picture();
+}
+
+TEST_F(OpenEditor, MirrorsEveryParameterThatItShows) {
+  for (int index = 0; index < 36; ++index) {
+    const bool shown = (index <= 30 && index != kSpeed) || index == kMIDIchl;
+    const auto before = rig.picture();
+    rig.effect.setParameter(index, 0.77F);
+    rig.editor->idle();
+    EXPECT_EQ(rig.picture() != before, shown) << index;
+    if (index != kSpeed) { // a fresh Speed button starts with its parameter
+      EXPECT_TRUE(rig.picture() == freshPicture(rig)) << index;
+    } else {
+      rig.effect.setParameter(kSpeed, 0.0F);
+    }
+  }
+  EXPECT_EQ(heard(), "");
+}
+
+TEST_F(OpenEditor, MarkersAndLampsFollowTheEffect) {
+  const auto rest = rig.picture();
+  const auto shows = [this](double horn, double drum, bool bypassed, float mod, double sustain) {
+    rig.effect.horn = horn;
+    rig.effect.drum = drum;
+    rig.effect.bypassed = bypassed;
+    rig.effect.modulation = mod;
+    rig.effect.sustain = sustain;
+    rig.editor->idle();
+    rig.editor->idle();
+    return rig.picture();
+  };
+  EXPECT_NE(shows(0.25, 0, false, 0, 0), rest);
+  EXPECT_NE(shows(0, 0.25, false, 0, 0), rest);
+  EXPECT_NE(shows(0, 0, false, 1.0F, 0), rest);
+  EXPECT_NE(shows(0, 0, false, 0, 1.0), rest);
+  EXPECT_EQ(shows(0, 0, false, 0.4F, 0), rest);
+  EXPECT_EQ(shows(1.0, -0.0, false, 0, 0), rest);
+  EXPECT_EQ(shows(1.25, 0, false, 0, 0), shows(0.25, 0, false, 0, 0));
+  EXPECT_EQ(shows(0, -0.25, false, 0, 0), shows(0, 0.75, false, 0, 0));
+  EXPECT_EQ(shows(0.1, 0.2, true, 0, 0), shows(0.5, 0.5, false, 0, 0));
+}
+
+TEST_F(OpenEditor, AboutScreenStopsTheMarkersUntilItIsClicked) {
+  const auto before = rig.picture();
+  rig.mouse(WindowEventType::kMouseDown, 100, 165, platform::kPointerRight);
+  rig.editor->idle();
+  EXPECT_EQ(rig.picture(), before);
+  rig.click(100, 165);
+  const auto about = rig.picture();
+  EXPECT_NE(about, before);
+  EXPECT_TRUE(std::equal(before.begin() + 401 * 533, before.end(), about.begin() + 401 * 533));
+  rig.effect.horn = 0.25;
+  rig.effect.sustain = 1.0;
+  rig.editor->idle();
+  rig.click(369, 543); // Bypass, beside the screen
+  rig.mouse(WindowEventType::kMouseDown, 40, 75, platform::kPointerRight);
+  rig.editor->idle();
+  EXPECT_EQ(rig.picture(), about);
+  EXPECT_EQ(heard(), "");
+  rig.click(40, 75); // over a knob
+  rig.editor->idle();
+  EXPECT_EQ(heard(), "");
+  const auto after = rig.picture();
+  EXPECT_NE(after, about);
+  EXPECT_NE(after, before);
+  rig.effect.horn = 0.0;
+  rig.effect.sustain = 0.0;
+  rig.editor->idle();
+  rig.mouse(WindowEventType::kMouseLeave, 0, 0, 0);
+  rig.editor->idle();
+  EXPECT_EQ(rig.picture(), before);
+}
+
+// --- Drawing ---
+
+TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
+  std::mt19937 random(570);
+  const auto upTo = [&random](int n) {
+    return static_cast<int>(random() % static_cast<unsigned>(n));
+  };
+  constexpr WindowEventType kPointer[] = {WindowEventType::kMouseDown, WindowEventType::kMouseUp,
+                                          WindowEventType::kMouseMove, WindowEventType::kMouseMove,
+                                          WindowEventType::kWheel};
+  gui::PixelBuffer whole(401, 570);
+  for (int round = 0; round < 3000; ++round) {
+    switch (upTo(4)) {
+    case 0: rig.effect.setParameter(upTo(36), static_cast<float>(upTo(1001)) / 1000.0F); break;
+    case 1:
+      rig.effect.horn += 0.03;
+      rig.effect.horn -= std::floor(rig.effect.horn);
+      rig.effect.drum = static_cast<double>(upTo(100)) / 100.0;
+      rig.effect.modulation = static_cast<float>(upTo(2));
+      rig.effect.sustain = upTo(2);
+      break;
+    case 2:
+      rig.mouse(kPointer[upTo(5)], upTo(401), upTo(570), platform::kPointerLeft,
+                upTo(4) == 0 ? platform::kModifierControl : 0U, upTo(2) == 0);
+      break;
+    default:
+      if (upTo(3) == 0) rig.mouse(WindowEventType::kMouseDown, 200, 561);
+      rig.key(upTo(30) == 0 ? VirtualKey::kReturn : VirtualKey::kNone, "m");
+      rig.window().advance(std::chrono::milliseconds(upTo(600)));
+      break;
+    }
+    rig.editor->idle();
+    rig.editor->idle(); // what the first one read from the effect
+    if (round % 4 == 0) rig.mouse(WindowEventType::kMouseUp, 0, 0);
+    ASSERT_NE(rig.windows.lastWindow(), nullptr);
+    rig.frame().drawInto(whole);
+    ASSERT_TRUE(rig.picture() == whole.pixels) << "round " << round;
+  }
+}
+
+TEST_F(OpenEditor, DrawsOnlyWhatChangesAndAllocatesNothing) {
+  for (int i = 0; i < 3; ++i) rig.editor->idle();
+  rig.window().takePresentedPixels();
+  rig.editor->idle();
+  EXPECT_EQ(rig.window().takePresentedPixels(), 0U);
+
+  const engine::test::AllocationCount allocations;
+  for (int i = 0; i < 100; ++i) {
+    rig.effect.horn = i * 0.01;
+    rig.effect.drum = i * 0.007;
+    rig.editor->idle();
+  }
+  EXPECT_EQ(allocations.value(), 0);
+  const std::size_t slots = 2U * 298U * 12U;
+  EXPECT_GT(rig.window().takePresentedPixels(), 90 * slots);
+  EXPECT_LE(rig.window().takePresentedPixels(), 100 * slots);
+}
+
+TEST_F(OpenEditor, ParametersMayComeFromAnyThread) {
+  std::atomic<bool> stop{false};
+  std::thread audio([&] {
+    for (int i = 0; !stop.load(std::memory_order_relaxed); ++i) {
+      rig.effect.setParameter(i % 36, static_cast<float>(i % 101) / 100.0F);
+    }
+  });
+  for (int i = 0; i < 60; ++i) {
+    if (i % 20 == 19) {
+      rig.editor->close();
+      rig.open();
+    }
+    rig.mouse(WindowEventType::kWheel, 40, 75);
+    rig.editor->idle();
+  }
+  stop.store(true, std::memory_order_relaxed);
+  audio.join();
+  rig.effect.setParameter(kSpeed, 0.0F);
+  rig.mouse(WindowEventType::kMouseLeave, 0, 0, 0);
+  rig.editor->idle();
+  rig.editor->idle();
+  rig.editor->close();
+  const float lever = rig.effect.getParameter(kLever);
+  rig.open();
+  EXPECT_EQ(rig.effect.getParameter(kLever), lever);
+  EXPECT_TRUE(rig.picture() == freshPicture(rig));
+}
+
+} // namespace
+} // namespace qlx::test
