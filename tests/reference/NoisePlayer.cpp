@@ -46,6 +46,8 @@ void NoisePlayer::setSampleRate(double rate) {
   for (Biquad* f : {&bandPass, &slowLowPass, &fastShelf}) {
     f->setInstantUpdate(true);
     f->setSampleRate(engineRate);
+    if (f == &slowLowPass) f->setFrequency(slowLowPassHz); // within the new rate's limits
+    if (f == &fastShelf) f->setFrequency(fastShelfHz);
     f->setInstantUpdate(false);
   }
   if (variant == kDrum) distanceGain = 1.0;
@@ -113,8 +115,10 @@ double NoisePlayer::drumLoops() {
     const double x = (speed - slowThreshold) / (fastThreshold - slowThreshold);
     slowGain = std::pow(1 - x, 0.25);
     fastGain = x * x;
-    slowLowPass.setFrequency(18000 - 18000 * std::pow(x, 0.06));
-    fastShelf.setFrequency(3500 + 9500 * x * x);
+    slowLowPassHz = 18000 - 18000 * std::pow(x, 0.06);
+    fastShelfHz = 3500 + 9500 * x * x;
+    slowLowPass.setFrequency(slowLowPassHz);
+    fastShelf.setFrequency(fastShelfHz);
     fastShelf.setGainDb(12 * x * x - 12);
   }
   const double position =

@@ -40,6 +40,7 @@ struct NoisePlayer {
   Event event = kNone;
   double oneShotPos = 0, oneShotGain = 0;
   Biquad bandPass, slowLowPass, fastShelf;
+  double slowLowPassHz = 18000, fastShelfHz = 2000; // wanted, whatever the rate allows
 };
 
 } // namespace qlx::reference
