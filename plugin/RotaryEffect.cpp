@@ -1,6 +1,8 @@
 #include "plugin/RotaryEffect.h"
 
+#include "editor/RotaryEditor.h"
 #include "platform/FlushToZero.h"
+#include "platform/NativeWindow.h"
 #include "platform/SettingsStore.h"
 #include "plugin/FactoryPresets.h"
 #include "plugin/ParameterIndex.h"
@@ -10,7 +12,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 namespace qlx::plugin {
 
@@ -73,10 +77,7 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
   for (std::int32_t index = kFirstReserved; index <= kLastReserved; ++index) {
     m_parameters.store(index, parameterRow(index)->defaultValue);
   }
-  m_editor = std::make_unique<presets::CPresetSystemEditor>(
-      *this, platform::openUserSettings(kSettingsVendor, kSettingsProduct), nullptr);
-  setPresetEditor(m_editor.get());
-
+  createEditor();
   applyParameterDefaults();
   fillFactoryPresets();
   capturePresetTemplate();
@@ -85,6 +86,16 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
   suspend();
   resume();
   suspend();
+}
+
+void RotaryEffect::createEditor() {
+  editor::RotaryEditor::Desktop desktop{
+      platform::nativeWindowSystem(), platform::openUserSettings(kSettingsVendor, kSettingsProduct),
+      nullptr};
+  auto own = std::make_unique<editor::RotaryEditor>(*this, *this, std::move(desktop));
+  own->setFormatter(&m_formatter);
+  setPresetEditor(own.get());
+  setEditor(std::move(own));
 }
 
 void RotaryEffect::applyParameterDefaults() {
@@ -153,7 +164,7 @@ void RotaryEffect::setParameter(std::int32_t index, float value) {
     if (row->keeping == kInAllPresets) storeParameterInAllSlots(index, value);
   }
   if (!isPresetLoading()) storeParameter(index, value);
-  if (m_editor) m_editor->setParameter(index, value);
+  if (sdk::AEffGUIEditor* const editor = getEditor()) editor->setParameter(index, value);
 }
 
 float RotaryEffect::getParameter(std::int32_t index) { return m_parameters.value(index); }

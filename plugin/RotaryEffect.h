@@ -1,27 +1,28 @@
 #pragma once
 
+#include "editor/EffectReadout.h"
 #include "engine/RotaryEngine.h"
 #include "midi/MidiLever.h"
 #include "plugin/ParameterApplication.h"
-#include "plugin/RotaryReadout.h"
-#include "presets/CPresetSystemEditor.h"
+#include "plugin/ParameterFormatter.h"
 #include "presets/CPresetSystemEffect.h"
 #include "sdk/VstTypes.h"
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
 
 namespace qlx::plugin {
 
 /// The effect that the host loads: identity, channel layouts, parameters and the way of a block to
 /// the engine and back. Threads as in sdk::AudioEffect.
-class RotaryEffect final : public presets::CPresetSystemEffect, public RotaryReadout {
+class RotaryEffect final : public presets::CPresetSystemEffect, public editor::EffectReadout {
  public:
   static constexpr std::int32_t kUniqueId = sdk::fourCharacters("QbrZ");
 
   /// Ready to play at 44100 Hz with the first preset, switched off. `host` may be null.
   explicit RotaryEffect(sdk::HostCallback host);
+  /// The editor goes first: its window may be open, and it looks at the effect.
+  ~RotaryEffect() override { destroyEditor(); }
 
   void suspend() override;
   void resume() override;
@@ -57,6 +58,7 @@ class RotaryEffect final : public presets::CPresetSystemEffect, public RotaryRea
   double sustainState() const noexcept override { return m_midiLever.sustainState(); }
 
  private:
+  void createEditor();
   void fillFactoryPresets();
   void applyParameterDefaults();
   template <typename Sample>
@@ -67,7 +69,7 @@ class RotaryEffect final : public presets::CPresetSystemEffect, public RotaryRea
   engine::RotaryEngine m_engine;
   std::atomic<bool> m_stereoInput{true};
   std::atomic<bool> m_stereoOutput{true};
-  std::unique_ptr<presets::CPresetSystemEditor> m_editor;
+  ParameterFormatter m_formatter; ///< what the editor's displays share with the host's
 };
 
 } // namespace qlx::plugin

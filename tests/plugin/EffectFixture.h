@@ -4,8 +4,10 @@
 #include "plugin/RotaryEffect.h"
 #include "tests/platform/TemporaryFolder.h"
 
+#include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 

@@ -153,7 +153,7 @@ TEST_F(RotaryEffectTest, Identity) {
   EXPECT_EQ(record.numInputs, 2);
   EXPECT_EQ(record.numOutputs, 2);
   EXPECT_EQ(record.initialDelay, 0);
-  constexpr std::int32_t kExpected = 16 | 32 | 4096;
+  constexpr std::int32_t kExpected = 1 | 16 | 32 | 4096;
   EXPECT_EQ(record.flags & kExpected, kExpected);
   EXPECT_EQ(ask(&RotaryEffect::getEffectName), "QLX Brezan");
   EXPECT_EQ(ask(&RotaryEffect::getProductString), "QLX Brezan - rotary speaker emulator");
@@ -245,7 +245,7 @@ TEST_F(RotaryEffectTest, TheWheelMovesTheLeverAndIsSeen) {
   sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&wheel), nullptr}};
   EXPECT_EQ(effect->processEvents(&events), 1);
   EXPECT_EQ(effect->getParameter(kLever), 1.0F);
-  const RotaryReadout& readout = *effect;
+  const editor::EffectReadout& readout = *effect;
   EXPECT_EQ(readout.modWheelActivity(), 1.0F);
 
   std::vector<float> silence(22050);
