@@ -21,6 +21,7 @@ class DirtyRegion;
 class CView : public CBaseObject {
  public:
   explicit CView(const CRect& size) : m_size(size) {}
+  CView& operator=(const CView&) = delete;
 
   bool isTypeOf(std::string_view className) const override {
     return className == "CView" || CBaseObject::isTypeOf(className);
@@ -92,7 +93,6 @@ class CView : public CBaseObject {
  protected:
   /// Copies the settings; the copy is in no container.
   CView(const CView& other);
-  CView& operator=(const CView&) = delete;
 
   /// What is on the screen after this drawing is what is set now.
   virtual void latch() { m_dirty.store(false, std::memory_order_relaxed); }

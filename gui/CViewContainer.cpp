@@ -3,9 +3,16 @@
 #include "gui/CFrame.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace qlx::gui {
+
+namespace {
+
+bool isReached(const CView& view, const CPoint& where) {
+  return view.isVisible() && view.getMouseEnabled() && view.hitTest(where);
+}
+
+} // namespace
 
 CViewContainer::CViewContainer(const CViewContainer& other) : CView(other) {
   for (const auto& view : other.m_views)
@@ -50,11 +57,11 @@ void CViewContainer::removeAllViews() {
 }
 
 CView* CViewContainer::getViewAt(const CPoint& where) const {
-  for (const auto& view : m_views | std::views::reverse) {
-    if (!view->isVisible() || !view->getMouseEnabled() || !view->hitTest(where)) continue;
-    const auto* container = dynamic_cast<const CViewContainer*>(view.get());
+  for (auto view = m_views.rbegin(); view != m_views.rend(); ++view) {
+    if (!isReached(**view, where)) continue;
+    const auto* container = dynamic_cast<const CViewContainer*>(view->get());
     CView* inner = container == nullptr ? nullptr : container->getViewAt(where);
-    return inner != nullptr ? inner : view.get();
+    return inner != nullptr ? inner : view->get();
   }
   return nullptr;
 }
@@ -72,13 +79,13 @@ void CViewContainer::setPlace(CFrame* frame, CViewContainer* parent) {
 
 std::pair<CView*, CMouseEventResult>
 CViewContainer::dispatchMouseDown(const CPoint& where, const CButtonState& buttons) {
-  for (const auto& view : m_views | std::views::reverse) {
-    if (!view->isVisible() || !view->getMouseEnabled() || !view->hitTest(where)) continue;
-    if (auto* container = dynamic_cast<CViewContainer*>(view.get())) {
+  for (auto view = m_views.rbegin(); view != m_views.rend(); ++view) {
+    if (!isReached(**view, where)) continue;
+    if (auto* container = dynamic_cast<CViewContainer*>(view->get())) {
       const auto taken = container->dispatchMouseDown(where, buttons);
       if (taken.second != CMouseEventResult::kNotHandled) return taken;
     }
-    CView* asked = view.get();
+    CView* asked = view->get();
     const CMouseEventResult result = asked->onMouseDown(where, buttons);
     if (result != CMouseEventResult::kNotHandled) return {asked, result};
   }
@@ -86,9 +93,9 @@ CViewContainer::dispatchMouseDown(const CPoint& where, const CButtonState& butto
 }
 
 bool CViewContainer::onWheel(const CPoint& where, float distance, const CButtonState& buttons) {
-  for (const auto& view : m_views | std::views::reverse) {
-    if (!view->isVisible() || !view->getMouseEnabled() || !view->hitTest(where)) continue;
-    if (view->onWheel(where, distance, buttons)) return true;
+  for (auto view = m_views.rbegin(); view != m_views.rend(); ++view) {
+    if (!isReached(**view, where)) continue;
+    if ((*view)->onWheel(where, distance, buttons)) return true;
   }
   return false;
 }
