@@ -163,7 +163,7 @@ TEST_F(CommandLine, anInterruptedRenderLeavesTheOldFile) {
   // An endless tail in blocks of one frame keeps the program busy until it is stopped.
   const Finished got =
       run("cd " + m_folder.path().string() +
-          " && timeout -s INT 1 " BREZAN " render mono.wav out.wav --plugin " TEST_EFFECT
+          " && timeout -s INT 2 " BREZAN " render mono.wav out.wav --plugin " TEST_EFFECT
           " --preset Endless --tail 3600 --block 1; test $? = 124");
   EXPECT_EQ(got.errors, "brezan: interrupted\n");
   EXPECT_EQ(contents(m_folder / "out.wav"), "old");

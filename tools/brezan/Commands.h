@@ -16,6 +16,8 @@ void addInfoCommand(CLI::App& program);
 void addBenchCommand(CLI::App& program);
 void addOrganCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
+void addEditCommand(CLI::App& program);
+void addScreenshotCommand(CLI::App& program);
 
 /// The option --plugin, alike in every command that loads one.
 void addPluginOption(CLI::App& command, std::string& plugin);

@@ -30,7 +30,7 @@ sdk::SpeakerArrangement arrangement(int channels) {
 } // namespace
 
 std::intptr_t PluginHost::answer(sdk::EffectRecord* effect, std::int32_t opcode, std::int32_t index,
-                                 std::intptr_t value, void* ptr, float /*opt*/) {
+                                 std::intptr_t value, void* ptr, float opt) {
   // Null while the entry point runs: the effect does not belong to a host yet.
   const auto* host =
       effect == nullptr ? nullptr : std::bit_cast<const PluginHost*>(effect->hostReserved1);
@@ -39,7 +39,14 @@ std::intptr_t PluginHost::answer(sdk::EffectRecord* effect, std::int32_t opcode,
     *std::copy(words.begin(), words.end(), static_cast<char*>(ptr)) = '\0';
     return 1;
   };
+  const auto tell = [host, index, opt](HostEdit::Kind kind) -> std::intptr_t {
+    if (host != nullptr && host->m_editListener) host->m_editListener({kind, index, opt});
+    return 1;
+  };
   switch (static_cast<HostOpcode>(opcode)) {
+  case HostOpcode::Automate: return tell(HostEdit::Kind::Automate);
+  case HostOpcode::BeginEdit: return tell(HostEdit::Kind::Begin);
+  case HostOpcode::EndEdit: return tell(HostEdit::Kind::End);
   case HostOpcode::Version: return sdk::kVstVersion;
   case HostOpcode::PinConnected:
     if (host == nullptr || (value != 0 && value != 1)) return 0;
@@ -157,6 +164,18 @@ void PluginHost::setState(std::vector<char> chunk) {
   // The interface has no agreed answer for success but a negative one always means refusal.
   if (call(EffectOpcode::SetChunk, 0, static_cast<std::intptr_t>(chunk.size()), chunk.data()) < 0)
     throw std::runtime_error("the plug-in refused the state");
+}
+
+std::optional<EditorSize> PluginHost::editorSize() {
+  sdk::EditRectangle* rectangle = nullptr;
+  if ((m_effect->flags & sdk::kHasEditor) == 0 ||
+      call(EffectOpcode::EditGetRectangle, 0, 0, &rectangle) == 0 || rectangle == nullptr)
+    return std::nullopt;
+  return EditorSize{rectangle->right - rectangle->left, rectangle->bottom - rectangle->top};
+}
+
+bool PluginHost::openEditor(std::uintptr_t parentWindow) {
+  return call(EffectOpcode::EditOpen, 0, 0, std::bit_cast<void*>(parentWindow)) != 0;
 }
 
 void PluginHost::start(double rate, int maximumBlock, int inputs, int outputs) {

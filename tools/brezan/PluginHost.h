@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,8 +25,21 @@ struct ParameterInfo {
   float step; ///< 0 when the effect names none
 };
 
+/// What the effect tells its host about the user's gestures.
+struct HostEdit {
+  enum class Kind { Begin, Automate, End };
+  Kind kind;
+  int index;
+  float value; ///< of Automate
+};
+
+struct EditorSize {
+  int width;
+  int height;
+};
+
 /// One effect instance, spoken to through the binary interface only. Every call is made on the
-/// caller's thread. Constructor and preset calls throw std::runtime_error.
+/// caller's thread; blocks and MIDI may be given on another one than the rest. Constructor and preset calls throw std::runtime_error.
 class PluginHost {
  public:
   explicit PluginHost(const std::filesystem::path& file);
@@ -56,6 +71,17 @@ class PluginHost {
   std::vector<char> state();
   void setState(std::vector<char> chunk);
 
+  /// Nothing when the effect has no editor.
+  std::optional<EditorSize> editorSize();
+  /// Opens the editor in a window of the desktop.
+  bool openEditor(std::uintptr_t parentWindow);
+  void idleEditor() { call(sdk::EffectOpcode::EditIdle); }
+  void closeEditor() { call(sdk::EffectOpcode::EditClose); }
+  /// Is told of gestures on the thread that they come on.
+  void setEditListener(std::function<void(const HostEdit&)> listener) {
+    m_editListener = std::move(listener);
+  }
+
   /// Tells rate, block size and channel layout and switches the effect on. Input 1 or 2 channels,
   /// output 1 or 2.
   void start(double rate, int maximumBlock, int inputs, int outputs);
@@ -84,6 +110,7 @@ class PluginHost {
   double m_rate = 44100.0;
   int m_block = 512;
   std::array<int, 2> m_channels{2, 2}; ///< inputs, outputs in use
+  std::function<void(const HostEdit&)> m_editListener;
 };
 
 } // namespace qlx::tools

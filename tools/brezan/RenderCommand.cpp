@@ -1,15 +1,14 @@
 #include "tools/brezan/Commands.h"
 
-#include "tools/brezan/ParameterText.h"
+#include "tools/brezan/InputFile.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/Renderer.h"
+#include "tools/brezan/StartingPoint.h"
 #include "tools/brezan/Table.h"
-#include "tools/brezan/Words.h"
 
 #include <cmath>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <stdexcept>
 
 namespace qlx::tools {
@@ -20,10 +19,8 @@ struct RenderOptions {
   std::string input;
   std::string output;
   std::string plugin;
-  std::string preset;
-  std::string state;
+  StartingPoint start;
   std::string saveState;
-  std::vector<std::string> settings;
   std::string automation;
   std::string midi;
   std::string format = "pcm24";
@@ -44,24 +41,6 @@ Examples:
   brezan render organ.wav out.flac --preset 3 --set Drive=3dB --midi pedal.mid
   brezan render organ.wav out.wav --automate moves.txt --rate 96000 --double --format float)";
 
-std::ifstream opened(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in || in.peek() == std::ifstream::traits_type::eof())
-    throw std::runtime_error("cannot read '" + path + "', or it is empty");
-  return in;
-}
-
-int presetNumber(PluginHost& host, const std::string& wanted) {
-  const std::vector<std::string> names = host.presetNames();
-  for (std::size_t i = 0; i < names.size(); ++i)
-    if (folded(names[i]) == folded(wanted)) return static_cast<int>(i);
-  const auto number = asNumber(wanted);
-  if (number && *number >= 0.0 && *number < static_cast<double>(names.size()) &&
-      *number == std::floor(*number))
-    return static_cast<int>(*number);
-  throw std::runtime_error("no preset '" + wanted + "'; 'brezan presets' lists them");
-}
-
 void saveState(PluginHost& host, const std::string& path) {
   const std::vector<char> chunk = host.state();
   PendingFile pending(path);
@@ -70,18 +49,6 @@ void saveState(PluginHost& host, const std::string& path) {
   out.close();
   if (!out) throw std::runtime_error("cannot write '" + path + "'");
   pending.commit();
-}
-
-void prepare(PluginHost& host, const RenderOptions& options, ParameterText& parameters) {
-  if (!options.state.empty()) {
-    std::ifstream in = opened(options.state);
-    host.setState({std::istreambuf_iterator<char>(in), {}});
-  }
-  if (!options.preset.empty()) host.selectPreset(presetNumber(host, options.preset));
-  for (const std::string& setting : options.settings) {
-    const ParameterValue wanted = parameters.assignment(setting);
-    host.setValue(wanted.index, wanted.value);
-  }
 }
 
 void print(const RenderReport& report, const std::string& output) {
@@ -103,10 +70,10 @@ void render(RenderOptions options) {
   if (options.render.useDouble && !host.hasDouble())
     throw std::runtime_error("the plug-in has no double precision processing");
   ParameterText parameters(plugin);
-  prepare(host, options, parameters);
+  options.start.apply(host, parameters);
   std::vector<AutomationMove> moves;
   if (!options.automation.empty()) {
-    std::ifstream in = opened(options.automation);
+    std::ifstream in = openToRead(options.automation);
     moves = resolved(readAutomation(in, options.automation), options.automation, parameters);
   }
   std::vector<TimedMidi> messages;
@@ -138,12 +105,9 @@ void addRenderCommand(CLI::App& program) {
   command->add_option("OUT", o.output, "Sound file to write (.wav, .aiff, .flac, .w64, .caf, .au)")
       ->required();
   addPluginOption(*command, o.plugin);
-  command->add_option("--preset", o.preset, "Preset, by number from 0 or by name");
-  command->add_option("--set", o.settings, "NAME=VALUE, may be given again and again")
-      ->allow_extra_args(false);
+  o.start.addOptions(*command);
   command->add_option("--automate", o.automation, "File of parameter moves");
   command->add_option("--midi", o.midi, "Standard MIDI file played to the plug-in");
-  command->add_option("--state", o.state, "Start from a state saved with --save-state");
   command->add_option("--save-state", o.saveState, "Save the plug-in's state after the render");
   command
       ->add_option("--rate", o.rate,

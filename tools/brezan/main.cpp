@@ -12,6 +12,7 @@ namespace {
 constexpr int kInterruptedStatus = 130;
 
 int run(int argc, char** argv) {
+  noteInterrupts();
   CLI::App program("brezan: plays sound through the rotary speaker plug-in, without a studio");
   program.require_subcommand(0, 1);
   program.footer("'brezan COMMAND --help' says more about each command.");
@@ -22,7 +23,8 @@ int run(int argc, char** argv) {
   addBenchCommand(program);
   addOrganCommand(program);
   addPictureCommand(program);
-  noteInterrupts();
+  addEditCommand(program);
+  addScreenshotCommand(program);
   try {
     program.parse(argc, argv);
     if (program.get_subcommands().empty()) throw CLI::RequiredError("A command");
