@@ -31,6 +31,10 @@ class ParameterApplication final : public engine::MicrophonePlacement {
                        midi::MidiLever& midiLever) noexcept
       : m_effect(effect), m_engine(engine), m_midiLever(midiLever) {}
 
+  virtual ~ParameterApplication() = default;
+  ParameterApplication(const ParameterApplication&) = delete;
+  ParameterApplication& operator=(const ParameterApplication&) = delete;
+
   /// The stored value; 0 outside 0..119.
   float value(std::int32_t index) const noexcept;
 

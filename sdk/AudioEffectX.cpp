@@ -1,5 +1,7 @@
 #include "sdk/AudioEffectX.h"
 
+#include <bit>
+
 namespace qlx::sdk {
 
 namespace {
@@ -8,7 +10,7 @@ namespace {
 const SpeakerArrangement* arrangementAt(std::intptr_t address) noexcept {
   constexpr std::intptr_t kFirstPage = 4096;
   if (address > -kFirstPage && address < kFirstPage) return nullptr;
-  return reinterpret_cast<const SpeakerArrangement*>(address);
+  return std::bit_cast<const SpeakerArrangement*>(address);
 }
 
 } // namespace
