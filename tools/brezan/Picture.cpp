@@ -1,6 +1,6 @@
 #include "tools/brezan/Picture.h"
 
-#include "tools/brezan/PendingFile.h"
+#include "tools/brezan/PngFile.h"
 #include "tools/brezan/Spectrogram.h"
 #include "tools/brezan/Table.h"
 
@@ -97,13 +97,7 @@ class Painter {
     heatLegend();
   }
 
-  void save(const std::filesystem::path& path) {
-    PendingFile pending(path);
-    if (cairo_surface_write_to_png(m_surface.get(), pending.path().string().c_str()) !=
-        CAIRO_STATUS_SUCCESS)
-      throw std::runtime_error("cannot write '" + path.string() + "'");
-    pending.commit();
-  }
+  void save(const std::filesystem::path& path) { savePng(m_surface.get(), path); }
 
  private:
   cairo_t* cr() { return m_context.get(); }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/WindowRobot.h"
-
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -29,9 +27,5 @@ struct PictureSound {
 /// Draws level and spectrogram over time with the lever's moves into a PNG file. Throws
 /// std::runtime_error.
 void drawPicture(const PictureSound& sound, const std::filesystem::path& path);
-
-/// Writes pixels, each as a square of `scale` pixels, into a PNG file. Throws std::runtime_error.
-void savePixels(const platform::WindowRobot::Picture& pixels, int scale,
-                const std::filesystem::path& path);
 
 } // namespace qlx::tools

@@ -39,7 +39,8 @@ struct EditorSize {
 };
 
 /// One effect instance, spoken to through the binary interface only. Every call is made on the
-/// caller's thread; blocks and MIDI may be given on another one than the rest. Constructor and preset calls throw std::runtime_error.
+/// caller's thread; blocks and MIDI may be given on another one than the rest. Constructor and
+/// preset calls throw std::runtime_error.
 class PluginHost {
  public:
   explicit PluginHost(const std::filesystem::path& file);

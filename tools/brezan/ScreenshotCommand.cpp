@@ -2,12 +2,13 @@
 
 #include "platform/WindowRobot.h"
 #include "tools/brezan/EditorWindow.h"
-#include "tools/brezan/Picture.h"
 #include "tools/brezan/PluginLocation.h"
+#include "tools/brezan/PngFile.h"
 #include "tools/brezan/StartingPoint.h"
 #include "tools/brezan/Words.h"
 
 #include <chrono>
+#include <cmath>
 #include <iostream>
 #include <stdexcept>
 #include <thread>
@@ -91,7 +92,7 @@ void screenshot(const ScreenshotOptions& options) {
   }
   const auto picture = robot == nullptr ? std::nullopt : robot->picture(window.number());
   if (!picture) throw std::runtime_error("the editor's window cannot be seen on the screen");
-  savePixels(*picture, options.scale, options.output);
+  savePng(*picture, options.scale, options.output);
   std::cout << options.output << ": " << picture->width * options.scale << " x "
             << picture->height * options.scale << '\n';
 }
@@ -108,8 +109,9 @@ void addScreenshotCommand(CLI::App& program) {
   o.start.addOptions(*command);
   command->add_option("--play", o.playSeconds, "Seconds of silence played before (0)")
       ->check(CLI::Range(0.0, 3600.0));
-  command->add_option("--control", o.controls,
-                      "MIDI controller on channel 1 as NUMBER=VALUE, may be given again")
+  command
+      ->add_option("--control", o.controls,
+                   "MIDI controller on channel 1 as NUMBER=VALUE, may be given again")
       ->allow_extra_args(false);
   command->add_flag("--about", o.about, "Open the about screen first");
   command->add_option("--click", o.clicks, "Click at X,Y first, may be given again")

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/WindowRobot.h"
+
+#include <cairo.h>
+
+#include <filesystem>
+
+namespace qlx::tools {
+
+/// Write a PNG file as a whole or not at all. Throw std::runtime_error.
+void savePng(cairo_surface_t* surface, const std::filesystem::path& path);
+/// Each pixel as a square of `scale` pixels.
+void savePng(const platform::WindowRobot::Picture& picture, int scale,
+             const std::filesystem::path& path);
+
+} // namespace qlx::tools
