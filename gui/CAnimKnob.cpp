@@ -14,9 +14,7 @@ std::unique_ptr<CView> CAnimKnob::newCopy() const {
 }
 
 void CAnimKnob::draw(CDrawContext& context) {
-  const float last = static_cast<float>(getNumSubPixmaps() - 1);
-  const auto frame = static_cast<std::int32_t>(getValueNormalized() * last + 0.5F);
-  drawBackground(context, {0.0, frame * getHeightOfOneImage()});
+  drawBackground(context, {0.0, getFrameTop(getValueNormalized())});
   setDirty(false);
 }
 

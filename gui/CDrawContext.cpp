@@ -82,7 +82,6 @@ struct CDrawContext::Path {
 
 CDrawContext::CDrawContext(PixelBuffer& target, CTypeface* typeface)
     : m_target(target), m_typeface(typeface), m_clip(pixelsOf(target)) {}
-CDrawContext::~CDrawContext() = default;
 
 void CDrawContext::setClip(const PixelRect& clip) {
   m_clip = platform::intersection(clip, pixelsOf(m_target));
@@ -100,8 +99,8 @@ void CDrawContext::drawPixels(const PixelBuffer& pixels, const CRect& where,
   const int shiftY = CRect::nearest(sourceOffset.y) - place.top;
   const PixelRect source{-shiftX, -shiftY, pixels.width - shiftX, pixels.height - shiftY};
   const PixelRect area = platform::intersection(platform::intersection(place, source), m_clip);
-  const auto factor = static_cast<std::uint32_t>(
-      std::clamp(opacity, 0.0F, 1.0F) * static_cast<float>(kFull) + 0.5F);
+  const auto factor =
+      static_cast<std::uint32_t>(std::lround(std::clamp(opacity, 0.0F, 1.0F) * kFull));
   for (int y = area.top; y < area.bottom; ++y) {
     const std::uint32_t* from = pixels.row(y + shiftY);
     std::uint32_t* to = m_target.row(y);

@@ -21,7 +21,6 @@ class CDrawContext {
  public:
   /// `typeface` may be null: texts are then left out. Both outlive the context.
   CDrawContext(PixelBuffer& target, CTypeface* typeface);
-  ~CDrawContext();
   CDrawContext(const CDrawContext&) = delete;
   CDrawContext& operator=(const CDrawContext&) = delete;
 

@@ -110,7 +110,6 @@ class CFrame : public CViewContainer, private platform::WindowListener {
  private:
   void onWindowEvent(const platform::WindowEvent& event) override;
   void onKeyEvent(const platform::WindowEvent& event);
-  CFrame* frameForViews() override { return this; }
   void redraw();
   void setHoverView(CView* view, const CPoint& where, const CButtonState& buttons);
   CView* viewAt(const CPoint& where) const;

@@ -12,7 +12,7 @@ std::int32_t framesIn(const CBitmapRef& strip, CCoord height) {
 } // namespace
 
 CMovieBitmap::CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
-                           CBitmapRef strip, const CPoint& offset)
+                           const CBitmapRef& strip, const CPoint& offset)
     : CMovieBitmap(size, listener, tag, framesIn(strip, size.height()), size.height(), strip,
                    offset) {}
 
@@ -30,9 +30,7 @@ std::unique_ptr<CView> CMovieBitmap::newCopy() const {
 }
 
 void CMovieBitmap::draw(CDrawContext& context) {
-  const float last = static_cast<float>(getNumSubPixmaps() - 1);
-  const auto frame = static_cast<std::int32_t>(getValueNormalized() * last + 0.5F);
-  drawBackground(context, {0.0, frame * getHeightOfOneImage()});
+  drawBackground(context, {0.0, getFrameTop(getValueNormalized())});
   setDirty(false);
 }
 

@@ -9,8 +9,8 @@ namespace qlx::gui {
 class CMovieBitmap : public CControl, public IMultiBitmapControl {
  public:
   /// As many frames as fit the bitmap with the rectangle's height.
-  CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag, CBitmapRef strip,
-               const CPoint& offset = {});
+  CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
+               const CBitmapRef& strip, const CPoint& offset = {});
   CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag, std::int32_t frames,
                CCoord heightOfOneImage, CBitmapRef strip, const CPoint& offset = {});
 

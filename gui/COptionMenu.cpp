@@ -57,7 +57,7 @@ void COptionMenu::setEntryTitle(int index, std::string_view title) {
 void COptionMenu::setCurrent(int index) { setValue(static_cast<float>(index)); }
 
 int COptionMenu::getCurrentIndex() const {
-  const auto index = static_cast<int>(getValue() + 0.5F);
+  const auto index = static_cast<int>(std::lround(getValue()));
   return std::clamp(index, -1, getNbEntries() - 1);
 }
 

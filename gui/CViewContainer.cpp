@@ -37,7 +37,7 @@ void CViewContainer::drawViews(CDrawContext& context) {
 void CViewContainer::insertView(std::unique_ptr<CView> view) {
   CView& added = *view;
   m_views.push_back(std::move(view));
-  added.setPlace(frameForViews(), this);
+  added.setPlace(getFrame(), this);
   added.setDirty();
 }
 
@@ -45,7 +45,7 @@ std::unique_ptr<CView> CViewContainer::removeView(CView& view) {
   const auto place =
       std::ranges::find_if(m_views, [&view](const auto& owned) { return owned.get() == &view; });
   if (place == m_views.end()) return nullptr;
-  if (CFrame* frame = frameForViews()) frame->invalidRect(view.getViewSize());
+  if (CFrame* frame = getFrame()) frame->invalidRect(view.getViewSize());
   std::unique_ptr<CView> taken = std::move(*place);
   m_views.erase(place);
   taken->setPlace(nullptr, nullptr);

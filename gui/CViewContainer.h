@@ -50,8 +50,6 @@ class CViewContainer : public CView {
   CViewContainer(const CViewContainer& other);
   /// Draws the views that meet the clip.
   void drawViews(CDrawContext& context);
-  /// The frame that views added here come into.
-  virtual CFrame* frameForViews() { return getFrame(); }
 
  private:
   void insertView(std::unique_ptr<CView> view);

@@ -15,6 +15,13 @@ class IMultiBitmapControl {
   CCoord getHeightOfOneImage() const { return m_heightOfOneImage; }
   void setNumSubPixmaps(std::int32_t count) { m_subPixmaps = count; }
   std::int32_t getNumSubPixmaps() const { return m_subPixmaps; }
+  /// Where in the strip the frame for a normalised value begins: frame (int)(value x (frames - 1) +
+  /// 0.5).
+  CCoord getFrameTop(float normalized) const {
+    constexpr float kHalf = 0.5F;
+    const float last = static_cast<float>(m_subPixmaps - 1);
+    return static_cast<std::int32_t>(normalized * last + kHalf) * m_heightOfOneImage;
+  }
 
  protected:
   IMultiBitmapControl(CCoord heightOfOneImage, std::int32_t subPixmaps)

@@ -80,6 +80,8 @@ class NativeWindow {
 /// use headless/HeadlessWindow.h.
 class WindowSystem {
  public:
+  virtual ~WindowSystem() = default;
+
   /// A window inside another program's window (`parent` is the system's number for it, not 0),
   /// hidden until show(). Null when there is no display or no such parent.
   virtual std::unique_ptr<NativeWindow> openChild(std::uintptr_t parent, int width,
@@ -89,9 +91,6 @@ class WindowSystem {
   /// display.
   virtual std::unique_ptr<NativeWindow> openTopLevel(std::string_view title, int width,
                                                      int height) const = 0;
-
- protected:
-  ~WindowSystem() = default; // not owned through this type
 };
 
 /// The window system of the desktop that this was built for; stateless, lives for ever.

@@ -31,7 +31,7 @@ bool X11Picture::share() {
   if (id < 0) return false;
   void* memory = shmat(id, nullptr, 0);
   bool attached = false;
-  if (memory != reinterpret_cast<void*>(-1)) {
+  if (reinterpret_cast<std::intptr_t>(memory) != -1) {
     m_segment = xcb_generate_id(m_connection.xcb());
     const auto asked =
         xcb_shm_attach_checked(m_connection.xcb(), m_segment, static_cast<std::uint32_t>(id), 0);

@@ -7,6 +7,8 @@ namespace {
 class X11WindowSystem final : public WindowSystem {
  public:
   constexpr X11WindowSystem() = default;
+  // Nothing is to be done when the library is unloaded.
+  constexpr ~X11WindowSystem() override;
 
   std::unique_ptr<NativeWindow> openChild(std::uintptr_t parent, int width,
                                           int height) const override {
@@ -23,6 +25,8 @@ class X11WindowSystem final : public WindowSystem {
     return X11Window::createTopLevel(std::move(connection), title, width, height);
   }
 };
+
+constexpr X11WindowSystem::~X11WindowSystem() = default;
 
 } // namespace
 
