@@ -54,8 +54,10 @@ int CMenuList::perColumn() const {
 }
 
 CRect CMenuList::getEntryRect(int index) const {
-  const CCoord left = kBorder + index / perColumn() * m_entryWidth;
-  const CCoord top = kBorder + index % perColumn() * kEntryHeight;
+  const int column = index / perColumn();
+  const int line = index % perColumn();
+  const CCoord left = kBorder + column * m_entryWidth;
+  const CCoord top = kBorder + line * kEntryHeight;
   return {left, top, left + m_entryWidth, top + kEntryHeight};
 }
 
