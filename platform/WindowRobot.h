@@ -23,9 +23,9 @@ class WindowRobot {
   WindowRobot(const WindowRobot&) = delete;
   WindowRobot& operator=(const WindowRobot&) = delete;
 
-  /// What the screen shows of a window and the windows inside it. Nothing while it isn't on the
-  /// screen as a whole.
-  virtual std::optional<Picture> picture(std::uintptr_t window) = 0;
+  /// What the screen shows in the place of a window and `margin` pixels around it, as far as the
+  /// screen goes. Nothing when there is no such window on the screen.
+  virtual std::optional<Picture> picture(std::uintptr_t window, int margin) = 0;
 
   /// Presses and releases the left button at a place of the window, on the innermost window there.
   /// The user's own pointer stays where it is. False when there is no such window.

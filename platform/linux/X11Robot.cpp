@@ -1,5 +1,6 @@
 #include "platform/WindowRobot.h"
 
+#include "platform/PixelView.h"
 #include "platform/linux/X11Connection.h"
 
 #include <cstring>
@@ -15,19 +16,20 @@ class X11Robot final : public WindowRobot {
   explicit X11Robot(std::unique_ptr<X11Connection> connection)
       : m_connection(std::move(connection)), m_xcb(m_connection->xcb()) {}
 
-  std::optional<Picture> picture(std::uintptr_t window) override {
-    const auto drawable = static_cast<xcb_window_t>(window);
-    const Reply<xcb_get_geometry_reply_t> size(
-        xcb_get_geometry_reply(m_xcb, xcb_get_geometry(m_xcb, drawable), nullptr));
-    if (size == nullptr) return std::nullopt;
-    const Reply<xcb_get_image_reply_t> image(
-        xcb_get_image_reply(m_xcb,
-                            xcb_get_image(m_xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, 0, 0,
-                                          size->width, size->height, ~0U),
-                            nullptr));
+  std::optional<Picture> picture(std::uintptr_t window, int margin) override {
+    const auto area = placeOnScreen(static_cast<xcb_window_t>(window), margin);
+    if (!area || area->empty()) return std::nullopt;
+    const Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
+        m_xcb,
+        xcb_get_image(m_xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, m_connection->screen().root,
+                      static_cast<std::int16_t>(area->left), static_cast<std::int16_t>(area->top),
+                      static_cast<std::uint16_t>(area->width()),
+                      static_cast<std::uint16_t>(area->height()), ~0U),
+        nullptr));
     if (image == nullptr) return std::nullopt;
-    Picture picture{size->width, size->height, {}};
-    picture.pixels.resize(static_cast<std::size_t>(size->width) * size->height);
+    Picture picture{area->width(), area->height(), {}};
+    picture.pixels.resize(static_cast<std::size_t>(picture.width) *
+                          static_cast<std::size_t>(picture.height));
     const std::size_t bytes = picture.pixels.size() * sizeof(std::uint32_t);
     if (static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < bytes) {
       return std::nullopt;
@@ -55,6 +57,20 @@ class X11Robot final : public WindowRobot {
   }
 
  private:
+  std::optional<PixelRect> placeOnScreen(xcb_window_t window, int margin) {
+    const xcb_screen_t& screen = m_connection->screen();
+    const auto sizeAsked = xcb_get_geometry(m_xcb, window);
+    const auto placeAsked = xcb_translate_coordinates(m_xcb, window, screen.root, 0, 0);
+    const Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(m_xcb, sizeAsked, nullptr));
+    const Reply<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(m_xcb, placeAsked, nullptr));
+    if (size == nullptr || place == nullptr) return std::nullopt;
+    const PixelRect grown{place->dst_x - margin, place->dst_y - margin,
+                          place->dst_x + size->width + margin,
+                          place->dst_y + size->height + margin};
+    return intersection(grown, {0, 0, screen.width_in_pixels, screen.height_in_pixels});
+  }
+
   /// Moves the event from its window into the child under it, as deep as there are any.
   bool goToInnermost(xcb_button_press_event_t& event) {
     for (xcb_window_t from = event.event;;) {

@@ -33,6 +33,7 @@ struct ScreenshotOptions {
   bool about = false;
   double playSeconds = 0.0;
   int scale = 1;
+  int margin = 0;
 };
 
 /// "A<separator>B" as two numbers.
@@ -90,7 +91,8 @@ void screenshot(const ScreenshotOptions& options) {
     if (robot != nullptr) robot->click(window.number(), x, y);
     settle(window);
   }
-  const auto picture = robot == nullptr ? std::nullopt : robot->picture(window.number());
+  const auto picture =
+      robot == nullptr ? std::nullopt : robot->picture(window.number(), options.margin);
   if (!picture) throw std::runtime_error("the editor's window cannot be seen on the screen");
   savePng(*picture, options.scale, options.output);
   std::cout << options.output << ": " << picture->width * options.scale << " x "
@@ -116,6 +118,8 @@ void addScreenshotCommand(CLI::App& program) {
   command->add_flag("--about", o.about, "Open the about screen first");
   command->add_option("--click", o.clicks, "Click at X,Y first, may be given again")
       ->allow_extra_args(false);
+  command->add_option("--margin", o.margin, "Pixels of the screen around the window (0)")
+      ->check(CLI::Range(0, 4096));
   command->add_option("--scale", o.scale, "Times as large (1)")->check(CLI::Range(1, 16));
   command->footer("The editor is opened on the display; where there is none:\n"
                   "  xvfb-run -a brezan screenshot OUT.png");
