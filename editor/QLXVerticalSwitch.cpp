@@ -23,8 +23,8 @@ std::int32_t framesIn(const gui::CBitmapRef& strip, gui::CCoord height) {
 } // namespace
 
 QLXVerticalSwitch::QLXVerticalSwitch(const gui::CRect& size, gui::CControlListener* listener,
-                                     std::int32_t tag, gui::CBitmapRef strip, const Travel& travel,
-                                     const CPoint& offset)
+                                     std::int32_t tag, const gui::CBitmapRef& strip,
+                                     const Travel& travel, const CPoint& offset)
     : CControl(size, listener, tag, strip),
       IMultiBitmapControl(size.height(), framesIn(strip, size.height())), m_travel(travel) {
   setBackOffset(offset);

@@ -19,7 +19,8 @@ class QLXVerticalSwitch final : public gui::CControl, public gui::IMultiBitmapCo
 
   /// A frame of the strip is as high as the rectangle. The first frame shows the maximum.
   QLXVerticalSwitch(const gui::CRect& size, gui::CControlListener* listener, std::int32_t tag,
-                    gui::CBitmapRef strip, const Travel& travel, const gui::CPoint& offset = {});
+                    const gui::CBitmapRef& strip, const Travel& travel,
+                    const gui::CPoint& offset = {});
 
   bool isTypeOf(std::string_view className) const override {
     return className == "QLXVerticalSwitch" || CControl::isTypeOf(className);

@@ -11,7 +11,9 @@ gui::CBitmapRef loadBitmap(int number);
 
 /// The height of one frame of a strip; 0 without one.
 inline gui::CCoord frameHeight(const gui::CBitmapRef& strip, int frames) {
-  return strip == nullptr ? 0.0 : static_cast<gui::CCoord>(strip->height() / frames);
+  if (strip == nullptr) return 0.0;
+  const auto height = strip->height() / frames;
+  return static_cast<gui::CCoord>(height);
 }
 
 } // namespace qlx::presets
