@@ -41,7 +41,8 @@ void CPresetSystemEditor::valueChanged(gui::CControl& control) {
   case kPresetRockerTag: stepPreset(value); break;
   case kPresetMenuTag: {
     const auto index = static_cast<int>(value + 0.5F);
-    takePreset(index, m_panelView->entryTitle(index));
+    // A copy: a host may change the presets while it is told.
+    takePreset(index, std::string(m_panelView->entryTitle(index)));
     break;
   }
   case kLoadBankTag: loadBankFile(value == kBesides); break;
@@ -79,13 +80,12 @@ void CPresetSystemEditor::stepPreset(float direction) {
 }
 
 void CPresetSystemEditor::takePreset(int index, const std::string& name) {
-  const std::string shownName = name; // the menu's own text changes below
   if (PresetPanel* const shown = panel()) {
     shown->makeEntryCurrent(index);
-    shown->setNameField(shownName);
+    shown->setNameField(name);
   }
   m_store.selectPreset(index);
-  m_store.renameCurrentPreset(shownName.c_str());
+  m_store.renameCurrentPreset(name.c_str());
 }
 
 void CPresetSystemEditor::openUserManual() {

@@ -9,6 +9,8 @@ namespace qlx::presets {
 /// menu with one entry a slot. For the thread that opened the window.
 class PresetPanel {
  public:
+  virtual ~PresetPanel() = default;
+
   virtual void setNameField(const std::string& name) = 0;
   virtual void makeEntryCurrent(int index) = 0;
   virtual void setCurrentEntryTitle(const std::string& title) = 0;
@@ -23,7 +25,6 @@ class PresetPanel {
   PresetPanel() = default;
   PresetPanel(const PresetPanel&) = default;
   PresetPanel& operator=(const PresetPanel&) = default;
-  ~PresetPanel() = default;
 };
 
 } // namespace qlx::presets

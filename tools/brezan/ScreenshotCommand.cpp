@@ -59,7 +59,7 @@ void playSilence(PluginHost& host, double seconds) {
   buffers.fill(std::vector<float>(kBlock));
   std::array inputs{buffers[0].data(), buffers[1].data()};
   std::array outputs{buffers[2].data(), buffers[3].data()};
-  for (double played = 0.0; played < seconds; played += kBlock / kRate)
+  for (auto blocks = std::lround(seconds * kRate / kBlock); blocks > 0; --blocks)
     host.process(inputs.data(), outputs.data(), kBlock);
 }
 
