@@ -75,17 +75,18 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
   std::array<std::atomic<float>, 36> m_values{};
 };
 
-/// One editor on windows without a screen.
+/// One editor, on windows without a screen unless others are given.
 class EditorRig {
  public:
-  EditorRig() {
+  explicit EditorRig(const platform::WindowSystem* others = nullptr) {
     auto files = std::make_unique<platform::ScriptedFileSelector>();
     auto documents = std::make_unique<platform::ScriptedDocumentOpener>();
     selector = files.get();
     opener = documents.get();
     editor = std::make_unique<editor::RotaryEditor>(
         effect, effect,
-        editor::RotaryEditor::Desktop{windows, settings, std::move(files), std::move(documents)});
+        editor::RotaryEditor::Desktop{others == nullptr ? windows : *others, settings,
+                                      std::move(files), std::move(documents)});
     editor->setFormatter(&formatter);
     effect.window = editor.get();
     effect.setPresetEditor(editor.get());

@@ -1,0 +1,73 @@
+#include "platform/WindowRobot.h"
+#include "tests/editor/EditorRig.h"
+#include "tests/platform/VirtualDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace qlx::test {
+namespace {
+
+/// The editor in a window of the desktop, beside one that has no screen.
+class EditorOnDisplay : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
+    host = platform::nativeWindowSystem().openTopLevel("host", 401, 570);
+    robot = platform::openWindowRobot();
+    ASSERT_NE(host, nullptr);
+    ASSERT_NE(robot, nullptr);
+    host->show();
+    host->pump();
+    ASSERT_TRUE(shown.editor->open(reinterpret_cast<void*>(host->handle())));
+    ASSERT_TRUE(headless.open());
+  }
+
+  /// Idles until the screen shows what the other window does, and the host has heard the same;
+  /// false when that never comes.
+  bool screenFollows() {
+    for (int i = 0; i < 200; ++i) {
+      shown.editor->idle();
+      headless.editor->idle();
+      const auto picture = robot->picture(host->handle(), 0);
+      if (picture && picture->pixels == headless.picture() &&
+          shown.effect.log == headless.effect.log) {
+        return true;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+  }
+
+  platform::test::VirtualDisplay display{{"-screen", "0", "800x700x24"}};
+  std::unique_ptr<platform::NativeWindow> host;
+  std::unique_ptr<platform::WindowRobot> robot;
+  EditorRig shown{&platform::nativeWindowSystem()};
+  EditorRig headless;
+};
+
+TEST_F(EditorOnDisplay, ScreenShowsExactlyWhatIsDrawn) {
+  EXPECT_TRUE(screenFollows());
+  for (EditorRig* rig : {&shown, &headless}) {
+    for (int i = 5; i <= 30; ++i) rig->effect.setParameter(i, static_cast<float>(i) / 30.0F);
+    rig->effect.horn = 0.3;
+    rig->effect.drum = 0.9;
+    rig->effect.sustain = 1.0;
+  }
+  EXPECT_TRUE(screenFollows());
+}
+
+TEST_F(EditorOnDisplay, ClicksArriveAsInAWindowWithoutAScreen) {
+  const std::pair<int, int> places[] = {{369, 543}, {343, 366}, {357, 301}, {62, 543}, {100, 165}};
+  for (const auto& [x, y] : places) {
+    ASSERT_TRUE(robot->click(host->handle(), x, y));
+    headless.press(x, y);
+    headless.release(x, y);
+    EXPECT_TRUE(screenFollows()) << x << ", " << y << ": " << shown.effect.log;
+  }
+}
+
+} // namespace
+} // namespace qlx::test
