@@ -20,10 +20,6 @@ TEST(Geometry, RegionsBySideWallsAndSide) {
   // walls' images.
   CabinetWalls real(false), narrow(false);
   narrow.sideA = narrow.sideB = 0.05;
-  struct Case {
-    double angle;
-    MicrophoneRegion real, narrow;
-  };
   // The direction counts by the sine of the bearing alone: straight ahead it is at its largest.
   for (double angle = -0.5; angle <= 0.5; angle += 0.01) {
     EXPECT_EQ(microphoneRegion({angle, 1.0}, real), MicrophoneRegion::Front) << angle;

@@ -276,7 +276,6 @@ TEST(RotaryEngine, LastSafetyNetGivesTheInputAndRecovers) {
 }
 
 TEST(RotaryEngine, StopAndReleaseBetweenTwoBlocksStillSounds) {
-  const test::PlainRecordings recordings(0.0F);
   test::PlainRecordings loud;
   for (std::size_t i = 0; i < kStartStopLength; ++i)
     loud.startStop()[i] = i % 40 < 20 ? 0.5F : -0.5F;

@@ -174,7 +174,7 @@ TEST(HornNoisePlayer, BlendsBySpeedAndFallsWithDistance) {
   struct Case {
     double hz, slowVolume, fastVolume, gain;
   };
-  const double between = (4.14 - 0.78) / (7.5 - 0.78), early = (1.452 - 0.78) / (7.5 - 0.78);
+  const double early = (1.452 - 0.78) / (7.5 - 0.78);
   const Case cases[] = {{0.0, 1, 1, 0},
                         {0.39, 1, 0, 0.25},
                         {0.78, 1, 1, 1},
@@ -201,7 +201,6 @@ TEST(HornNoisePlayer, BlendsBySpeedAndFallsWithDistance) {
     const double x = (own - 0.78) / (7.5 - 0.78);
     EXPECT_NEAR(rms, std::pow(x, 4) * std::pow(0.3 / distance, 0.25) * std::sqrt(0.5), 0.01);
   }
-  EXPECT_GT(between, 0.4) << "beyond the slow loop's end of the fade";
 }
 
 TEST(HornNoisePlayer, SwitchSoundPlaysOnceAtEveryRateAndRestarts) {
