@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -35,5 +36,8 @@ class DocumentOpener {
   DocumentOpener(const DocumentOpener&) = default;
   DocumentOpener& operator=(const DocumentOpener&) = default;
 };
+
+/// The way of this system's desktops.
+std::unique_ptr<DocumentOpener> desktopDocumentOpener();
 
 } // namespace qlx::platform

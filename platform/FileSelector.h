@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -40,6 +41,10 @@ class FileSelector {
   /// The answer, once; nothing while the dialog is open or none was asked for.
   virtual std::optional<Paths> poll() = 0;
 
+  /// Whether the dialog last asked for turned out impossible, or was lost, in a poll(): no answer
+  /// comes any more, and another one can be asked for.
+  virtual bool hasFailed() const = 0;
+
   /// Dismisses the dialog, which then gives no answer.
   virtual void cancel() = 0;
 
@@ -48,5 +53,8 @@ class FileSelector {
   FileSelector(const FileSelector&) = default;
   FileSelector& operator=(const FileSelector&) = default;
 };
+
+/// The dialogs that this system's desktops have, the best one that works.
+std::unique_ptr<FileSelector> desktopFileSelector();
 
 } // namespace qlx::platform

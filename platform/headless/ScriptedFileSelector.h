@@ -13,6 +13,7 @@ class ScriptedFileSelector final : public FileSelector {
     if (m_request) return false;
     m_request = request;
     m_answer.reset();
+    m_failed = false;
     return true;
   }
 
@@ -20,6 +21,8 @@ class ScriptedFileSelector final : public FileSelector {
     if (m_answer) m_request.reset();
     return std::exchange(m_answer, std::nullopt);
   }
+
+  bool hasFailed() const override { return m_failed; }
 
   void cancel() override {
     m_request.reset();
@@ -32,9 +35,16 @@ class ScriptedFileSelector final : public FileSelector {
   /// What the user does; empty paths for cancelling.
   void answer(Paths paths) { m_answer = std::move(paths); }
 
+  /// The dialog goes away without an answer.
+  void fail() {
+    cancel();
+    m_failed = true;
+  }
+
  private:
   std::optional<FileRequest> m_request;
   std::optional<Paths> m_answer;
+  bool m_failed = false;
 };
 
 } // namespace qlx::platform
