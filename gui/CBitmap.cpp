@@ -1,47 +1,42 @@
 #include "gui/CBitmap.h"
 
-#include <cairo.h>
+#include "gui/PixelMath.h"
+
+#include <png.h>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <bit>
 
 namespace qlx::gui {
 
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
-using SurfaceOwner = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 
 constexpr int kLargestSide = 32767;
 constexpr std::array<std::uint8_t, 8> kPngSignature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 constexpr std::size_t kDibFileHeaderSize = 14;
 constexpr std::size_t kDibHeaderSize = 40;
 
-cairo_status_t readBytes(void* closure, unsigned char* data, unsigned int length) {
-  Bytes& rest = *static_cast<Bytes*>(closure);
-  if (rest.size() < length) return CAIRO_STATUS_READ_ERROR;
-  std::memcpy(data, rest.data(), length);
-  rest = rest.subspan(length);
-  return CAIRO_STATUS_SUCCESS;
-}
+// A word 0xAARRGGBB as it lies in memory.
+constexpr png_uint_32 kWordFormat =
+    std::endian::native == std::endian::little ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
 
 CBitmapRef decodePng(Bytes bytes) {
-  const SurfaceOwner surface(cairo_image_surface_create_from_png_stream(readBytes, &bytes),
-                             &cairo_surface_destroy);
-  if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
-  const cairo_format_t format = cairo_image_surface_get_format(surface.get());
-  if (format != CAIRO_FORMAT_ARGB32 && format != CAIRO_FORMAT_RGB24) return nullptr;
-  const std::uint32_t opaque = format == CAIRO_FORMAT_RGB24 ? 0xFF000000U : 0U;
-  PixelBuffer pixels(cairo_image_surface_get_width(surface.get()),
-                     cairo_image_surface_get_height(surface.get()));
-  const unsigned char* data = cairo_image_surface_get_data(surface.get());
-  const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(surface.get()));
-  for (int y = 0; y < pixels.height; ++y) {
-    std::uint32_t* row = pixels.row(y);
-    std::memcpy(row, data + static_cast<std::size_t>(y) * stride,
-                static_cast<std::size_t>(pixels.width) * sizeof(std::uint32_t));
-    for (int x = 0; x < pixels.width; ++x) row[x] |= opaque;
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) return nullptr;
+  if (image.width > kLargestSide || image.height > kLargestSide) {
+    png_image_free(&image);
+    return nullptr;
+  }
+  image.format = kWordFormat;
+  PixelBuffer pixels(static_cast<int>(image.width), static_cast<int>(image.height));
+  if (png_image_finish_read(&image, nullptr, pixels.pixels.data(), 0, nullptr) == 0) return nullptr;
+  for (std::uint32_t& pixel : pixels.pixels) {
+    const std::uint32_t alpha = pixel >> 24;
+    if (alpha != kFull) pixel = (alpha << 24) | scaled(pixel & 0x00FFFFFFU, alpha);
   }
   return std::make_shared<const CBitmap>(std::move(pixels));
 }

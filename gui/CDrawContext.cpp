@@ -1,5 +1,6 @@
 #include "gui/CDrawContext.h"
 
+#include "gui/PixelMath.h"
 #include "gui/Utf8.h"
 
 #include <cairo.h>
@@ -11,25 +12,6 @@
 namespace qlx::gui {
 
 namespace {
-
-constexpr int kFull = 255;
-
-// x / 255 to the nearest for x up to 255 x 255, on two channels at once: 0x00XX00YY.
-constexpr std::uint32_t divideBy255(std::uint32_t pair) {
-  const std::uint32_t biased = pair + 0x00800080U;
-  return ((biased + ((biased >> 8) & 0x00FF00FFU)) >> 8) & 0x00FF00FFU;
-}
-
-// A premultiplied pixel times factor / 255.
-constexpr std::uint32_t scaled(std::uint32_t pixel, std::uint32_t factor) {
-  const std::uint32_t redBlue = divideBy255((pixel & 0x00FF00FFU) * factor);
-  const std::uint32_t alphaGreen = divideBy255(((pixel >> 8) & 0x00FF00FFU) * factor);
-  return redBlue | (alphaGreen << 8);
-}
-
-constexpr std::uint32_t over(std::uint32_t above, std::uint32_t below) {
-  return above + scaled(below, kFull - (above >> 24));
-}
 
 constexpr std::uint32_t premultiplied(const CColor& colour) {
   const std::uint32_t opaque = 0xFF000000U | (static_cast<std::uint32_t>(colour.red) << 16) |

@@ -3,18 +3,54 @@
 #include <png.h>
 
 #include <algorithm>
+#include <csetjmp>
+#include <fstream>
 #include <stdexcept>
+#include <vector>
 
 namespace qlx::artwork {
 namespace {
 
-png_image header(const Picture& picture) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = static_cast<png_uint_32>(picture.width());
-  image.height = static_cast<png_uint_32>(picture.height());
-  image.format = PNG_FORMAT_RGBA;
-  return image;
+using Bytes = std::vector<png_byte>;
+
+void append(png_structp writer, png_bytep data, png_size_t length) {
+  Bytes& file = *static_cast<Bytes*>(png_get_io_ptr(writer));
+  file.insert(file.end(), data, data + length);
+}
+
+struct Writer {
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+
+  Writer() = default;
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+  ~Writer() { png_destroy_write_struct(&png, &info); }
+};
+
+/// False when the library gives up, which it does by a jump: nothing here has a destructor.
+bool write(const Writer& writer, const Picture& picture, int filter) {
+  png_structp png = writer.png;
+  if (setjmp(png_jmpbuf(png)) != 0) return false;
+  png_set_IHDR(png, writer.info, static_cast<png_uint_32>(picture.width()),
+               static_cast<png_uint_32>(picture.height()), 8, PNG_COLOR_TYPE_RGBA,
+               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  png_set_sRGB(png, writer.info, PNG_sRGB_INTENT_PERCEPTUAL);
+  png_set_filter(png, PNG_FILTER_TYPE_BASE, filter);
+  png_set_compression_level(png, 9);
+  png_write_info(png, writer.info);
+  for (int y = 0; y < picture.height(); ++y) png_write_row(png, picture.at(0, y).data());
+  png_write_end(png, nullptr);
+  return true;
+}
+
+/// The PNG file with one filter for all rows.
+Bytes encode(const Picture& picture, int filter) {
+  const Writer writer;
+  Bytes file;
+  png_set_write_fn(writer.png, &file, append, nullptr);
+  if (!write(writer, picture, filter)) throw std::runtime_error("a picture cannot be encoded");
+  return file;
 }
 
 } // namespace
@@ -48,10 +84,17 @@ void Picture::composite(const Picture& source, int sourceTop, int width, int hei
 }
 
 void Picture::save(const std::filesystem::path& file) const {
-  png_image image = header(*this);
-  if (png_image_write_to_file(&image, file.c_str(), 0, m_pixels.data(), 0, nullptr) == 0) {
-    throw std::runtime_error(file.string() + ": " + image.message);
+  // One filter for the whole picture, of those that are undone quickly, is read in half the time of
+  // filters mixed row by row, and makes no larger files of these pictures.
+  Bytes smallest;
+  for (const int filter : {PNG_FILTER_NONE, PNG_FILTER_SUB, PNG_FILTER_UP}) {
+    Bytes encoded = encode(*this, filter);
+    if (smallest.empty() || encoded.size() < smallest.size()) smallest = std::move(encoded);
   }
+  std::ofstream out(file, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(smallest.data()),
+            static_cast<std::streamsize>(smallest.size()));
+  if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
 }
 
 Picture Picture::decode(std::span<const std::byte> png) {

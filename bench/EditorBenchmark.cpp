@@ -1,0 +1,50 @@
+#include "tests/editor/EditorRig.h"
+
+#include "presets/LoadBitmap.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using qlx::test::EditorRig;
+
+/// What a host's user waits for, without the desktop's part of it.
+void openAndClose(benchmark::State& state) {
+  EditorRig rig;
+  for (auto run : state) {
+    rig.open();
+    rig.editor->close();
+  }
+}
+
+void decodeStrip(benchmark::State& state) {
+  for (auto run : state)
+    benchmark::DoNotOptimize(qlx::presets::loadBitmap(static_cast<int>(state.range(0))));
+}
+
+/// One idle with both rotors turning at full speed, drawn but not sent to a screen.
+void idleWithRotorsTurning(benchmark::State& state) {
+  EditorRig rig;
+  rig.open();
+  for (auto run : state) {
+    rig.effect.horn += 0.11;
+    rig.effect.horn -= std::floor(rig.effect.horn);
+    rig.effect.drum += 0.10;
+    rig.effect.drum -= std::floor(rig.effect.drum);
+    rig.editor->idle();
+  }
+}
+
+void idleAtRest(benchmark::State& state) {
+  EditorRig rig;
+  rig.open();
+  for (auto run : state) rig.editor->idle();
+}
+
+} // namespace
+
+BENCHMARK(openAndClose)->Unit(benchmark::kMillisecond);
+BENCHMARK(decodeStrip)->Arg(2002)->Arg(2005)->Arg(3999)->Arg(4000)->Unit(benchmark::kMillisecond);
+BENCHMARK(idleWithRotorsTurning)->Unit(benchmark::kMicrosecond);
+BENCHMARK(idleAtRest)->Unit(benchmark::kMicrosecond);
+BENCHMARK_MAIN();
