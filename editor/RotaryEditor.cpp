@@ -3,6 +3,7 @@
 #include "editor/HostKey.h"
 #include "editor/MyFrame.h"
 #include "gui/CTypeface.h"
+#include "platform/headless/HeadlessWindow.h"
 #include "presets/CPresetSystemEffect.h"
 #include "presets/LoadBitmap.h"
 #include "resources/images/Images.h"
@@ -53,11 +54,13 @@ bool RotaryEditor::getRect(sdk::EditRectangle** rectangle) {
   return true;
 }
 
-bool RotaryEditor::open(void* parent) {
+bool RotaryEditor::open(void* parent) { return openIn(m_windows, parent); }
+
+bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent) {
   if (m_background == nullptr || parent == nullptr) return false;
   close();
-  auto window = m_windows.openChild(reinterpret_cast<std::uintptr_t>(parent), m_background->width(),
-                                    m_background->height());
+  auto window = windows.openChild(reinterpret_cast<std::uintptr_t>(parent), m_background->width(),
+                                  m_background->height());
   if (window == nullptr) return false;
   const gui::CRect whole{0.0, 0.0, static_cast<double>(m_background->width()),
                          static_cast<double>(m_background->height())};
@@ -144,6 +147,26 @@ void RotaryEditor::controlBeginEdit(gui::CControl& control) {
 
 void RotaryEditor::controlEndEdit(gui::CControl& control) {
   presetStore().endEdit(control.getTag());
+}
+
+bool RotaryEditor::picture(const sdk::EditorPicture& request) {
+  const bool fits = request.pixels != nullptr && request.width == m_rectangle.right &&
+                    request.height == m_rectangle.bottom &&
+                    (request.clickCount <= 0 || request.clicks != nullptr);
+  const platform::HeadlessWindowSystem windows;
+  if (!fits || m_controls != nullptr || !openIn(windows, this)) return false;
+  idle();
+  for (std::int32_t i = 0; i < request.clickCount && windows.lastWindow() != nullptr; ++i) {
+    windows.lastWindow()->click(request.clicks[i].x, request.clicks[i].y);
+    idle();
+  }
+  idle(); // what the last one read from the effect
+  const platform::HeadlessWindow* window = windows.lastWindow();
+  if (window == nullptr) return false; // the host closed it on hearing of a click
+  const platform::PixelView shown = window->picture();
+  std::copy_n(shown.pixels, shown.width * shown.height, request.pixels);
+  close();
+  return true;
 }
 
 bool RotaryEditor::onKeyDown(const sdk::KeyCode& key) {

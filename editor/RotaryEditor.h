@@ -36,6 +36,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   bool open(void* parent) override;
   void close() override;
   void idle() override;
+  bool picture(const sdk::EditorPicture& request) override;
   bool onKeyDown(const sdk::KeyCode& key) override;
   bool onKeyUp(const sdk::KeyCode& key) override;
   void setParameter(std::int32_t index, float value) override;
@@ -45,6 +46,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   void controlEndEdit(gui::CControl& control) override;
 
  private:
+  bool openIn(const platform::WindowSystem& windows, void* parent);
   void showMirrored();
   void showReadout();
   void toggleLever();

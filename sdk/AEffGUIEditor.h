@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sdk/EditorPicture.h"
 #include "sdk/VstTypes.h"
 
 #include <cstdint>
@@ -50,6 +51,12 @@ class AEffGUIEditor {
   /// How the user turns knobs, a KnobMode; answers whether it is supported.
   virtual bool setKnobMode(std::int32_t mode) {
     (void)mode;
+    return false;
+  }
+
+  /// Draws the editor into the request's pixels; false when it can't.
+  virtual bool picture(const EditorPicture& request) {
+    (void)request;
     return false;
   }
 

@@ -119,6 +119,12 @@ KeyCode keyOf(std::int32_t character, std::intptr_t virt, float modifiers) noexc
   return key;
 }
 
+bool answerVendor(AEffGUIEditor& editor, std::int32_t index, const void* ptr) {
+  if (index != kEditorPictureRequest || ptr == nullptr) return false;
+  const auto& request = *static_cast<const EditorPicture*>(ptr);
+  return request.byteSize == sizeof(EditorPicture) && editor.picture(request);
+}
+
 } // namespace
 
 AudioEffect::AudioEffect(HostCallback host, std::int32_t numPrograms,
@@ -193,6 +199,7 @@ std::intptr_t AudioEffect::dispatchEditor(std::int32_t opcode, std::int32_t inde
   case EffectOpcode::EditIdle: m_editor->idle(); return 0;
   case EffectOpcode::EditKeyDown: return m_editor->onKeyDown(keyOf(index, value, opt)) ? 1 : 0;
   case EffectOpcode::EditKeyUp: return m_editor->onKeyUp(keyOf(index, value, opt)) ? 1 : 0;
+  case EffectOpcode::VendorSpecific: return answerVendor(*m_editor, index, ptr) ? 1 : 0;
   case EffectOpcode::SetEditKnobMode: return m_editor->setKnobMode(saturate(value)) ? 1 : 0;
   default: return 0;
   }

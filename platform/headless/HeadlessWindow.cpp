@@ -58,6 +58,19 @@ void HeadlessWindow::requestText(Selection selection) {
   inject(std::move(event));
 }
 
+void HeadlessWindow::click(int x, int y) {
+  WindowEvent event;
+  event.type = WindowEventType::kMouseDown;
+  event.x = x;
+  event.y = y;
+  event.button = kPointerLeft;
+  event.buttons = kPointerLeft;
+  inject(event);
+  event.type = WindowEventType::kMouseUp;
+  event.buttons = 0;
+  inject(event);
+}
+
 void HeadlessWindow::destroyByOthers() {
   WindowEvent event;
   event.type = WindowEventType::kClosed;

@@ -35,6 +35,9 @@ class HeadlessWindow final : public NativeWindow {
   /// Queues an event.
   void inject(WindowEvent event) { m_queue.push_back(std::move(event)); }
 
+  /// Queues a press and release of the left button.
+  void click(int x, int y);
+
   /// The window is gone, as when its parent is destroyed.
   void destroyByOthers();
 

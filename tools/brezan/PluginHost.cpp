@@ -174,6 +174,23 @@ std::optional<EditorSize> PluginHost::editorSize() {
   return EditorSize{rectangle->right - rectangle->left, rectangle->bottom - rectangle->top};
 }
 
+std::optional<std::vector<std::uint32_t>>
+PluginHost::editorPicture(std::span<const sdk::EditorClick> clicks) {
+  const auto size = editorSize();
+  if (!size) return std::nullopt;
+  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size->width) *
+                                    static_cast<std::size_t>(size->height));
+  sdk::EditorPicture request{sizeof(sdk::EditorPicture),
+                             size->width,
+                             size->height,
+                             static_cast<std::int32_t>(clicks.size()),
+                             clicks.data(),
+                             pixels.data()};
+  if (call(EffectOpcode::VendorSpecific, sdk::kEditorPictureRequest, 0, &request) == 0)
+    return std::nullopt;
+  return pixels;
+}
+
 bool PluginHost::openEditor(std::uintptr_t parentWindow) {
   return call(EffectOpcode::EditOpen, 0, 0, std::bit_cast<void*>(parentWindow)) != 0;
 }

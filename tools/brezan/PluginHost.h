@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sdk/EditorPicture.h"
 #include "sdk/VstTypes.h"
 #include "tools/brezan/System.h"
 
@@ -74,6 +75,9 @@ class PluginHost {
 
   /// Nothing when the effect has no editor.
   std::optional<EditorSize> editorSize();
+  /// The editor, drawn by the effect without a display, after left clicks at the given places.
+  /// Opaque pixels 0xFFRRGGBB; nothing when the effect can't do that.
+  std::optional<std::vector<std::uint32_t>> editorPicture(std::span<const sdk::EditorClick> clicks);
   /// Opens the editor in a window of the desktop.
   bool openEditor(std::uintptr_t parentWindow);
   void idleEditor() { call(sdk::EffectOpcode::EditIdle); }

@@ -17,10 +17,12 @@ namespace qlx::tools {
 
 namespace {
 
+using Click = sdk::EditorClick;
+
 constexpr double kRate = 48000.0;
 constexpr int kBlock = 480;
 /// Where the name plate is that opens the about screen.
-constexpr std::array<int, 2> kNamePlate{100, 167};
+constexpr Click kNamePlate{100, 167};
 constexpr int kIdlesPerStep = 12;
 constexpr std::chrono::milliseconds kIdleTime{10};
 
@@ -32,6 +34,7 @@ struct ScreenshotOptions {
   std::vector<std::string> clicks;
   bool about = false;
   double playSeconds = 0.0;
+  bool screen = false;
   int scale = 1;
   int margin = 0;
 };
@@ -63,12 +66,35 @@ void playSilence(PluginHost& host, double seconds) {
     host.process(inputs.data(), outputs.data(), kBlock);
 }
 
+/// The editor as the plug-in itself draws it.
+std::optional<platform::WindowRobot::Picture> drawnPicture(PluginHost& host,
+                                                           const std::vector<Click>& clicks) {
+  const auto size = host.editorSize();
+  auto pixels = host.editorPicture(clicks);
+  if (!size || !pixels) return std::nullopt;
+  return platform::WindowRobot::Picture{size->width, size->height, std::move(*pixels)};
+}
+
 /// Gives the display time to carry out what has been asked of it.
 void settle(EditorWindow& window) {
   for (int i = 0; i < kIdlesPerStep; ++i) {
     window.idle();
     std::this_thread::sleep_for(kIdleTime);
   }
+}
+
+/// What the desktop shows.
+std::optional<platform::WindowRobot::Picture>
+picturedScreen(PluginHost& host, const std::vector<Click>& clicks, int margin) {
+  EditorWindow window(host);
+  const auto robot = platform::openWindowRobot();
+  if (robot == nullptr) return std::nullopt;
+  settle(window);
+  for (const Click& click : clicks) {
+    robot->click(window.number(), click.x, click.y);
+    settle(window);
+  }
+  return robot->picture(window.number(), margin);
 }
 
 void screenshot(const ScreenshotOptions& options) {
@@ -80,20 +106,19 @@ void screenshot(const ScreenshotOptions& options) {
   playSilence(host, options.playSeconds);
   for (const std::string& control : options.controls) sendControl(host, control);
 
-  EditorWindow window(host);
-  const auto robot = platform::openWindowRobot();
-  settle(window);
-  std::vector<std::array<int, 2>> clicks;
+  std::vector<Click> clicks;
   if (options.about) clicks.push_back(kNamePlate);
-  for (const std::string& click : options.clicks)
-    clicks.push_back(pairOf(click, ',', "place, which is X,Y"));
-  for (const auto& [x, y] : clicks) {
-    if (robot != nullptr) robot->click(window.number(), x, y);
-    settle(window);
+  for (const std::string& click : options.clicks) {
+    const auto [x, y] = pairOf(click, ',', "place, which is X,Y");
+    clicks.push_back({x, y});
   }
+  const bool screen = options.screen || options.margin > 0;
   const auto picture =
-      robot == nullptr ? std::nullopt : robot->picture(window.number(), options.margin);
-  if (!picture) throw std::runtime_error("the editor's window cannot be seen on the screen");
+      screen ? picturedScreen(host, clicks, options.margin) : drawnPicture(host, clicks);
+  if (!picture)
+    throw std::runtime_error(screen ? "the editor's window cannot be seen on the screen"
+                                    : "the plug-in draws no editor without a display; "
+                                      "--screen takes it from the desktop");
   savePng(*picture, options.scale, options.output);
   std::cout << options.output << ": " << picture->width * options.scale << " x "
             << picture->height * options.scale << '\n';
@@ -118,11 +143,11 @@ void addScreenshotCommand(CLI::App& program) {
   command->add_flag("--about", o.about, "Open the about screen first");
   command->add_option("--click", o.clicks, "Click at X,Y first, may be given again")
       ->allow_extra_args(false);
-  command->add_option("--margin", o.margin, "Pixels of the screen around the window (0)")
+  command->add_flag("--screen", o.screen,
+                    "Take it from the desktop, with the menus and dialogs that lie over it");
+  command->add_option("--margin", o.margin, "Pixels of the desktop around it (0); as --screen")
       ->check(CLI::Range(0, 4096));
   command->add_option("--scale", o.scale, "Times as large (1)")->check(CLI::Range(1, 16));
-  command->footer("The editor is opened on the display; where there is none:\n"
-                  "  xvfb-run -a brezan screenshot OUT.png");
   command->callback([options] { screenshot(*options); });
 }
 

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "sdk/VstTypes.h"
+
+#include <cstdint>
+
+namespace qlx::sdk {
+
+/// Index of the vendor's own request (EffectOpcode::VendorSpecific) for a picture of the editor;
+/// ptr is an EditorPicture, the answer 1 when it has been drawn.
+inline constexpr std::int32_t kEditorPictureRequest = fourCharacters("EdPi");
+
+struct EditorClick {
+  std::int32_t x;
+  std::int32_t y;
+};
+
+/// The editor as it would look if it were opened now, drawn without any display. The window must be
+/// closed. Memory is the host's.
+struct EditorPicture {
+  std::int32_t byteSize; ///< of this
+  std::int32_t width;    ///< the editor's own
+  std::int32_t height;
+  std::int32_t clickCount;
+  const EditorClick* clicks; ///< left clicks first, in the window's pixels; they act on the effect
+  std::uint32_t* pixels;     ///< width x height words 0xFFRRGGBB, rows from the top
+};
+
+} // namespace qlx::sdk
