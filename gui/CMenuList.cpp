@@ -1,6 +1,7 @@
 #include "gui/CMenuList.h"
 
 #include "gui/CFrame.h"
+#include "gui/DialogLook.h"
 #include "gui/Utf8.h"
 
 #include <algorithm>
@@ -17,23 +18,6 @@ constexpr CCoord kCheckWidth = 18.0; // room for the check mark before the title
 constexpr CCoord kAfterTitle = 12.0;
 constexpr CCoord kNarrowest = 60.0;
 constexpr CCoord kWidest = 220.0;
-
-constexpr CColor kBack{38, 33, 29, 255};
-constexpr CColor kEdge{111, 85, 35, 255};
-constexpr CColor kDivider{58, 50, 43, 255};
-constexpr CColor kText{236, 226, 200, 255};
-constexpr CColor kHighlight{185, 141, 60, 255};
-constexpr CColor kHighlightText{28, 20, 12, 255};
-
-char32_t lowered(char32_t c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; }
-
-char32_t firstCharacter(std::string_view text) {
-  while (!text.empty()) {
-    const char32_t c = takeUtf8(text);
-    if (c != ' ') return lowered(c);
-  }
-  return 0;
-}
 
 } // namespace
 
@@ -74,17 +58,17 @@ void CMenuList::highlight(int index) {
 }
 
 void CMenuList::draw(CDrawContext& context) {
-  context.fillRect(getViewSize(), kBack);
-  context.frameRect(getViewSize(), kEdge);
+  context.fillRect(getViewSize(), kDialogBack);
+  context.frameRect(getViewSize(), kDialogEdge);
   context.setFont(kFont);
   for (int i = 0; i < m_menu.getNbEntries(); ++i) {
     const CRect entry = getEntryRect(i);
     if (i > 0 && i % perColumn() == 0)
       context.fillRect({entry.left, kBorder, entry.left + 1.0, getViewSize().bottom - kBorder},
-                       kDivider);
+                       kDialogButton);
     const bool lit = i == m_highlighted;
-    if (lit) context.fillRect(entry, kHighlight);
-    const CColor& colour = lit ? kHighlightText : kText;
+    if (lit) context.fillRect(entry, kDialogHighlight);
+    const CColor& colour = lit ? kDialogHighlightText : kDialogText;
     if ((m_menu.getStyle() & kCheckStyle) != 0 && i == m_menu.getCurrentIndex()) {
       const CPoint middle{entry.left + kCheckWidth * 0.5, entry.centre().y};
       const std::array<CPoint, 3> mark{
@@ -151,7 +135,7 @@ bool CMenuList::typeAhead(char32_t character) {
   const int count = m_menu.getNbEntries();
   for (int i = 1; character != 0 && i <= count; ++i) {
     const int entry = (std::max(m_highlighted, -1) + i) % count;
-    if (firstCharacter(m_menu.getEntry(entry)) != lowered(character)) continue;
+    if (firstLetter(m_menu.getEntry(entry)) != lowered(character)) continue;
     highlight(entry);
     return true;
   }

@@ -1,6 +1,8 @@
 #include "gui/CMessageBox.h"
 
+#include "gui/CDialogButton.h"
 #include "gui/CFrame.h"
+#include "gui/DialogLook.h"
 
 #include <algorithm>
 
@@ -8,25 +10,14 @@ namespace qlx::gui {
 
 namespace {
 
-constexpr CFontDesc kTitleFont{13.0};
-constexpr CFontDesc kTextFont{12.0};
 constexpr CCoord kMargin = 16.0;
 constexpr CCoord kLineHeight = 16.0;
 constexpr CCoord kTitleHeight = 24.0;
-constexpr CCoord kButtonHeight = 24.0;
 constexpr CCoord kButtonGap = 8.0;
 constexpr CCoord kNarrowestButton = 72.0;
 constexpr CCoord kButtonPadding = 24.0;
 constexpr CCoord kNarrowest = 220.0;
 constexpr CCoord kFrameMargin = 20.0; // left of the frame around the largest box
-
-constexpr CColor kBack{38, 33, 29, 255};
-constexpr CColor kEdge{111, 85, 35, 255};
-constexpr CColor kTitleText{240, 212, 138, 255};
-constexpr CColor kText{236, 226, 200, 255};
-constexpr CColor kButton{58, 50, 43, 255};
-constexpr CColor kHighlight{185, 141, 60, 255};
-constexpr CColor kHighlightText{28, 20, 12, 255};
 
 int textWidth(CTypeface* typeface, std::string_view text, const CFontDesc& font) {
   return typeface == nullptr ? 0 : typeface->width(text, font);
@@ -39,54 +30,13 @@ std::vector<std::string> brokenIntoLines(CTypeface* typeface, std::string_view t
     text.remove_prefix(std::min(word.size() + 1, text.size()));
     std::string& line = lines.back();
     const std::string longer = line.empty() ? std::string(word) : line + " " + std::string(word);
-    if (!line.empty() && textWidth(typeface, longer, kTextFont) > width)
+    if (!line.empty() && textWidth(typeface, longer, kDialogFont) > width)
       lines.emplace_back(word);
     else
       line = longer;
   }
   return lines;
 }
-
-class CMessageButton final : public CView {
- public:
-  CMessageButton(const CRect& size, std::string_view title, CMessageBox& box, int number)
-      : CView(size), m_title(title), m_box(box), m_number(number) {}
-
-  std::unique_ptr<CView> newCopy() const override { return nullptr; }
-
-  void setHighlighted(bool highlighted) {
-    m_highlighted = highlighted;
-    setDirty();
-  }
-
-  void draw(CDrawContext& context) override {
-    context.fillRoundRect(getViewSize(), 4.0, m_highlighted ? kHighlight : kButton);
-    context.setFont(kTextFont);
-    context.setFontColor(m_highlighted ? kHighlightText : kText);
-    context.drawString(m_title, getViewSize());
-  }
-
-  CMouseEventResult onMouseDown(const CPoint& /*where*/, const CButtonState& buttons) override {
-    return buttons.isLeftButton() ? CMouseEventResult::kHandled : CMouseEventResult::kNotHandled;
-  }
-
-  CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& /*buttons*/) override {
-    if (getViewSize().contains(where)) m_box.press(m_number);
-    return CMouseEventResult::kHandled;
-  }
-
-  CMouseEventResult onMouseEntered(const CPoint& /*where*/,
-                                   const CButtonState& /*buttons*/) override {
-    m_box.highlight(m_number);
-    return CMouseEventResult::kHandled;
-  }
-
- private:
-  std::string m_title;
-  CMessageBox& m_box;
-  int m_number;
-  bool m_highlighted = false;
-};
 
 } // namespace
 
@@ -97,12 +47,12 @@ bool CMessageBox::show(CFrame& frame, std::string_view title, std::string_view t
   const CRect all = frame.getViewSize();
   const CCoord room = all.width() - 2.0 * (kFrameMargin + kMargin);
   std::vector<std::string> lines = brokenIntoLines(typeface, text, room);
-  CCoord widest = textWidth(typeface, title, kTitleFont);
+  CCoord widest = textWidth(typeface, title, kDialogTitleFont);
   for (const std::string& line : lines)
-    widest = std::max<CCoord>(widest, textWidth(typeface, line, kTextFont));
+    widest = std::max<CCoord>(widest, textWidth(typeface, line, kDialogFont));
   const CCoord width = std::max(kNarrowest, std::min(widest, room) + 2.0 * kMargin);
   const CCoord height = 3.0 * kMargin + (title.empty() ? 0.0 : kTitleHeight) +
-                        kLineHeight * static_cast<CCoord>(lines.size()) + kButtonHeight;
+                        kLineHeight * static_cast<CCoord>(lines.size()) + kDialogButtonHeight;
   const CCoord left = std::floor((all.width() - width) / 2.0);
   const CCoord top = std::floor((all.height() - height) / 2.0);
   std::unique_ptr<CMessageBox> box(new CMessageBox({left, top, left + width, top + height}, title,
@@ -119,16 +69,17 @@ CMessageBox::CMessageBox(const CRect& size, std::string_view title, std::vector<
 // In a row in the middle, below the text.
 void CMessageBox::addButtons(const std::vector<std::string>& titles, CTypeface* typeface) {
   const auto widthOf = [typeface](const std::string& title) {
-    return std::max(kNarrowestButton, textWidth(typeface, title, kTextFont) + kButtonPadding);
+    return std::max(kNarrowestButton, textWidth(typeface, title, kDialogFont) + kButtonPadding);
   };
   CCoord row = -kButtonGap;
   for (const std::string& title : titles) row += widthOf(title) + kButtonGap;
   CCoord left = std::floor(getViewSize().centre().x - row / 2.0);
   const CCoord bottom = getViewSize().bottom - kMargin;
   for (const std::string& title : titles) {
-    const CRect place{left, bottom - kButtonHeight, left + widthOf(title), bottom};
-    addView(
-        std::make_unique<CMessageButton>(place, title, *this, static_cast<int>(getViews().size())));
+    const CRect place{left, bottom - kDialogButtonHeight, left + widthOf(title), bottom};
+    const int number = static_cast<int>(getViews().size());
+    addView(std::make_unique<CDialogButton>(
+        place, title, [this, number] { press(number); }, [this, number] { highlight(number); }));
     left = place.right + kButtonGap;
   }
   highlight(0);
@@ -137,7 +88,7 @@ void CMessageBox::addButtons(const std::vector<std::string>& titles, CTypeface* 
 void CMessageBox::highlight(int button) {
   m_highlighted = button;
   for (std::size_t i = 0; i < getViews().size(); ++i)
-    static_cast<CMessageButton&>(*getViews()[i])
+    static_cast<CDialogButton&>(*getViews()[i])
         .setHighlighted(static_cast<int>(i) == m_highlighted);
 }
 
@@ -149,18 +100,18 @@ void CMessageBox::press(int button) {
 
 void CMessageBox::draw(CDrawContext& context) {
   const CRect& box = getViewSize();
-  context.fillRoundRect(box, 6.0, kBack);
-  context.frameRoundRect(box, 6.0, 1.0, kEdge);
+  context.fillRoundRect(box, 6.0, kDialogBack);
+  context.frameRoundRect(box, 6.0, 1.0, kDialogEdge);
   CRect line{box.left + kMargin, box.top + kMargin, box.right - kMargin, 0.0};
   if (!m_title.empty()) {
     line.bottom = line.top + kLineHeight;
-    context.setFont(kTitleFont);
-    context.setFontColor(kTitleText);
+    context.setFont(kDialogTitleFont);
+    context.setFontColor(kDialogTitle);
     context.drawString(m_title, line);
     line.top += kTitleHeight;
   }
-  context.setFont(kTextFont);
-  context.setFontColor(kText);
+  context.setFont(kDialogFont);
+  context.setFontColor(kDialogText);
   for (const std::string& text : m_lines) {
     line.bottom = line.top + kLineHeight;
     context.drawString(text, line);

@@ -80,4 +80,16 @@ std::string_view firstCharacters(std::string_view text, std::size_t characters) 
   return text.substr(0, text.size() - rest.size());
 }
 
+char32_t lowered(char32_t character) {
+  return character >= 'A' && character <= 'Z' ? character + 32 : character;
+}
+
+char32_t firstLetter(std::string_view text) {
+  while (!text.empty()) {
+    const char32_t character = takeUtf8(text);
+    if (character != ' ') return lowered(character);
+  }
+  return 0;
+}
+
 } // namespace qlx::gui

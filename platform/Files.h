@@ -26,6 +26,21 @@ bool replaceFile(const std::string& path, std::span<const std::uint8_t> bytes);
 std::string currentDirectory();
 bool changeDirectory(const std::string& directory);
 
+/// The user's own folder with a trailing separator; the root of all folders when there is none.
+std::string homeDirectory();
+
+/// Whether there is anything by this name.
+bool fileExists(const std::string& path);
+
+struct FolderEntry {
+  std::string name;
+  bool isFolder = false; ///< or a link to one
+};
+
+/// What is in a folder, in no order, without what the system keeps out of its users' sight. Nothing
+/// when it can't be read.
+std::optional<std::vector<FolderEntry>> listFolder(const std::string& directory);
+
 /// A path cut behind its last separator.
 struct SplitPath {
   std::string directory; ///< absolute, with its trailing separator
@@ -34,5 +49,11 @@ struct SplitPath {
 
 /// A path without a directory, or with a relative one, counts from the current directory.
 SplitPath splitPath(const std::string& path);
+
+/// A path as that of a folder: absolute, without detours, with its trailing separator.
+std::string asDirectory(const std::string& path);
+
+/// A path that counts from `directory` unless it is absolute.
+std::string pathIn(const std::string& directory, const std::string& path);
 
 } // namespace qlx::platform

@@ -91,7 +91,7 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
 void RotaryEffect::createEditor() {
   editor::RotaryEditor::Desktop desktop{
       platform::nativeWindowSystem(), platform::openUserSettings(kSettingsVendor, kSettingsProduct),
-      nullptr};
+      platform::desktopFileSelector(), platform::desktopDocumentOpener()};
   auto own = std::make_unique<editor::RotaryEditor>(*this, *this, std::move(desktop));
   own->setFormatter(&m_formatter);
   setPresetEditor(own.get());

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <type_traits>
 
+#include "gui/CFileSelector.h"
 #include "gui/CFrame.h"
 #include "platform/Files.h"
 #include "presets/CPresetSystemEffect.h"
@@ -34,7 +35,9 @@ CPresetSystemEditor::CPresetSystemEditor(CPresetSystemEffect& effect,
                                          std::unique_ptr<platform::DocumentOpener> documents)
     : AEffGUIEditor(&effect), m_store(effect),
       m_settings(std::move(settings)), m_locations{platform::currentDirectory(), {}, {}},
-      m_dialog(std::move(files)), m_documents(std::move(documents)) {}
+      m_dialog(
+          std::make_unique<gui::CFileSelector>(std::move(files), [this] { return getFrame(); })),
+      m_documents(std::move(documents)) {}
 
 CPresetSystemEditor::~CPresetSystemEditor() { CPresetSystemEditor::saveFileLocations(); }
 

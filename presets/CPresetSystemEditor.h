@@ -32,7 +32,7 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
  public:
   /// @param effect the store; outlives the editor except while this is being destroyed
   /// @param settings shared by instances in one process at will
-  /// @param files null: no file dialogs on this system
+  /// @param files null: files are chosen from a list inside the window
   /// @param documents null: no documents can be opened on this system
   CPresetSystemEditor(CPresetSystemEffect& effect,
                       std::shared_ptr<platform::SettingsStore> settings,

@@ -23,11 +23,6 @@ std::string& fileName(FileLocations& locations, Scope scope) {
   return scope == Scope::Preset ? locations.presetFileName : locations.bankFileName;
 }
 
-bool hasExtension(const std::string& name) {
-  const std::size_t dot = name.rfind('.');
-  return dot != std::string::npos && dot > 0; // a dot in front only hides the file
-}
-
 } // namespace
 
 void PresetFileDialog::ask(const FileTask& task, const FileLocations& locations,
@@ -49,15 +44,13 @@ void PresetFileDialog::ask(const FileTask& task, const FileLocations& locations,
 std::optional<PresetFileDialog::Choice> PresetFileDialog::poll(FileLocations& locations) {
   if (!m_task) return std::nullopt;
   const auto paths = m_selector->poll();
+  if (m_selector->hasFailed()) m_task.reset();
   if (!paths) return std::nullopt;
   const FileTask task = *m_task;
   m_task.reset();
   if (paths->size() != 1 || paths->front().empty()) return std::nullopt;
 
   auto [directory, name] = platform::splitPath(paths->front());
-  if (task.style == Style::Save && !name.empty() && !hasExtension(name)) {
-    name += '.' + fileType(task.scope).extension;
-  }
   Choice choice{task, directory + name};
   platform::changeDirectory(directory);
   locations.presetDirectory = std::move(directory);

@@ -34,7 +34,7 @@ class PresetFileDialog {
   };
 
   /// The user's choice, once. It also moves `locations` and the process's current directory to
-  /// where the file is; a file to be saved whose name was typed without an extension gets one.
+  /// where the file is.
   std::optional<Choice> poll(FileLocations& locations);
 
   /// The window goes away: so does the dialog.

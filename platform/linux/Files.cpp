@@ -2,6 +2,9 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,12 +41,46 @@ std::string currentDirectory() {
   return directory;
 }
 
+std::string homeDirectory() {
+  const char* const home = std::getenv("HOME");
+  std::string directory = home != nullptr && *home == '/' ? home : "/";
+  if (directory.back() != '/') directory += '/';
+  return directory;
+}
+
+bool fileExists(const std::string& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0;
+}
+
+std::optional<std::vector<FolderEntry>> listFolder(const std::string& directory) {
+  std::error_code error;
+  std::filesystem::directory_iterator at(directory, error);
+  std::vector<FolderEntry> entries;
+  for (; !error && at != std::filesystem::directory_iterator(); at.increment(error)) {
+    std::string name = at->path().filename().string();
+    std::error_code unknown; // a link that leads nowhere is a file
+    if (!name.starts_with('.')) entries.push_back({std::move(name), at->is_directory(unknown)});
+  }
+  if (error) return std::nullopt;
+  return entries;
+}
+
 bool changeDirectory(const std::string& directory) { return ::chdir(directory.c_str()) == 0; }
 
 SplitPath splitPath(const std::string& path) {
   const std::string whole = path.starts_with('/') ? path : currentDirectory() + path;
   const std::size_t nameAt = whole.rfind('/') + 1; // 0 where there is no separator at all
   return {whole.substr(0, nameAt), whole.substr(nameAt)};
+}
+
+std::string asDirectory(const std::string& path) {
+  const std::filesystem::path whole(path.starts_with('/') ? path : currentDirectory() + path);
+  return (whole / "").lexically_normal().string();
+}
+
+std::string pathIn(const std::string& directory, const std::string& path) {
+  return path.starts_with('/') ? path : directory + path;
 }
 
 } // namespace qlx::platform
