@@ -14,7 +14,7 @@ namespace qlx::gui {
 namespace {
 
 constexpr CCoord kWidth = 361.0;
-constexpr CCoord kHeight = 430.0;
+constexpr CCoord kHeight = 436.0;
 constexpr CCoord kFrameMargin = 20.0; // left of the frame around a dialog that fills it
 constexpr CCoord kMargin = 14.0;
 constexpr CCoord kGap = 8.0;
@@ -178,7 +178,9 @@ void CFileList::accept() {
   if (m_name == nullptr || m_name->getText().empty()) return openSelected();
   const std::string path = m_model.pathOf(m_name->getText());
   if (m_model.enter(path)) {
+    m_name->endTextEdit(true);
     m_name->setText({});
+    m_name->beginTextEdit();
     folderChanged();
   } else if (!platform::splitPath(path).name.empty()) {
     answer(path);

@@ -3,6 +3,7 @@
 #include "gui/Utf8.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace qlx::gui {
 
@@ -14,10 +15,39 @@ std::u32string loweredText(const std::string& text) {
   return characters;
 }
 
-/// Lists have folders first, and small letters and capitals side by side.
+bool isDigit(char32_t character) { return character >= '0' && character <= '9'; }
+
+/// Takes a run of digits, or a single other character, off the text.
+std::u32string_view takePart(std::u32string_view& text) {
+  std::size_t length = 0;
+  while (length < text.size() && isDigit(text[length])) ++length;
+  const std::u32string_view part = text.substr(0, std::max<std::size_t>(length, 1));
+  text.remove_prefix(part.size());
+  return part;
+}
+
+std::u32string_view withoutLeadingZeros(std::u32string_view digits) {
+  return digits.substr(std::min(digits.find_first_not_of(U'0'), digits.size()));
+}
+
+/// Below 0 when `a` comes first: 2 before 10, capitals beside small letters.
+int compareNames(std::u32string_view a, std::u32string_view b) {
+  while (!a.empty() && !b.empty()) {
+    std::u32string_view partOfA = takePart(a);
+    std::u32string_view partOfB = takePart(b);
+    if (isDigit(partOfA.front()) && isDigit(partOfB.front())) {
+      partOfA = withoutLeadingZeros(partOfA);
+      partOfB = withoutLeadingZeros(partOfB);
+      if (partOfA.size() != partOfB.size()) return partOfA.size() < partOfB.size() ? -1 : 1;
+    }
+    if (const int order = partOfA.compare(partOfB); order != 0) return order;
+  }
+  return a.empty() ? (b.empty() ? 0 : -1) : 1;
+}
+
 bool comesBefore(const platform::FolderEntry& a, const platform::FolderEntry& b) {
   if (a.isFolder != b.isFolder) return a.isFolder;
-  const int order = loweredText(a.name).compare(loweredText(b.name));
+  const int order = compareNames(loweredText(a.name), loweredText(b.name));
   return order != 0 ? order < 0 : a.name < b.name;
 }
 
