@@ -17,11 +17,11 @@ CMouseEventResult CAbout::onMouseDown(const gui::CPoint& /*where*/,
                                       const gui::CButtonState& buttons) {
   if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
   setValue(getValue() == 0.0F ? 1.0F : 0.0F);
-  if (getValue() == 0.0F) return CMouseEventResult::kHandledDontNeedMoves;
+  if (getValue() == 0.0F) return CMouseEventResult::kHandled;
   auto screen = std::make_unique<CSplashScreenMyView>(getScreen(), *this, m_versionPoint);
   if (!getFrame()->setModalView(std::move(screen))) setValue(0.0F);
   invalid();
-  return CMouseEventResult::kHandledDontNeedMoves;
+  return CMouseEventResult::kHandled;
 }
 
 } // namespace qlx::editor

@@ -21,9 +21,9 @@ CAnimKnob3::CAnimKnob3(const gui::CRect& size, gui::CControlListener* listener, 
     : CAnimKnob(size, listener, tag, frames, heightOfOneImage, std::move(strip), offset),
       m_steps(steps) {}
 
-std::int32_t CAnimKnob3::shownFrame() const {
+std::int32_t CAnimKnob3::frameFor(float value) const {
   const auto last = static_cast<float>(getNumSubPixmaps() - 1);
-  float place = getValue();
+  float place = value;
   if (m_steps.count > 1) {
     const auto lastStep = static_cast<float>(m_steps.count - 1);
     const auto step = static_cast<float>(static_cast<std::int32_t>(lastStep * place + 0.5F));
@@ -33,7 +33,7 @@ std::int32_t CAnimKnob3::shownFrame() const {
 }
 
 void CAnimKnob3::draw(gui::CDrawContext& context) {
-  drawBackground(context, {0.0, shownFrame() * getHeightOfOneImage()});
+  drawBackground(context, {0.0, frameFor(getValue()) * getHeightOfOneImage()});
   setDirty(false);
 }
 

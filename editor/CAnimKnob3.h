@@ -37,7 +37,8 @@ class CAnimKnob3 final : public gui::CAnimKnob {
   bool onWheel(const gui::CPoint& where, float distance, const gui::CButtonState& buttons) override;
 
  private:
-  std::int32_t shownFrame() const;
+  bool looksAlike(float a, float b) const override { return frameFor(a) == frameFor(b); }
+  std::int32_t frameFor(float value) const;
   /// Value per pixel.
   float dragCoefficient(const gui::CButtonState& buttons) const;
 

@@ -41,7 +41,7 @@ CMouseEventResult CSplashScreenMyView::onMouseDown(const gui::CPoint& /*where*/,
   if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
   m_owner.unSplash();
   getFrame()->removeModalView();
-  return CMouseEventResult::kHandledDontNeedMoves;
+  return CMouseEventResult::kHandled;
 }
 
 } // namespace qlx::editor

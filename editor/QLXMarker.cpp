@@ -30,9 +30,9 @@ void QLXMarker::setHandleOffset(const gui::CPoint& offset) {
   invalid();
 }
 
-gui::CRect QLXMarker::handlePlace() const {
+gui::CRect QLXMarker::handlePlace(float value) const {
   if (m_handle == nullptr) return {};
-  float turns = 1.0F - getValueNormalized() + m_travel.phaseOffset;
+  float turns = 1.0F - normalized(value) + m_travel.phaseOffset;
   if (turns > 1.0F) {
     turns -= 1.0F;
   } else if (turns < -1.0F) {

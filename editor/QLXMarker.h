@@ -30,10 +30,12 @@ class QLXMarker final : public gui::CControl {
   void setHandleOffset(const gui::CPoint& offset);
 
   /// Where the handle is drawn at present, from the strip's corner.
-  gui::CRect handlePlace() const;
+  gui::CRect handlePlace() const { return handlePlace(getValue()); }
 
  private:
   QLXMarker(const QLXMarker& other);
+  bool looksAlike(float a, float b) const override { return handlePlace(a) == handlePlace(b); }
+  gui::CRect handlePlace(float value) const;
 
   gui::CBitmapRef m_handle;
   gui::CBitmapRef m_strip;

@@ -36,10 +36,12 @@ std::unique_ptr<gui::CView> QLXVerticalSwitch::newCopy() const {
   return std::unique_ptr<gui::CView>(new QLXVerticalSwitch(*this));
 }
 
+std::int32_t QLXVerticalSwitch::frameFor(float value) const {
+  return static_cast<std::int32_t>(lastFrame() * (1.0F - normalized(value)) + 0.5F);
+}
+
 void QLXVerticalSwitch::draw(gui::CDrawContext& context) {
-  const float place = 1.0F - (getValue() - getMin()) / range();
-  const auto frame = static_cast<std::int32_t>(lastFrame() * place + 0.5F);
-  drawBackground(context, {0.0, frame * getHeightOfOneImage()});
+  drawBackground(context, {0.0, frameFor(getValue()) * getHeightOfOneImage()});
   setDirty(false);
 }
 

@@ -45,6 +45,8 @@ class QLXVerticalSwitch final : public gui::CControl, public gui::IMultiBitmapCo
   float lastFrame() const { return static_cast<float>(getNumSubPixmaps() - 1); }
   float range() const { return getMax() - getMin(); }
   float valueAt(gui::CCoord y) const;
+  bool looksAlike(float a, float b) const override { return frameFor(a) == frameFor(b); }
+  std::int32_t frameFor(float value) const;
 
   Travel m_travel;
   WheelStep m_wheel;

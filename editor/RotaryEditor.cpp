@@ -170,11 +170,13 @@ bool RotaryEditor::picture(const sdk::EditorPicture& request) {
 }
 
 bool RotaryEditor::onKeyDown(const sdk::KeyCode& key) {
-  return getFrame() != nullptr && getFrame()->platformOnKeyDown(HostKey(key).code());
+  const auto frame = getFrame();
+  return frame != nullptr && frame->platformOnKeyDown(HostKey(key).code());
 }
 
 bool RotaryEditor::onKeyUp(const sdk::KeyCode& key) {
-  return getFrame() != nullptr && getFrame()->platformOnKeyUp(HostKey(key).code());
+  const auto frame = getFrame();
+  return frame != nullptr && frame->platformOnKeyUp(HostKey(key).code());
 }
 
 } // namespace qlx::editor

@@ -16,9 +16,9 @@ CControl::CControl(const CControl& other)
       m_listener(other.m_listener), m_background(other.m_background),
       m_backOffset(other.m_backOffset) {}
 
-float CControl::getValueNormalized() const {
+float CControl::normalized(float value) const {
   const float range = m_maximum - m_minimum;
-  return range == 0.0F ? 0.0F : (getValue() - m_minimum) / range;
+  return range == 0.0F ? 0.0F : (value - m_minimum) / range;
 }
 
 void CControl::setValueNormalized(float normalized) {
@@ -70,6 +70,14 @@ void CControl::setDirty(bool dirty) {
 void CControl::latch() {
   CView::latch();
   m_shownValue.store(getValue(), std::memory_order_relaxed);
+}
+
+void CControl::collectDirty(DirtyRegion& region) {
+  // Read once: another thread may set the next one meanwhile.
+  const float value = getValue();
+  if (!CView::isDirty() && value != getOldValue() && looksAlike(value, getOldValue()))
+    m_shownValue.store(value, std::memory_order_relaxed);
+  CView::collectDirty(region);
 }
 
 void CControl::removed() {

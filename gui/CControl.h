@@ -26,7 +26,7 @@ class CControl : public CView {
   void setValue(float value) { m_value.store(value, std::memory_order_relaxed); }
   float getValue() const { return m_value.load(std::memory_order_relaxed); }
   /// 0 at the minimum, 1 at the maximum.
-  float getValueNormalized() const;
+  float getValueNormalized() const { return normalized(getValue()); }
   void setValueNormalized(float normalized);
   /// The value that the screen shows.
   float getOldValue() const { return m_shownValue.load(std::memory_order_relaxed); }
@@ -67,10 +67,16 @@ class CControl : public CView {
   void setDirty(bool dirty = true) override;
 
   void removed() override;
+  /// The toolkit's own: a value that looks like the one on the screen is shown by it.
+  void collectDirty(DirtyRegion& region) override;
 
  protected:
   CControl(const CControl& other);
   void latch() override;
+  /// Whether the control looks the same with either value.
+  virtual bool looksAlike(float a, float b) const { return a == b; }
+  /// 0 at the minimum, 1 at the maximum.
+  float normalized(float value) const;
   /// Draws the background bitmap, if any, shifted by the offset and `extra`.
   void drawBackground(CDrawContext& context, const CPoint& extra = {}) const;
 

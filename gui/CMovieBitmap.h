@@ -21,6 +21,9 @@ class CMovieBitmap : public CControl, public IMultiBitmapControl {
   void draw(CDrawContext& context) override;
 
  protected:
+  bool looksAlike(float a, float b) const override {
+    return getFrameTop(normalized(a)) == getFrameTop(normalized(b));
+  }
   CMovieBitmap(const CMovieBitmap&) = default;
 };
 

@@ -1,6 +1,5 @@
 #include "gui/CParamDisplay.h"
 
-#include <array>
 #include <charconv>
 
 namespace qlx::gui {
@@ -14,16 +13,24 @@ std::unique_ptr<CView> CParamDisplay::newCopy() const {
   return std::unique_ptr<CView>(new CParamDisplay(*this));
 }
 
-void CParamDisplay::draw(CDrawContext& context) {
-  // Zeroed whole, so that the text ends somewhere whatever a converter writes.
-  std::array<char, kDisplayTextSize> text{};
+CParamDisplay::Text CParamDisplay::textFor(float value) const {
+  Text text{};
   if (m_converter != nullptr) {
-    m_converter(getValue(), text.data(), m_userData);
+    m_converter(value, text.data(), m_userData);
   } else {
-    std::to_chars(text.data(), text.data() + text.size() - 1, static_cast<double>(getValue()),
+    std::to_chars(text.data(), text.data() + text.size() - 1, static_cast<double>(value),
                   std::chars_format::fixed, 2);
   }
   text.back() = '\0';
+  return text;
+}
+
+bool CParamDisplay::looksAlike(float a, float b) const {
+  return std::string_view(textFor(a).data()) == textFor(b).data();
+}
+
+void CParamDisplay::draw(CDrawContext& context) {
+  const Text text = textFor(getValue());
   drawBack(context);
   drawText(context, text.data());
   setDirty(false);

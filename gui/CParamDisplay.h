@@ -4,6 +4,7 @@
 #include "gui/CControl.h"
 #include "gui/CDrawContext.h"
 
+#include <array>
 #include <cstddef>
 
 namespace qlx::gui {
@@ -53,10 +54,16 @@ class CParamDisplay : public CControl {
 
  protected:
   CParamDisplay(const CParamDisplay&) = default;
+  bool looksAlike(float a, float b) const override;
   void drawBack(CDrawContext& context) const;
   void drawText(CDrawContext& context, std::string_view text) const;
 
  private:
+  using Text = std::array<char, kDisplayTextSize>;
+
+  /// Ends in zeros, whatever a converter writes.
+  Text textFor(float value) const;
+
   CParamDisplayConverter m_converter = nullptr;
   void* m_userData = nullptr;
   CFontDesc m_font = kNormalFontSmall;

@@ -66,7 +66,7 @@ void CView::render(CDrawContext& context) {
   m_rendering = false;
 }
 
-void CView::collectDirty(DirtyRegion& region) const {
+void CView::collectDirty(DirtyRegion& region) {
   if (m_visible && isDirty()) region.add(m_size.touchedPixels());
 }
 

@@ -86,7 +86,7 @@ class CView : public CBaseObject {
   /// The toolkit's own: draws the view, and makes it clean when this puts all of it on the screen.
   void render(CDrawContext& context);
   /// The toolkit's own: adds what must be redrawn.
-  virtual void collectDirty(DirtyRegion& region) const;
+  virtual void collectDirty(DirtyRegion& region);
   /// The toolkit's own: the view came into a frame and container, or left them (null).
   virtual void setPlace(CFrame* frame, CViewContainer* parent);
 

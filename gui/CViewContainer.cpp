@@ -66,7 +66,7 @@ CView* CViewContainer::getViewAt(const CPoint& where) const {
   return nullptr;
 }
 
-void CViewContainer::collectDirty(DirtyRegion& region) const {
+void CViewContainer::collectDirty(DirtyRegion& region) {
   if (!isVisible()) return;
   CView::collectDirty(region);
   for (const auto& view : m_views) view->collectDirty(region);

@@ -37,7 +37,7 @@ class CViewContainer : public CView {
   /// The innermost view that a press here would reach, or null.
   CView* getViewAt(const CPoint& where) const;
 
-  void collectDirty(DirtyRegion& region) const override;
+  void collectDirty(DirtyRegion& region) override;
   void setPlace(CFrame* frame, CViewContainer* parent) override;
 
   /// Offers a press from the topmost view down. Answers the view that took it and its answer.

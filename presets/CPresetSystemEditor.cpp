@@ -36,7 +36,7 @@ CPresetSystemEditor::CPresetSystemEditor(CPresetSystemEffect& effect,
     : AEffGUIEditor(&effect), m_store(effect),
       m_settings(std::move(settings)), m_locations{platform::currentDirectory(), {}, {}},
       m_dialog(
-          std::make_unique<gui::CFileSelector>(std::move(files), [this] { return getFrame(); })),
+          std::make_unique<gui::CFileSelector>(std::move(files), [this] { return m_frame.get(); })),
       m_documents(std::move(documents)) {}
 
 CPresetSystemEditor::~CPresetSystemEditor() { CPresetSystemEditor::saveFileLocations(); }
@@ -54,8 +54,7 @@ void CPresetSystemEditor::idle() {
   if (m_panelOutdated.exchange(false, std::memory_order_relaxed)) refreshPanel();
   if (const auto choice = m_dialog.poll(m_locations)) carryOut(*choice);
   pollUserManual();
-  // A host may close the window from inside a call that the frame's events lead to.
-  if (const std::shared_ptr<gui::CFrame> frame = m_frame) frame->idle();
+  if (const auto frame = getFrame()) frame->idle();
 }
 
 void CPresetSystemEditor::setPanel(PresetPanel* panel) {

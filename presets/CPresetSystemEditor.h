@@ -98,8 +98,9 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
   /// Takes all titles, the current entry and the name field from the store.
   void refreshPanel();
 
-  /// The open window's frame, or null.
-  gui::CFrame* getFrame() const { return m_frame.get(); }
+  /// The open window's frame, or null. Whoever sends it events holds it: a host may close the
+  /// window from inside a call that they lead to.
+  std::shared_ptr<gui::CFrame> getFrame() const { return m_frame; }
 
   const FileLocations& fileLocations() const { return m_locations; }
   const PersistentSettings& settings() const { return m_settings; }

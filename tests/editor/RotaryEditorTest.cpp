@@ -79,6 +79,12 @@ TEST(EditorWindow, MayBeClosedFromInsideItsOwnNotification) {
   rig.editor->idle();
   EXPECT_EQ(rig.windows.lastWindow(), nullptr);
   EXPECT_EQ(rig.effect.log, "(0 0=0 0=1000 )0");
+  rig.effect.onAutomate = [] {};
+  ASSERT_TRUE(rig.open());
+  rig.click(357, 244); // the lever has the keyboard
+  rig.effect.onAutomate = [&rig] { rig.editor->close(); };
+  EXPECT_TRUE(rig.editor->onKeyDown({0, 14, 0}));
+  EXPECT_EQ(rig.windows.lastWindow(), nullptr);
 }
 
 TEST(EditorWindow, OpensWithTheEffectsValues) {
@@ -346,6 +352,34 @@ TEST_F(OpenEditor, DrawsOnlyWhatChangesAndAllocatesNothing) {
   const std::size_t slots = 2U * 298U * 12U;
   EXPECT_GT(rig.window().takePresentedPixels(), 90 * slots);
   EXPECT_LE(rig.window().takePresentedPixels(), 100 * slots);
+}
+
+TEST_F(OpenEditor, DrawsNothingForChangesThatNobodySees) {
+  const auto nothing = [](EditorRig&, float) {};
+  const std::tuple<const char*, float, std::function<void(EditorRig&, float)>, std::size_t> rows[] =
+      {{"rest", 0.0F, nothing, 0},
+       {"lamp fading lit", 0.4F, [](EditorRig& r, float x) { r.effect.modulation = 0.55F + x; }, 0},
+       {"lamp fading dark", 0.4F, [](EditorRig& r, float x) { r.effect.modulation = x; }, 0},
+       {"rotor nearly at rest", 0.0008F, [](EditorRig& r, float x) { r.effect.horn = 0.2501 + x; },
+        0},
+       {"knob and its text", 0.0004F,
+        [](EditorRig& r, float x) { r.effect.setParameter(12, 0.5F + x); }, 0},
+       {"text alone", 0.001F, [](EditorRig& r, float x) { r.effect.setParameter(17, 0.5F + x); },
+        52 * 11},
+       {"lever", 0.004F, [](EditorRig& r, float x) { r.effect.setParameter(kLever, 0.5F + x); },
+        0}};
+  for (const auto& [what, range, set, pixels] : rows) {
+    set(rig, range);
+    rig.editor->idle();
+    rig.editor->idle();
+    rig.window().takePresentedPixels();
+    for (int i = 9; i >= 0; --i) {
+      set(rig, range * static_cast<float>(i) / 10.0F);
+      rig.editor->idle();
+      rig.editor->idle();
+    }
+    EXPECT_EQ(rig.window().takePresentedPixels(), pixels) << what;
+  }
 }
 
 TEST_F(OpenEditor, ParametersMayComeFromAnyThread) {
