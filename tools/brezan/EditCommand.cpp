@@ -8,7 +8,11 @@
 #include <chrono>
 #include <iostream>
 #include <limits>
+#include <optional>
+#include <sstream>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace qlx::tools {
 
@@ -52,13 +56,46 @@ class SilentPlayer {
   std::jthread m_thread;
 };
 
-void print(PluginHost& host, const HostEdit& edit) {
-  constexpr std::array kWords{"begin edit", "automate", "end edit"};
-  std::cout << kWords[static_cast<std::size_t>(edit.kind)] << ' ' << edit.index;
-  if (edit.index < host.parameterCount()) std::cout << ' ' << host.parameter(edit.index).name;
-  if (edit.kind == HostEdit::Kind::Automate) std::cout << ' ' << edit.value;
-  std::cout << std::endl; // whoever watches sees it at once
-}
+/// Prints what happens, a line each: "begin edit", "automate" and "end edit" as the host is told of
+/// them, on whatever thread, and "value" for every parameter that stands elsewhere after an idle.
+class EditLog {
+ public:
+  explicit EditLog(PluginHost& host) : m_host(host) {
+    for (int i = 0; i < host.parameterCount(); ++i) m_values.push_back(host.value(i));
+    host.setEditListener([this](const HostEdit& edit) { onEdit(edit); });
+    std::cout << "open\n" << std::flush;
+  }
+  ~EditLog() { m_host.setEditListener({}); }
+  EditLog(const EditLog&) = delete;
+  EditLog& operator=(const EditLog&) = delete;
+
+  void printChanges() {
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+      const float value = m_host.value(static_cast<int>(i));
+      if (std::exchange(m_values[i], value) != value) print("value", static_cast<int>(i), value);
+    }
+  }
+
+ private:
+  void print(const char* what, int index, std::optional<float> value) {
+    std::ostringstream line;
+    line << what << ' ' << index;
+    if (index < m_host.parameterCount()) line << ' ' << m_host.parameter(index).name;
+    if (value) line << ' ' << *value;
+    // In one piece and at once.
+    std::cout << line.str() + '\n' << std::flush;
+  }
+
+  void onEdit(const HostEdit& edit) {
+    constexpr std::array kWords{"begin edit", "automate", "end edit"};
+    const bool hasValue = edit.kind == HostEdit::Kind::Automate;
+    print(kWords[static_cast<std::size_t>(edit.kind)], edit.index,
+          hasValue ? std::optional(edit.value) : std::nullopt);
+  }
+
+  PluginHost& m_host;
+  std::vector<float> m_values;
+};
 
 void edit(const EditOptions& options) {
   const std::filesystem::path plugin = locatePlugin(options.plugin);
@@ -67,15 +104,17 @@ void edit(const EditOptions& options) {
     ParameterText parameters(plugin);
     options.start.apply(host, parameters);
   }
-  if (options.log) host.setEditListener([&host](const HostEdit& edit) { print(host, edit); });
   host.start(kRate, kBlock, 2, 2);
   EditorWindow window(host);
+  std::optional<EditLog> log;
+  if (options.log) log.emplace(host);
   const SilentPlayer player(host);
   const auto begun = Clock::now();
   for (auto next = begun; window.isOpen(); next += kIdleTime) {
     throwIfInterrupted();
     if (std::chrono::duration<double>(Clock::now() - begun).count() >= options.seconds) break;
     window.idle();
+    if (log) log->printChanges();
     std::this_thread::sleep_until(next);
   }
 }
@@ -88,7 +127,8 @@ void addEditCommand(CLI::App& program) {
   auto options = std::make_shared<EditOptions>();
   addPluginOption(*command, options->plugin);
   options->start.addOptions(*command);
-  command->add_flag("--log", options->log, "Print what the plug-in tells its host");
+  command->add_flag("--log", options->log,
+                    "Print what the plug-in tells its host, and which parameters change");
   command->add_option("--seconds", options->seconds, "Close after so many seconds")
       ->check(CLI::NonNegativeNumber);
   command->callback([options] { edit(*options); });

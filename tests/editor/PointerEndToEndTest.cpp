@@ -1,0 +1,174 @@
+// The editor as its user meets it: in a window on a display, worked with a real pointer and
+// keyboard, while a host listens and another thread plays.
+#include "tests/platform/TemporaryFolder.h"
+#include "tests/platform/VirtualDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <spawn.h>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <vector>
+
+extern char** environ;
+
+namespace qlx::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kFirstCalibration = 36;
+constexpr int kLastCalibration = 119;
+
+/// `brezan edit --log` as a process of its own.
+class EditedPlugin {
+ public:
+  EditedPlugin(const std::vector<std::string>& settings, std::string log) : m_log(std::move(log)) {
+    std::vector<std::string> arguments{BREZAN, "edit", "--plugin", PLUGIN, "--log"};
+    for (const std::string& setting : settings) {
+      arguments.insert(arguments.end(), {"--set", setting});
+    }
+    std::vector<char*> raw;
+    for (std::string& argument : arguments) raw.push_back(argument.data());
+    raw.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, m_log.c_str(), O_CREAT | O_WRONLY,
+                                     0600);
+    if (posix_spawn(&m_pid, BREZAN, &actions, nullptr, raw.data(), environ) != 0) m_pid = 0;
+    posix_spawn_file_actions_destroy(&actions);
+  }
+  ~EditedPlugin() { end(); }
+  EditedPlugin(const EditedPlugin&) = delete;
+  EditedPlugin& operator=(const EditedPlugin&) = delete;
+
+  /// The exit status after an interrupt; -1 when it ended otherwise.
+  int end() {
+    if (m_pid == 0) return -1;
+    kill(m_pid, SIGTERM);
+    int status = 0;
+    waitpid(m_pid, &status, 0);
+    m_pid = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  /// What was logged since the last call, in short: "(n" and ")n" around gestures, "n=v" what the
+  /// host heard, then "n:v" what the effect came to hold, values in thousandths. Waits until that
+  /// is `awaited`, for a few seconds at most.
+  std::string heard(const std::string& awaited) {
+    std::string found;
+    const auto patience = std::chrono::steady_clock::now() + (awaited.empty() ? 300ms : 8000ms);
+    while (std::chrono::steady_clock::now() < patience) {
+      found = shortened();
+      if (found == awaited && !awaited.empty()) break;
+      std::this_thread::sleep_for(20ms);
+    }
+    m_read += static_cast<std::streamoff>(m_pending.size());
+    return found;
+  }
+
+ private:
+  std::string shortened() {
+    std::ifstream in(m_log, std::ios::binary);
+    in.seekg(m_read);
+    std::ostringstream text;
+    text << in.rdbuf();
+    m_pending = text.str();
+    m_pending.resize(m_pending.rfind('\n') + 1); // whole lines
+    std::istringstream lines(m_pending);
+    std::string host;
+    std::string values;
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream words(line);
+      std::vector<std::string> word;
+      for (std::string w; words >> w;) word.push_back(w);
+      if (word[0] == "automate") {
+        // What a room or a microphone setup brings along comes from the audio thread at its own
+        // time.
+        const int index = std::stoi(word[1]);
+        if (index >= kFirstCalibration && index <= kLastCalibration) continue;
+      }
+      const auto thousandths = [&word] {
+        return std::to_string(std::lround(std::stod(word.back()) * 1000.0));
+      };
+      if (word[0] == "begin") host += " (" + word[2];
+      if (word[0] == "end") host += " )" + word[2];
+      if (word[0] == "automate") host += " " + word[1] + "=" + thousandths();
+      if (word[0] == "value") values += " " + word[1] + ":" + thousandths();
+      if (word[0] == "open") host += " open";
+    }
+    host += values; // at which idle they are seen is a matter of time
+    return host.empty() ? host : host.substr(1);
+  }
+
+  std::string m_log;
+  std::string m_pending;
+  std::streamoff m_read = 0;
+  pid_t m_pid = 0;
+};
+
+struct HandGesture {
+  const char* what;
+  const char* moves; ///< of xdotool
+  const char* heard;
+};
+
+constexpr HandGesture kGestures[] = {
+    {"drag", "mousemove 42 75 mousedown 1 mousemove 52 65 mouseup 1", "(17 17=150 )17 17:150"},
+    {"fine drag",
+     "mousemove 132 325 keydown shift mousedown 1 mousemove 182 325 mouseup 1 keyup shift",
+     "(13 13=540 )13 13:540"},
+    {"beyond the end", "mousemove 200 325 mousedown 1 mousemove 200 20 mouseup 1",
+     "(14 14=1000 )14 14:1000"},
+    {"Control-click", "mousemove 270 75 keydown ctrl click 1 keyup ctrl", "(21 21=500 )21 21:500"},
+    {"double click", "mousemove 360 75 click --repeat 2 --delay 60 1",
+     "(23 )23 (23 23=500 )23 23:500"},
+    {"wheel", "mousemove 96 224 click 4", "(6 6=550 )6 6:550"},
+    {"fine wheel", "mousemove 141 224 keydown shift click 5 keyup shift", "(7 7=490 )7 7:490"},
+    {"right button", "mousemove 186 224 mousedown 3 mousemove 196 204 mouseup 3", ""},
+    {"stop", "mousemove 372 365 click 1", "(4 4=0 4=1000 )4 4:1000"},
+    // The lever releases the brake.
+    {"speed", "mousemove 343 366 click 1", "(3 4=0 2=1000 )3 2:1000 4:0"},
+    {"lever", "mousemove 357 187 mousedown 1 mousemove 357 244 mouseup 1", "(2 2=500 )2 2:500"},
+    {"key up", "key Up", "(2 2=484 )2 2:484"},
+    {"key down", "key Down", "(2 2=500 )2 2:500"},
+    {"key with a modifier", "key shift+Down", ""},
+    {"lever's wheel", "mousemove 357 250 click 5", "(2 2=350 )2 2:350"},
+    {"lever's default", "keydown ctrl click 1 keyup ctrl", "(2 2=0 )2 2:0"},
+    {"bypass", "mousemove 369 543 click 1", "(0 0=0 0=1000 )0 0:1000"},
+    {"quality", "mousemove 265 543 click 1", "(1 1=0 1=1000 )1 1:1000"},
+    {"MIDI channel", "mousemove 62 543 click 1", "35=56 148=1000 35:56"},
+    {"about", "mousemove 100 165 click 1", ""},
+    {"on the about screen", "mousemove 87 75 mousedown 1 mousemove 97 75 mouseup 1", ""},
+    {"after it", "mousemove 87 80 mousedown 1 mousemove 107 80 mouseup 1", "(18 18=550 )18 18:550"},
+};
+
+TEST(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
+  const TemporaryFolder folder;
+  setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+  const platform::test::VirtualDisplay display({"-screen", "0", "800x700x24"});
+  ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
+  EditedPlugin plugin({"HSlowSpd=0.1", "HFastSpd=0.5", "HDistance=0.3", "HGain=0.2", "Bottom=0.5",
+                       "LoMid=0.5", "Drive=0.5", "Size=0.5", "Lever=0", "Stop=0", "Bypass=0",
+                       "CPUmode=0", "MIDIchl=0"},
+                      std::filesystem::path(folder / "log").string());
+  ASSERT_EQ(plugin.heard("open"), "open");
+  for (const HandGesture& gesture : kGestures) {
+    ASSERT_EQ(std::system((std::string("xdotool ") + gesture.moves).c_str()), 0) << gesture.what;
+    EXPECT_EQ(plugin.heard(gesture.heard), gesture.heard) << gesture.what;
+  }
+  constexpr int kInterrupted = 130;
+  EXPECT_EQ(plugin.end(), kInterrupted);
+}
+
+} // namespace
+} // namespace qlx::test
