@@ -121,7 +121,7 @@ void drawRocker(Frame& frame) {
 
 void drawSustainLamp(Frame& frame) { lampWithWord(frame, 8.5, "SUSTAIN", 15.0, 0.05); }
 
-void drawModulationLamp(Frame& frame) { lampWithWord(frame, 3.8, "MOD WHEEL", 8.0, -0.9); }
+void drawModulationLamp(Frame& frame) { lampWithWord(frame, 8.5, "WHEEL", 15.0, 0.05); }
 
 void drawMode(Frame& frame) {
   Canvas& canvas = frame.canvas;

@@ -133,7 +133,7 @@ void drawGroups(Frame& frame) {
       {248, 382, 36, nullptr},
       {16, 60, 184, nullptr},
       {74, 253, 184, "TONE"},
-      {265, 313, 184, "MICROPHONES", 0.0},
+      {265, 313, 184, "MICS", 0.5},
       {20, 154, 283, "AMPLIFIER"},
       {178, 312, 283, "ROOM"},
       {20, 109, 428, nullptr},
