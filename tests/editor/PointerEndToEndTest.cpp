@@ -170,5 +170,27 @@ TEST(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
   EXPECT_EQ(plugin.end(), kInterrupted);
 }
 
+TEST(EditorByHand, ScreenshotsNeedNoDisplay) {
+  const TemporaryFolder folder;
+  setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+  unsetenv("DISPLAY");
+  const auto pictureWith = [&folder](const std::string& options) {
+    const std::filesystem::path file = folder / "editor.png";
+    const std::string command = BREZAN " screenshot --plugin " PLUGIN " " + options + " ";
+    EXPECT_EQ(std::system((command + file.string() + " >/dev/null").c_str()), 0) << options;
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
+  };
+  const std::string plain = pictureWith("");
+  // 401 x 570 behind the signature and the first chunk's head.
+  EXPECT_EQ(plain.substr(1, 3), "PNG");
+  EXPECT_EQ(plain.substr(16, 8), std::string("\0\0\1\x91\0\0\2\x3A", 8));
+  EXPECT_EQ(plain, pictureWith(""));
+  for (const char* options : {"--about", "--set Lever=1", "--set Bypass=On", "--control 1=99"}) {
+    EXPECT_NE(pictureWith(options), plain) << options;
+  }
+}
+
 } // namespace
 } // namespace qlx::test

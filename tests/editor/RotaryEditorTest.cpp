@@ -113,6 +113,26 @@ TEST(EditorWindow, LeavesNothingBehind) {
   }
 }
 
+TEST(EditorWindow, DrawsItselfWithoutAWindowOnRequest) {
+  EditorRig rig;
+  const sdk::EditorClick clicks[] = {{369, 543}, {100, 165}}; // Bypass, then the name plate
+  std::vector<std::uint32_t> pixels(401 * 570);
+  sdk::EditorPicture request{sizeof request, 401, 570, 2, clicks, pixels.data()};
+  ASSERT_TRUE(rig.editor->picture(request));
+  EXPECT_EQ(rig.windows.lastWindow(), nullptr); // none of the desktop's
+  EXPECT_EQ(std::exchange(rig.effect.log, {}), "(0 0=0 0=1000 )0");
+  ASSERT_TRUE(rig.open());
+  EXPECT_FALSE(rig.editor->picture(request)) << "while the window is open";
+  rig.click(100, 165);
+  EXPECT_TRUE(rig.picture() == pixels);
+  rig.editor->close();
+  request.width = 400;
+  EXPECT_FALSE(rig.editor->picture(request));
+  rig.effect.onAutomate = [&rig] { rig.editor->close(); };
+  request.width = 401;
+  EXPECT_FALSE(rig.editor->picture(request)) << "closed in the middle";
+}
+
 // --- What the user does ---
 
 TEST_F(OpenEditor, EachKnobTurnsItsParameter) {

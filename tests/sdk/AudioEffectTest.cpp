@@ -251,6 +251,7 @@ class ProbeEditor : public AEffGUIEditor {
     return true;
   }
   bool setKnobMode(std::int32_t mode) override { return mode == kKnobLinear; }
+  bool picture(const EditorPicture& request) override { return request.width == 401; }
 
   int idles = 0;
   KeyCode last{};
@@ -276,6 +277,13 @@ TEST_F(EffectRecordTest, EditorRequestsNeedAnEditor) {
   send(EffectOpcode::EditIdle);
   EXPECT_EQ(editor.idles, 1);
   EXPECT_EQ(send(EffectOpcode::SetEditKnobMode, 0, 2), 1);
+  // Hosts have vendor requests of their own; ours is known by its number and size.
+  EditorPicture picture{sizeof(EditorPicture), 401, 570, 0, nullptr, nullptr};
+  EXPECT_EQ(send(EffectOpcode::VendorSpecific, kEditorPictureRequest, 0, &picture), 1);
+  EXPECT_EQ(send(EffectOpcode::VendorSpecific, kEditorPictureRequest), 0);
+  EXPECT_EQ(send(EffectOpcode::VendorSpecific, fourCharacters("PreS"), 0, &picture), 0);
+  picture.byteSize = 8;
+  EXPECT_EQ(send(EffectOpcode::VendorSpecific, kEditorPictureRequest, 0, &picture), 0);
 }
 
 TEST_F(EffectRecordTest, KeysAreTakenApartSafely) {
