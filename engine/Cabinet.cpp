@@ -13,10 +13,10 @@ constexpr double kColorLowQ = 0.6;
 
 } // namespace
 
-Cabinet::Cabinet(const Recordings& recordings)
+Cabinet::Cabinet(const Recordings& recordings, const kernels::Kernels& kernels)
     : m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0),
-      m_horn1(hornSettings, recordings, 0), m_horn2(hornSettings, recordings, 1),
-      m_reducedHorn(hornSettings), m_drum(drumSettings, recordings), m_reducedDrum(drumSettings) {
+      m_horn(hornSettings, recordings, kernels), m_drum(drumSettings, recordings, kernels),
+      m_reduced(hornSettings, drumSettings, kernels) {
   m_drumShelf.setEnabled(true);
   for (ColorFilters& color : m_color) {
     color.mid.init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
@@ -63,15 +63,16 @@ void Cabinet::setColor(double midDb, double lowDb) noexcept {
   }
 }
 
-void Cabinet::applyHornReflectionLpf() noexcept {
-  m_horn1.updateReflectionPoles();
-  m_horn2.updateReflectionPoles();
-}
+void Cabinet::applyHornReflectionLpf() noexcept { m_horn.updateReflectionPoles(); }
 
 void Cabinet::applyHornStaticCutoff() noexcept {
-  m_horn1.updateStaticPole();
-  m_horn2.updateStaticPole();
-  m_reducedHorn.updateStaticPole();
+  m_horn.updateStaticPole();
+  m_reduced.updateHornStaticPole();
+}
+
+void Cabinet::applyDrumStaticCutoff() noexcept {
+  m_drum.updateStaticPole();
+  m_reduced.updateDrumStaticPole();
 }
 
 void Cabinet::applyDrumReflectionLpf() noexcept { m_drum.updateReflectionPoles(); }
@@ -80,20 +81,17 @@ void Cabinet::setModelRates(double engineRate, int factor) noexcept {
   m_engineRate = engineRate;
   m_hornTrack.setSampleRate(engineRate, factor);
   m_drumTrack.setSampleRate(engineRate, factor);
-  m_horn1.setSampleRate(engineRate);
-  m_horn2.setSampleRate(engineRate);
-  m_reducedHorn.setSampleRate(engineRate);
+  m_horn.setSampleRate(engineRate);
   m_drum.setSampleRate(engineRate);
-  m_reducedDrum.setSampleRate(engineRate);
+  m_reduced.setSampleRate(engineRate);
 }
 
 void Cabinet::clearHorns() noexcept {
   m_hornTrack.clear();
   m_hornLine.clear();
   m_reducedHornLine.clear();
-  m_horn1.clear();
-  m_horn2.clear();
-  m_reducedHorn.clear();
+  m_horn.clear();
+  m_reduced.clearHorn();
 }
 
 void Cabinet::clearDrums() noexcept {
@@ -101,7 +99,7 @@ void Cabinet::clearDrums() noexcept {
   m_drumLine.clear();
   m_drumPreFilter.clear();
   m_drum.clear();
-  m_reducedDrum.clear();
+  m_reduced.clearDrum();
 }
 
 void Cabinet::clearState() noexcept {
@@ -125,15 +123,14 @@ void Cabinet::setInstantUpdate() noexcept {
 }
 
 void Cabinet::resetHornFilters() noexcept {
-  m_horn1.resetFilters();
-  m_horn2.resetFilters();
-  m_reducedHorn.resetFilters();
+  m_horn.resetFilters();
+  m_reduced.resetHornFilters();
 }
 
 void Cabinet::resetDrumFilters() noexcept {
   m_drumPreFilter.setSampleRate(m_engineRate);
   m_drum.resetFilters();
-  m_reducedDrum.resetFilters();
+  m_reduced.resetDrumFilters();
 }
 
 void Cabinet::updateFilterRates(double engineRate) noexcept {
@@ -154,8 +151,8 @@ void Cabinet::updateFilterRates(double engineRate) noexcept {
 
 void Cabinet::computeCrossDelays(SmoothedSettings& settings) noexcept {
   m_crossTalk.computeTargets({m_drum.microphone(), drumSettings.cabinet.amRadius,
-                              m_horn1.microphone(), hornSettings.cabinet.amRadius,
-                              m_reducedHorn.attenuation(), m_reducedDrum.attenuation()},
+                              m_horn.microphone(0).position(), hornSettings.cabinet.amRadius,
+                              m_reduced.hornAttenuation(), m_reduced.drumAttenuation()},
                              settings);
 }
 
@@ -173,34 +170,41 @@ void Cabinet::clearEverything() noexcept {
   }
 }
 
-void Cabinet::runDrum(RunBuffer& feed, int n, RunBuffer& drumOut, RunBuffer& noise,
-                      RunBuffer& reduced) noexcept {
+void Cabinet::runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, Microphones& mics,
+                        Reduced& reduced) noexcept {
   const auto size = static_cast<std::size_t>(n);
-  m_drumTrack.advance(n);
+  RunBuffer feed = x, throat, reducedThroat;
+  m_drumShelf.processFixed({feed.data(), size});
+  for (std::size_t k = 0; k < size; ++k) feed[k] *= settings[Smoothed::DrumFeedGain][k];
   m_drumPreFilter.process({feed.data(), size});
-  for (int j = 0; j < n; ++j)
-    m_drumLine.write(m_drumTrack.writeIndex(j), feed[static_cast<std::size_t>(j)]);
-  RunBuffer lowStatic;
-  m_drum.process(m_drumTrack, m_drumLine, n, drumOut, lowStatic, noise);
-  for (std::size_t k = 0; k < size; ++k) drumOut[k] += lowStatic[k];
-  m_reducedDrum.process(m_drumTrack, m_drumLine, n, reduced);
+  m_crossover.process(x, settings[Smoothed::HornFeedGain], n, throat, reducedThroat);
+
+  m_drumTrack.advance(n);
+  m_hornTrack.advance(n);
+  m_drumLine.writeRun(m_drumTrack.writeIndex(0), {feed.data(), size});
+  m_hornLine.writeRun(m_hornTrack.writeIndex(0), {throat.data(), size});
+  m_reducedHornLine.writeRun(m_hornTrack.writeIndex(0), {reducedThroat.data(), size});
+  m_drum.process(m_drumTrack, m_drumLine, n, mics.drum);
+  m_horn.process(m_hornTrack, m_hornLine, n, mics.horn1, mics.horn2);
+  m_reduced.process({m_hornTrack, m_reducedHornLine}, {m_drumTrack, m_drumLine}, n, reduced.horn,
+                    reduced.drum);
+  runNoise(n, mics);
   m_drumTrack.finish(n);
+  m_hornTrack.finish(n);
 }
 
-void Cabinet::runHorns(const RunBuffer& x, const RunBuffer& feedGain, int n, Microphones& mics,
-                       RunBuffer& reduced) noexcept {
-  RunBuffer throat, reducedThroat;
-  m_crossover.process(x, feedGain, n, throat, reducedThroat);
-  m_hornTrack.advance(n);
-  for (int j = 0; j < n; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    m_hornLine.write(m_hornTrack.writeIndex(j), throat[k]);
-    m_reducedHornLine.write(m_hornTrack.writeIndex(j), reducedThroat[k]);
+void Cabinet::runNoise(int n, Microphones& mics) noexcept {
+  const auto size = static_cast<std::size_t>(n);
+  for (std::size_t m = 0; m < 2; ++m) {
+    HornMicrophone& microphone = m_horn.microphone(m);
+    RunBuffer& noise = m == 0 ? mics.noise1 : mics.noise2;
+    microphone.noisePlayer().process(m_hornTrack.speeds(n), microphone.position().angle,
+                                     microphone.staticLevel() * hornSettings.noiseLevel,
+                                     {noise.data(), size});
   }
-  m_horn1.process(m_hornTrack, m_hornLine, n, mics.horn1, mics.noise1);
-  m_horn2.process(m_hornTrack, m_hornLine, n, mics.horn2, mics.noise2);
-  m_reducedHorn.process(m_hornTrack, m_reducedHornLine, n, reduced);
-  m_hornTrack.finish(n);
+  m_drum.noisePlayer().process(m_drumTrack.speeds(n), m_drum.microphone().angle,
+                               m_drum.staticLevel() * drumSettings.noiseLevel,
+                               {mics.drumNoise.data(), size});
 }
 
 void Cabinet::setLevels(const SmoothedRun& s, int n, Microphones& mics) const noexcept {
@@ -237,7 +241,8 @@ void Cabinet::addRoom(const SmoothedRun& s, int n, Microphones& mics) noexcept {
   m_color[1].mid.processGlide({right.data(), size});
   m_color[1].low.processGlide({right.data(), size});
 
-  const double level1 = m_horn1.staticLevel(), level2 = m_horn2.staticLevel();
+  const double level1 = m_horn.microphone(0).staticLevel();
+  const double level2 = m_horn.microphone(1).staticLevel();
   const double drumLevel = m_drum.staticLevel();
   for (std::size_t k = 0; k < size; ++k) {
     const double hornGain = s[Smoothed::HornGain][k] * hornLevel;
@@ -249,14 +254,10 @@ void Cabinet::addRoom(const SmoothedRun& s, int n, Microphones& mics) noexcept {
 
 void Cabinet::process(const RunBuffer& x, const SmoothedRun& settings, int n, RunBuffer& left,
                       RunBuffer& right) noexcept {
-  const auto size = static_cast<std::size_t>(n);
   Microphones mics;
-  RunBuffer feed = x, reducedDrum, reducedHorn;
-  m_drumShelf.processFixed({feed.data(), size});
-  for (std::size_t k = 0; k < size; ++k) feed[k] *= settings[Smoothed::DrumFeedGain][k];
-  runDrum(feed, n, mics.drum, mics.drumNoise, reducedDrum);
-  runHorns(x, settings[Smoothed::HornFeedGain], n, mics, reducedHorn);
-  m_crossTalk.process(reducedDrum, reducedHorn, x, settings, n, mics.cross);
+  Reduced reduced;
+  runRotors(x, settings, n, mics, reduced);
+  m_crossTalk.process(reduced.drum, reduced.horn, x, settings, n, mics.cross);
   setLevels(settings, n, mics);
   addRoom(settings, n, mics);
   m_output.process(mics.horn1, mics.horn2, mics.drum, settings, n, left, right);

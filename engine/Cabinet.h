@@ -5,7 +5,7 @@
 #include "engine/HornCrossover.h"
 #include "engine/HornModel.h"
 #include "engine/OutputStage.h"
-#include "engine/ReducedHornModel.h"
+#include "engine/ReducedModels.h"
 #include "engine/Room.h"
 #include "engine/RotorTrack.h"
 #include "engine/SmoothedSettings.h"
@@ -17,7 +17,7 @@ namespace qlx::engine {
 /// Audio thread only.
 class Cabinet {
  public:
-  explicit Cabinet(const Recordings& recordings);
+  Cabinet(const Recordings& recordings, const kernels::Kernels& kernels);
 
   // Settings, as they are taken by the stages; changed by the frame between stretches.
   HornSettings hornSettings;
@@ -27,8 +27,7 @@ class Cabinet {
   double noiseSendGain = 0.0;
   double distanceAmpClip = 0.0;
 
-  HornModel& horn1() noexcept { return m_horn1; }
-  HornModel& horn2() noexcept { return m_horn2; }
+  HornModel& horn() noexcept { return m_horn; }
   DrumModel& drum() noexcept { return m_drum; }
   OutputStage& output() noexcept { return m_output; }
   RotorTrack& hornTrack() noexcept { return m_hornTrack; }
@@ -44,10 +43,11 @@ class Cabinet {
   void applyHornReflectionLpf() noexcept;
   void applyDrumReflectionLpf() noexcept;
   void applyHornStaticCutoff() noexcept;
+  void applyDrumStaticCutoff() noexcept;
   template <class Action>
   void forHornPlayers(Action action) noexcept {
-    action(m_horn1.noisePlayer());
-    action(m_horn2.noisePlayer());
+    action(m_horn.microphone(0).noisePlayer());
+    action(m_horn.microphone(1).noisePlayer());
   }
 
   // The frame's re-initialisation steps.
@@ -56,11 +56,11 @@ class Cabinet {
   void updateFilterRates(double engineRate) noexcept;
   void setInstantUpdate() noexcept;
   void clearCrossRings() noexcept { m_crossTalk.clearRings(); }
-  void rebuildHorn1() noexcept { m_horn1.rebuildGeometry(); }
-  void rebuildHorn2() noexcept { m_horn2.rebuildGeometry(); }
-  void rebuildReducedHorn() noexcept { m_reducedHorn.rebuildGeometry(); }
+  void rebuildHorn1() noexcept { m_horn.rebuildGeometry(0); }
+  void rebuildHorn2() noexcept { m_horn.rebuildGeometry(1); }
+  void rebuildReducedHorn() noexcept { m_reduced.rebuildHorn(); }
   void rebuildDrum() noexcept { m_drum.rebuildGeometry(); }
-  void rebuildReducedDrum() noexcept { m_reducedDrum.rebuildGeometry(); }
+  void rebuildReducedDrum() noexcept { m_reduced.rebuildDrum(); }
   void computeRoomTaps() noexcept { m_room.computeTaps(roomSettings, m_engineRate); }
   void clearRoom() noexcept { m_room.clear(); }
   void computeCrossDelays(SmoothedSettings& settings) noexcept;
@@ -83,10 +83,14 @@ class Cabinet {
   void clearDrums() noexcept;
   void resetHornFilters() noexcept;
   void resetDrumFilters() noexcept;
-  void runDrum(RunBuffer& feed, int n, RunBuffer& drumOut, RunBuffer& noise,
-               RunBuffer& reduced) noexcept;
-  void runHorns(const RunBuffer& x, const RunBuffer& feedGain, int n, Microphones& mics,
-                RunBuffer& reduced) noexcept;
+  /// What the cross-talk paths are fed with.
+  struct Reduced {
+    RunBuffer horn, drum;
+  };
+
+  void runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, Microphones& mics,
+                 Reduced& reduced) noexcept;
+  void runNoise(int n, Microphones& mics) noexcept;
   void setLevels(const SmoothedRun& settings, int n, Microphones& mics) const noexcept;
   void addRoom(const SmoothedRun& settings, int n, Microphones& mics) noexcept;
 
@@ -97,10 +101,9 @@ class Cabinet {
   RotorTrack m_drumTrack{RotorMotion::Direction::Drum};
   SoundLine m_hornLine, m_reducedHornLine, m_drumLine;
   DrumPreFilter m_drumPreFilter;
-  HornModel m_horn1, m_horn2;
-  ReducedHornModel m_reducedHorn;
+  HornModel m_horn;
   DrumModel m_drum;
-  ReducedDrumModel m_reducedDrum;
+  ReducedModels m_reduced;
   CrossTalk m_crossTalk;
   Room m_room;
   struct ColorFilters {

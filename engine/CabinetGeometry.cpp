@@ -47,7 +47,8 @@ void Rays::rebuild(std::span<const ImageSource> images, const MicrophonePosition
 void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept {
   const double amRadius = cabinet.amRadius;
   const double nearest = 0.3 - amRadius;
-  m_table[0] = std::pow(amRadius * 3.3333333333333335, cabinet.attenuationExponent);
+  double* table = m_table.data() + 1;
+  table[0] = std::pow(amRadius * 3.3333333333333335, cabinet.attenuationExponent);
   double previous = nearest;
   for (int i = 1; i < kSize; ++i) {
     const double d = nearest + 0.01 * i;
@@ -55,25 +56,26 @@ void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) n
                                 ? 1.0 - std::pow((d - nearest) / cabinet.attenuationDistance,
                                                  cabinet.attenuationFadeExponent)
                                 : 0.0;
-    const auto k = static_cast<std::size_t>(i);
-    m_table[k] = m_table[k - 1] * std::pow(previous / d, exponent * cabinet.attenuationExponent);
+    table[i] = table[i - 1] * std::pow(previous / d, exponent * cabinet.attenuationExponent);
     previous = d;
   }
+  m_table.front() = table[0];
+  m_table.back() = table[kSize - 1];
   // Mean of the direct ray's distance over a turn, the near half weighted by the arc it takes.
   const double mean = (0.6366 - rays.halfWidth[0] * 2.546) * rays.signY[0] * amRadius;
   const double direct =
-      cubicTableRead((amRadius + rays.distance[0] - mean - 0.3) * 100.0, m_table.data(), kSize - 1);
+      cubicTableRead((amRadius + rays.distance[0] - mean - 0.3) * 100.0, table, kSize - 1);
   m_norm = std::pow(1.0 / direct, 0.7);
 }
 
 double AttenuationLaw::level(double distance, double amRadius, double sine) const noexcept {
-  return cubicTableRead((amRadius * sine + distance - 0.3 + amRadius) * 100.0, m_table.data(),
+  return cubicTableRead((amRadius * sine + distance - 0.3 + amRadius) * 100.0, m_table.data() + 1,
                         kSize - 1) *
          m_norm;
 }
 
 double AttenuationLaw::rawAt(double d) const noexcept {
-  return cubicTableRead(d * kSize, m_table.data(), kSize - 1);
+  return cubicTableRead(d * kSize, m_table.data() + 1, kSize - 1);
 }
 
 } // namespace qlx::engine

@@ -19,6 +19,8 @@ struct CabinetSettings {
   double reflectionLpfOctaves = 0.3333;
   double staticCutoffHz = 10000.0;
   double flipSign = 1.0;
+
+  bool operator==(const CabinetSettings&) const = default;
 };
 
 /// Where a microphone stands: angle in turns (0 straight in front, -0.5 .. 0.5), distance from the
@@ -91,8 +93,13 @@ class AttenuationLaw {
   /// The raw law at position d x 512, as the cross-talk paths read it.
   double rawAt(double d) const noexcept;
 
+  /// The raw law with both ends doubled, for four-point reads: the entries for place i stand at
+  /// i .. i + 3. `scale` normalises what is read.
+  const double* levels() const noexcept { return m_table.data(); }
+  double scale() const noexcept { return m_norm; }
+
  private:
-  std::array<double, kSize> m_table{};
+  std::array<double, kSize + 2> m_table{};
   double m_norm = 1.0;
 };
 

@@ -23,13 +23,30 @@ constexpr std::array<FilterDesign, 4> kPreFilter = {{
     {Response::LowShelf, 200, 0.35, 3},
 }};
 
-enum DrumRay : std::size_t { kDirect, kWallB, kWallA, kBack, kBackAndB, kBackAndA };
+/// Rays in the order of their lanes. The side walls' come last, because mostly neither is heard.
+enum DrumRay : std::size_t { kDirect, kBack, kBackAndB, kBackAndA, kWallB, kWallA };
+constexpr int kLanesWithoutSides = 4;
 
-struct RayPath {
+struct RayKind {
+  unsigned char image;
   unsigned char gain;
   unsigned char bounces;
 };
-constexpr std::array<RayPath, 6> kPaths = {{{0, 0}, {1, 1}, {1, 1}, {1, 1}, {2, 2}, {3, 2}}};
+constexpr std::array<RayKind, 6> kKinds = {
+    {{0, 0, 0}, {3, 1, 1}, {4, 2, 2}, {5, 3, 2}, {1, 1, 1}, {2, 1, 1}}};
+
+constexpr double kLowPassEdgeShare = 0.50001; ///< of the rate, where the counter-warp of Q ends
+
+struct LowPassRows {
+  MouthRows<19> row{};
+  constexpr LowPassRows() {
+    for (std::size_t i = 0; i < 20; ++i) {
+      row[i][0] = kDrumLowPassHz[i < 19 ? i : 1];
+      row[i][1] = kDrumLowPassQ[i < 19 ? i : 1];
+    }
+  }
+};
+constexpr LowPassRows kLowPassRows;
 
 } // namespace
 
@@ -81,25 +98,32 @@ void DrumPreFilter::process(std::span<double> run) noexcept {
   for (Biquad& section : m_sections) section.processFixedSaturating(run);
 }
 
-DrumModel::DrumModel(const DrumSettings& settings, const Recordings& recordings)
-    : m_settings(settings), m_noisePlayer(recordings) {
-  for (Biquad& filter : m_lowPass) {
-    filter.init(m_sampleRate, Response::LowPass, kDrumLowPassHz[0], kDrumLowPassQ[0], 0);
-    filter.setEnabled(true);
-  }
+DrumModel::DrumModel(const DrumSettings& settings, const Recordings& recordings,
+                     const kernels::Kernels& kernels)
+    : m_settings(settings), m_kernels(kernels), m_noisePlayer(recordings) {
+  m_bank.table = {kLowPassRows.row, 18};
+  m_bank.lowestSine = kNearestSine;
+  std::fill(std::begin(m_bank.hz), std::end(m_bank.hz), kDrumLowPassHz[0]);
+  std::fill(std::begin(m_bank.q), std::end(m_bank.q), kDrumLowPassQ[0]);
 }
 
 void DrumModel::setSampleRate(double hz) noexcept {
   m_sampleRate = std::max(hz, 11025.0);
   updateReflectionPoles();
-  m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
+  updateStaticPole();
+  m_staticPole = m_wantedStaticPole;
   m_noisePlayer.setSampleRate(m_sampleRate);
+}
+
+void DrumModel::updateStaticPole() noexcept {
+  m_wantedStaticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
 }
 
 void DrumModel::updateReflectionPoles() noexcept {
   m_bouncePole[0] = lowPassPole(kReflectionEdgeHz, m_sampleRate);
   m_bouncePole[1] = lowPassPole(
       kReflectionEdgeHz * std::exp2(-m_settings.cabinet.reflectionLpfOctaves), m_sampleRate);
+  m_lanesFresh = false;
 }
 
 void DrumModel::updateSplitter() noexcept {
@@ -107,22 +131,17 @@ void DrumModel::updateSplitter() noexcept {
 }
 
 void DrumModel::clear() noexcept {
-  m_lowBand = {};
-  m_bounce = {};
+  for (double* memory : {m_bank.lowBand, m_bank.rays.bounce})
+    std::fill_n(memory, kernels::kDrumLanes, 0.0);
+  clearMemory(m_bank.lowPass);
   m_staticLowPass = {};
   m_staticLowBand = {};
-  for (Biquad& filter : m_lowPass) {
-    filter.clearState();
-    filter.setInstantUpdate(true);
-  }
   m_noisePlayer.clear();
 }
 
 void DrumModel::resetFilters() noexcept {
-  for (Biquad& filter : m_lowPass) {
-    filter.setSampleRate(m_sampleRate);
-    filter.setInstantUpdate(false);
-  }
+  setGlideRate(m_bank.lowPass, m_sampleRate, kLowPassEdgeShare);
+  m_kernels.restDrum(m_bank);
   updateSplitter();
 }
 
@@ -136,126 +155,63 @@ void DrumModel::rebuildGeometry() noexcept {
   m_region = microphoneRegion(m_microphone, walls);
   m_rays.rebuild(drumImages(m_microphone, walls), m_microphone, m_settings.cabinet.amRadius);
   m_attenuation.rebuild(m_settings.cabinet, m_rays);
+  m_lanesFresh = false;
 }
 
 double DrumModel::staticLevel() const noexcept {
   return m_attenuation.level(m_rays.distance[kDirect], m_settings.cabinet.amRadius, 0.0);
 }
 
-bool DrumModel::isHeard(std::size_t ray) const noexcept {
-  return (ray != kWallB || m_region == MicrophoneRegion::SideB) &&
-         (ray != kWallA || m_region == MicrophoneRegion::SideA);
+double DrumModel::rayGain(std::size_t ray) const noexcept {
+  if (ray == kWallB && m_region != MicrophoneRegion::SideB) return 0.0;
+  if (ray == kWallA && m_region != MicrophoneRegion::SideA) return 0.0;
+  return m_settings.rayGain[kKinds[ray].gain];
 }
 
-void DrumModel::addRay(const RotorTrack& track, const SoundLine& line, int n, std::size_t ray,
-                       RunBuffer& sum) noexcept {
-  const CabinetSettings& cabinet = m_settings.cabinet;
-  const double distance = m_rays.distance[ray];
-  RayMovement movement;
-  movement.trace(track, distance, m_rays.angle[ray], m_rays.signY[ray], m_rays.halfWidth[ray], n);
-
-  RunBuffer run;
-  for (int j = 0; j < n; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    movement.sine[k] = std::max(movement.sine[k], kNearestSine);
-    const double delay = (movement.sine[k] * cabinet.fmRadius + distance) * track.samplesPerMetre();
-    const double x = cubicRingRead(track.writeIndex(j) - delay, line.data(), kTrackSize);
-    run[k] = x - m_lowBand[ray].next(x, m_splitterPole);
-  }
-  for (int j = 0; j < n;) {
-    if (track.nextUpdate(j) == j) {
-      const double place = 18.0 * tablePlace(movement.phase[static_cast<std::size_t>(j)]);
-      m_lowPass[ray].setFrequencyAndQ(cyclicTableRead(kDrumLowPassHz, place),
-                                      cyclicTableRead(kDrumLowPassQ, place));
-    }
-    const int end = std::min(n, track.nextUpdate(j + 1));
-    m_lowPass[ray].processGlide({run.data() + j, static_cast<std::size_t>(end - j)});
-    j = end;
-  }
-
-  const RayPath& path = kPaths[ray];
-  const double gain =
-      std::pow(cabinet.reflectionCoeff, path.bounces) * m_settings.rayGain[path.gain];
-  for (int j = 0; j < n; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    double y = run[k] * m_attenuation.level(distance, cabinet.amRadius, movement.sine[k]) * gain;
-    if (path.bounces > 0) y = m_bounce[ray].next(y, m_bouncePole[path.bounces - 1U]);
-    sum[k] += y;
+void DrumModel::refreshLanes(const RotorTrack& track, const SoundLine& line) noexcept {
+  if (m_lanesFresh && m_laneSettings == m_settings) return;
+  m_lanesFresh = true;
+  m_laneSettings = m_settings;
+  m_gainSum = 0.0;
+  for (std::size_t lane = 0; lane < kernels::kDrumLanes; ++lane) {
+    // What no ray needs repeats the direct one, silently.
+    const std::size_t ray = lane < kRayCount ? lane : kDirect;
+    const RayKind& kind = kKinds[ray];
+    const double gain = lane < kRayCount ? rayGain(ray) : 0.0;
+    m_gainSum += gain;
+    const double reflection = std::pow(m_settings.cabinet.reflectionCoeff, kind.bounces);
+    RayPath path{m_settings.cabinet, m_rays, m_attenuation, kind.image};
+    path.gain = gain * reflection;
+    path.bouncePole = kind.bounces > 0 ? m_bouncePole[kind.bounces - 1U] : 0.0;
+    setLane(m_bank.rays, lane, path, track, line);
   }
 }
 
-void DrumModel::addStaticRay(const RotorTrack& track, const SoundLine& line, int n, double gainSum,
-                             RunBuffer& sum, RunBuffer& lowStatic) noexcept {
-  const double delay = m_rays.distance[kDirect] * track.samplesPerMetre();
+void DrumModel::addStaticRay(const RotorTrack& track, const SoundLine& line, int n,
+                             RunBuffer& sum) noexcept {
+  std::array<double, 4> weight;
+  const double* tap = fixedTap(line, track.writeIndex(0),
+                               m_rays.distance[kDirect] * track.samplesPerMetre(), weight);
   const double level = staticLevel();
-  const double lowGain = m_settings.lowStaticGain * gainSum;
+  const double lowGain = m_settings.lowStaticGain * m_gainSum;
+  const int update = track.nextUpdate(0);
   for (int j = 0; j < n; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    if (track.nextUpdate(j) == j)
-      m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
-    const double x = cubicRingRead(track.writeIndex(j) - delay, line.data(), kTrackSize);
+    if (j == update) m_staticPole = m_wantedStaticPole;
+    const double x = weight[0] * tap[j] + weight[1] * tap[j + 1] + weight[2] * tap[j + 2] +
+                     weight[3] * tap[j + 3];
     const double value = m_staticLowPass.next(x, m_staticPole) * level;
     const double low = m_staticLowBand.next(value, m_splitterPole);
-    lowStatic[k] = low * lowGain;
-    sum[k] += (value - low) * m_settings.staticGain;
+    sum[static_cast<std::size_t>(j)] += low * lowGain + (value - low) * m_settings.staticGain;
   }
 }
 
-void DrumModel::process(const RotorTrack& track, const SoundLine& line, int n, RunBuffer& out,
-                        RunBuffer& lowStatic, RunBuffer& noise) noexcept {
-  std::fill_n(out.begin(), n, 0.0);
-  double gainSum = 0.0;
-  for (std::size_t ray = 0; ray < kRayCount; ++ray) {
-    if (!isHeard(ray)) continue;
-    addRay(track, line, n, ray, out);
-    gainSum += m_settings.rayGain[kPaths[ray].gain];
-  }
-  addStaticRay(track, line, n, gainSum, out, lowStatic);
-  m_noisePlayer.process(track.speeds(n), m_microphone.angle, staticLevel() * m_settings.noiseLevel,
-                        {noise.data(), static_cast<std::size_t>(n)});
-}
-
-void ReducedDrumModel::setSampleRate(double hz) noexcept {
-  m_sampleRate = std::max(hz, 11025.0);
-  m_polePole = std::exp(-1.0 / (m_sampleRate * kReducedPoleSeconds));
-  m_bouncePole = lowPassPole(kReflectionEdgeHz, m_sampleRate);
-  m_staticPole = settlingPole(m_settings.cabinet.staticCutoffHz, m_sampleRate);
-}
-
-void ReducedDrumModel::clear() noexcept {
-  for (ReducedRay* ray : {&m_direct, &m_side, &m_back}) ray->clear();
-  m_staticLowPass = {};
-}
-
-void ReducedDrumModel::rebuildGeometry() noexcept {
-  const CabinetWalls walls = drumWalls(m_settings.cabinet);
-  m_region = microphoneRegion(m_microphone, walls);
-  m_rays.rebuild(drumImages(m_microphone, walls), m_microphone, m_settings.cabinet.amRadius);
-  m_attenuation.rebuild(m_settings.cabinet, m_rays);
-}
-
-void ReducedDrumModel::process(const RotorTrack& track, const SoundLine& line, int n,
-                               RunBuffer& out) noexcept {
-  const CabinetSettings& cabinet = m_settings.cabinet;
-  const ReducedRay::Context context{
-      track, line, cabinet, m_rays, m_attenuation, m_microphone.distance, m_polePole, n};
-  const double reflected = cabinet.reflectionCoeff * m_settings.rayGain[1];
-  std::fill_n(out.begin(), n, 0.0);
-  m_direct.add(context, kDirect, kReducedDrumHz, tablePlace, m_settings.rayGain[0], 0.0, out);
-  if (m_region != MicrophoneRegion::Front) {
-    const auto wall = m_region == MicrophoneRegion::SideB ? kWallB : kWallA;
-    m_side.add(context, wall, kReducedDrumHz, tablePlace, reflected, m_bouncePole, out);
-  }
-  m_back.add(context, kBack, kReducedDrumHz, tablePlace, reflected, m_bouncePole, out);
-
-  const double distance = m_rays.distance[kDirect];
-  const double delay = (distance - m_microphone.distance) * track.samplesPerMetre();
-  const double gain = m_attenuation.level(distance, cabinet.amRadius, 0.0) * m_settings.staticGain;
-  for (int j = 0; j < n; ++j) {
-    if (track.nextUpdate(j) == j) m_staticPole = settlingPole(cabinet.staticCutoffHz, m_sampleRate);
-    const double x = cubicRingRead(track.writeIndex(j) - delay, line.data(), kTrackSize);
-    out[static_cast<std::size_t>(j)] += m_staticLowPass.next(x, m_staticPole) * gain;
-  }
+void DrumModel::process(const RotorTrack& track, const SoundLine& line, int n,
+                        RunBuffer& out) noexcept {
+  refreshLanes(track, line);
+  m_bank.splitterPole = m_splitterPole;
+  const int lanes = m_region == MicrophoneRegion::Front ? kLanesWithoutSides : kernels::kDrumLanes;
+  m_kernels.drumRays(m_bank, lanes, track.pass(n), out.data());
+  addStaticRay(track, line, n, out);
 }
 
 } // namespace qlx::engine

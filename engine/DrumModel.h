@@ -1,10 +1,8 @@
 #pragma once
 
 #include "engine/Biquad.h"
-#include "engine/CabinetGeometry.h"
-#include "engine/ReducedRay.h"
+#include "engine/RayBank.h"
 #include "engine/RotorNoisePlayer.h"
-#include "engine/RotorTrack.h"
 
 #include <array>
 
@@ -19,6 +17,8 @@ struct DrumSettings {
   double splitterHz = 200.0;
   double filterSaturation = 0.0;
   double noiseLevel = 1.0;
+
+  bool operator==(const DrumSettings&) const = default;
 };
 
 /// The six images that the drum microphone hears: direct, side wall B, side wall A, back wall, back
@@ -47,7 +47,8 @@ class DrumPreFilter {
 /// swelling with the scoop's turn, and a static ray that carries the band below. Audio thread only.
 class DrumModel {
  public:
-  DrumModel(const DrumSettings& settings, const Recordings& recordings);
+  DrumModel(const DrumSettings& settings, const Recordings& recordings,
+            const kernels::Kernels& kernels);
 
   void setSampleRate(double hz) noexcept; ///< engine rate, at least 11025 Hz
   void clear() noexcept;
@@ -55,6 +56,7 @@ class DrumModel {
   void rebuildGeometry() noexcept;
   void updateReflectionPoles() noexcept;
   void updateSplitter() noexcept;
+  void updateStaticPole() noexcept;
 
   void setMicAngle(double turns) noexcept { m_microphone.angle = turns; }
   void setMicDistance(double metres) noexcept;
@@ -64,64 +66,35 @@ class DrumModel {
   /// Level of the direct path without the rotor's movement.
   double staticLevel() const noexcept;
 
-  /// The next n samples: `line` holds the pre-filtered bass up to them. Fills `out` with the
-  /// rotating sound and the static ray, `lowStatic` with the static low band, `noise` with the
-  /// motor's.
-  void process(const RotorTrack& track, const SoundLine& line, int n, RunBuffer& out,
-               RunBuffer& lowStatic, RunBuffer& noise) noexcept;
+  /// The next n samples: `line` holds the pre-filtered bass up to them. Writes the rotating sound
+  /// with the static ray and the static low band.
+  void process(const RotorTrack& track, const SoundLine& line, int n, RunBuffer& out) noexcept;
 
  private:
-  void addRay(const RotorTrack& track, const SoundLine& line, int n, std::size_t ray,
-              RunBuffer& sum) noexcept;
-  void addStaticRay(const RotorTrack& track, const SoundLine& line, int n, double gainSum,
-                    RunBuffer& sum, RunBuffer& lowStatic) noexcept;
-  bool isHeard(std::size_t ray) const noexcept;
+  void refreshLanes(const RotorTrack& track, const SoundLine& line) noexcept;
+  double rayGain(std::size_t ray) const noexcept;
+  void addStaticRay(const RotorTrack& track, const SoundLine& line, int n, RunBuffer& sum) noexcept;
 
   static constexpr std::size_t kRayCount = 6;
 
   const DrumSettings& m_settings;
+  const kernels::Kernels& m_kernels;
   MicrophonePosition m_microphone;
   Rays m_rays;
   AttenuationLaw m_attenuation;
   MicrophoneRegion m_region = MicrophoneRegion::Front;
+  kernels::DrumBank m_bank{};
+  bool m_lanesFresh = false;
+  DrumSettings m_laneSettings; ///< from which the lanes were made
+  double m_gainSum = 0.0;      ///< of the rays that are heard
   double m_sampleRate = 44100.0;
   double m_staticPole = 0.0;
+  double m_wantedStaticPole = 0.0; ///< taken when the filters are next tuned
   double m_splitterPole = 0.0;
   std::array<double, 2> m_bouncePole{};
-
-  std::array<OnePole, kRayCount> m_lowBand{};
-  std::array<Biquad, kRayCount> m_lowPass;
-  std::array<OnePole, kRayCount> m_bounce{};
   OnePole m_staticLowPass;
   OnePole m_staticLowBand;
   DrumNoisePlayer m_noisePlayer;
-};
-
-/// The drum as the cross-talk paths hear it: direct ray, back wall, one side wall, static part;
-/// straight in front at 1 m.
-class ReducedDrumModel {
- public:
-  explicit ReducedDrumModel(const DrumSettings& settings) noexcept : m_settings(settings) {}
-
-  void setSampleRate(double hz) noexcept;
-  void clear() noexcept;
-  void resetFilters() noexcept { clear(); }
-  void rebuildGeometry() noexcept;
-  const AttenuationLaw& attenuation() const noexcept { return m_attenuation; }
-  void process(const RotorTrack& track, const SoundLine& line, int n, RunBuffer& out) noexcept;
-
- private:
-  const DrumSettings& m_settings;
-  MicrophonePosition m_microphone;
-  Rays m_rays;
-  AttenuationLaw m_attenuation;
-  MicrophoneRegion m_region = MicrophoneRegion::Front;
-  double m_sampleRate = 44100.0;
-  double m_polePole = 0.0;
-  double m_bouncePole = 0.0;
-  double m_staticPole = 0.0;
-  ReducedRay m_direct, m_side, m_back;
-  OnePole m_staticLowPass;
 };
 
 } // namespace qlx::engine

@@ -46,7 +46,7 @@ int factorFor(double hostRate, CpuMode mode) {
 } // namespace
 
 RotaryEngine::Frame::Frame(const Recordings& recordings, MicrophonePlacement& placement)
-    : m_placement(placement), m_cabinet(recordings) {
+    : m_placement(placement), m_cabinet(recordings, kernels::chooseKernels()) {
   updateRateCoefficients();
   m_settings.setTarget(Smoothed::NoisePanB, 1.0);
 }

@@ -41,6 +41,11 @@ class MirroredRing {
     m_samples[i + Size] = x;
   }
 
+  /// Writes a run of samples from `index` on.
+  void writeRun(int index, std::span<const double> run) noexcept {
+    for (const double x : run) write(index++, x);
+  }
+
   double at(int index) const noexcept {
     return m_samples[static_cast<std::size_t>(index & (Size - 1))];
   }

@@ -3,6 +3,7 @@
 #include "engine/Acoustics.h"
 #include "engine/Interpolation.h"
 #include "engine/RotorMotion.h"
+#include "engine/kernels/Kernels.h"
 
 #include <array>
 #include <span>
@@ -11,7 +12,7 @@ namespace qlx::engine {
 
 /// Length of the lines in which rotors and their sound are remembered: 4096 engine samples, over 27
 /// m of air.
-inline constexpr int kTrackSize = 4096;
+inline constexpr int kTrackSize = kernels::kLineSize;
 using SoundLine = MirroredRing<kTrackSize>;
 
 /// A rotor as its models see it: the motion, the angles of the recent past (a ray that arrives now
@@ -37,10 +38,13 @@ class RotorTrack {
   /// Where sample j of the current stretch stands in the lines, not yet wrapped.
   int writeIndex(int j) const noexcept { return m_writeIndex + j; }
 
-  /// The rotor's angle (turns) `delay` samples before sample j.
-  double angleBefore(int j, double delay) const noexcept {
-    return m_angles.at(static_cast<int>(m_writeIndex + j + kTrackSize - delay));
+  /// The current stretch of n samples as the ray kernels take it.
+  kernels::RayPass pass(int n) const noexcept {
+    return {m_writeIndex, n, nextUpdate(0), m_updateInterval};
   }
+
+  /// Angles (turns) of the past, as a line that is written like the sound.
+  const double* angles() const noexcept { return m_angles.data(); }
 
   /// First sample at or after j at which slow followers are updated; may lie beyond the stretch.
   int nextUpdate(int j) const noexcept {
@@ -63,20 +67,5 @@ class RotorTrack {
   int m_updateInterval = kUpdateInterval;
   double m_sampleRate = 44100.0;
 };
-
-/// Phase (radians) and sine of the source's movement along one ray, for each sample of the current
-/// stretch. The ray left the mouth its distance ago; the short arc in which the mouth passes the
-/// ray's direction takes half a period of the movement, the long way round the other half, so that
-/// the sine is -1 where the mouth is nearest.
-struct RayMovement {
-  RunBuffer phase;
-  RunBuffer sine;
-
-  void trace(const RotorTrack& track, double distance, double angle, double signY, double halfWidth,
-             int n) noexcept;
-};
-
-/// Place of a movement's phase in the tables over the mouth's angle, 0 .. 1.
-inline double tablePlace(double phase) noexcept { return wrappedOnce(phase / kTwoPi + 0.25); }
 
 } // namespace qlx::engine

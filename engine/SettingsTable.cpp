@@ -63,11 +63,11 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
       {S::DrumDecelSeconds, 0.001, 100,
        [](F& f, double v) { f.m_cabinet.drumTrack().motion.setDecelTime(v); }},
 
-      {S::HornMic1Angle, -1, 1, [](F& f, double v) { f.m_cabinet.horn1().setMicAngle(v); }},
-      {S::HornMic1Distance, 0.3, 8, [](F& f, double v) { f.m_cabinet.horn1().setMicDistance(v); }},
+      {S::HornMic1Angle, -1, 1, [](F& f, double v) { f.m_cabinet.horn().microphone(0).setAngle(v); }},
+      {S::HornMic1Distance, 0.3, 8, [](F& f, double v) { f.m_cabinet.horn().microphone(0).setDistance(v); }},
       {S::HornMic1Pan, -1, 2, [](F& f, double v) { f.setPan(Sm::Mic1PanLeft, Sm::Mic1PanRight, v); }},
-      {S::HornMic2Angle, -1, 1, [](F& f, double v) { f.m_cabinet.horn2().setMicAngle(v); }},
-      {S::HornMic2Distance, 0.3, 8, [](F& f, double v) { f.m_cabinet.horn2().setMicDistance(v); }},
+      {S::HornMic2Angle, -1, 1, [](F& f, double v) { f.m_cabinet.horn().microphone(1).setAngle(v); }},
+      {S::HornMic2Distance, 0.3, 8, [](F& f, double v) { f.m_cabinet.horn().microphone(1).setDistance(v); }},
       {S::HornMic2Pan, -1, 2, [](F& f, double v) { f.setPan(Sm::Mic2PanLeft, Sm::Mic2PanRight, v); }},
       {S::HornMic2Gain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::HornMic2Gain, v); }},
       {S::HornGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::HornGain, v); }},
@@ -133,7 +133,10 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
          f.m_cabinet.applyDrumReflectionLpf();
        }},
       {S::DrumStaticCutoffHz, 1, kHighestHz,
-       [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.staticCutoffHz = v; }},
+       [](F& f, double v) {
+         f.m_cabinet.drumSettings.cabinet.staticCutoffHz = v;
+         f.m_cabinet.applyDrumStaticCutoff();
+       }},
       {S::DrumSplitterHz, 1, kHighestHz,
        [](F& f, double v) {
          f.m_cabinet.drumSettings.splitterHz = v;

@@ -5,7 +5,7 @@
 #include "engine/Setting.h"
 #include "midi/MidiLever.h"
 #include "plugin/ParameterTable.h"
-#include "sdk/AudioEffect.h"
+#include "presets/CPresetSystemEffect.h"
 
 #include <array>
 #include <atomic>
@@ -27,7 +27,7 @@ class ParameterApplication final : public engine::MicrophonePlacement {
       engine::kPendingReducedDrum | engine::kPendingReducedHorn | engine::kPendingCrossDelays;
 
   /// All three outlive this; none is called before apply.
-  ParameterApplication(sdk::AudioEffect& effect, engine::RotaryEngine& engine,
+  ParameterApplication(presets::CPresetSystemEffect& effect, engine::RotaryEngine& engine,
                        midi::MidiLever& midiLever) noexcept
       : m_effect(effect), m_engine(engine), m_midiLever(midiLever) {}
 
@@ -66,7 +66,7 @@ class ParameterApplication final : public engine::MicrophonePlacement {
   void setNoiseLevels(double factor) noexcept;
   void setMic2Distance() noexcept;
 
-  sdk::AudioEffect& m_effect;
+  presets::CPresetSystemEffect& m_effect;
   engine::RotaryEngine& m_engine;
   midi::MidiLever& m_midiLever;
 

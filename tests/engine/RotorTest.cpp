@@ -123,30 +123,6 @@ TEST(RotorMotion, RateChangeKeepsHertzAndSnaps) {
   EXPECT_NEAR(m.currentSpeedHz(), 6.8, 1e-12);
 }
 
-TEST(RayMovement, NearArcTakesHalfThePeriodAndIsContinuous) {
-  RotorTrack track(Direction::Drum);
-  track.motion.setSlowSpeed(1.0);
-  track.motion.setLever(1.0);
-  track.setSampleRate(4096 * 8, 1);
-  const double halfWidth = 0.08;
-  std::vector<double> sine;
-  for (int i = 0; i < 2 * 4096 * 8; i += kRun) {
-    track.advance(kRun);
-    RayMovement movement;
-    movement.trace(track, 1.0, 0.1, 1.0, halfWidth, kRun);
-    sine.insert(sine.end(), movement.sine.begin(), movement.sine.end());
-    track.finish(kRun);
-  }
-  int below = 0;
-  const std::size_t turn = 4096 * 8;
-  for (std::size_t i = turn; i < 2 * turn; ++i) {
-    ASSERT_LT(std::abs(sine[i] - sine[i - 1]),
-              1.2 * std::numbers::pi / (2 * halfWidth) / double(turn));
-    below += sine[i] < 0;
-  }
-  EXPECT_NEAR(below / double(turn), 2 * halfWidth, 0.001) << "share of the turn on the near side";
-}
-
 std::vector<double> play(HornNoisePlayer& player, double hz, double rate, int n) {
   std::vector<double> speeds(static_cast<std::size_t>(n), hz / rate), out(speeds.size());
   player.process(speeds, 0.0, 1.0, out);

@@ -89,8 +89,9 @@ void ReferenceEffect::setParameter(int index, float value) {
 void ReferenceEffect::selectPreset(int slot) {
   m_presetLoading = true;
   m_currentSlot = slot;
+  const auto values = m_slots[std::size_t(slot)];
   for (int p = 0; p < kNumPresetValues; ++p) {
-    const float v = m_slots[std::size_t(slot)][std::size_t(p)];
+    const float v = values[std::size_t(p)];
     if (v >= 0.0f && v <= 1.0f) setParameter(p, v);
   }
   m_presetLoading = false;
@@ -182,7 +183,7 @@ void ReferenceEffect::applyLever(float v) {
     reducedDrum.motion.setLever(lever);
   }
   m_lastLever = v;
-  if (rounded(m_values[4]) != 0) setParameter(4, 0.0f);
+  if (!m_presetLoading && rounded(m_values[4]) != 0) setParameter(4, 0.0f);
 }
 
 void ReferenceEffect::applySize(float v) {

@@ -1,0 +1,163 @@
+#pragma once
+
+#include "engine/kernels/Kernels.h"
+#include "engine/kernels/LaneMath.h"
+
+namespace qlx::engine::kernels {
+namespace {
+
+/// Lanes of a recursive state whose magnitude is below `least` become zero, so that no memory
+/// decays into subnormal numbers.
+inline Lanes withoutTraces(Lanes state, double least) {
+  return select(absolute(state) < least, Lanes{}, state);
+}
+
+/// Reads a table over the mouth's angle at `place`, 0 .. 1, along straight lines.
+inline Quad readMouth(const MouthTable& table, Lanes place) {
+  const Split at = split(place * static_cast<double>(table.intervals));
+  const double *here[kWidth], *next[kWidth];
+  for (int k = 0; k < kWidth; ++k) {
+    here[k] = table.row[at.whole[k]];
+    next[k] = table.row[at.whole[k] + 1];
+  }
+  const Quad a = loadQuad(here), b = loadQuad(next);
+  return {a.p0 + (b.p0 - a.p0) * at.fraction, a.p1 + (b.p1 - a.p1) * at.fraction,
+          a.p2 + (b.p2 - a.p2) * at.fraction, a.p3};
+}
+
+/// Amplitude of half the decibels.
+inline Lanes halfGain(Lanes db) { return powerOfTwo(db * (0.025 * 3.32192809488736235)); }
+
+/// A frequency on the unit circle with its bandwidth term s / (2 Q), the Q reduced towards half the
+/// sample rate by the exponent that goes with the response.
+struct Tuned {
+  Lanes c, s, q;
+};
+
+template <int N>
+inline Tuned tuned(const GlideLanes<N>& lanes, Lanes hz, Lanes q, double exponent) {
+  const Lanes w = hz * lanes.angularRate;
+  return {cosineOfHalf(w), sineOfHalf(w), q * (1.0 - power(hz * (1.0 / lanes.edgeHz), exponent))};
+}
+
+/// Real and imaginary parts of the roots of k0 z^2 + k1 z + k2: real1, real2, +-imag.
+struct RootLanes {
+  Lanes real1, real2, imag;
+};
+
+inline RootLanes rootsOf(Lanes k0, Lanes k1, Lanes k2) {
+  const Lanes scale = 0.5 / k0;
+  const Lanes discriminant = k1 * k1 - 4.0 * k0 * k2;
+  const Lanes half = root(absolute(discriminant)) * scale, middle = -k1 * scale;
+  const LaneBits isReal = discriminant >= 0.0;
+  const Lanes apart = select(isReal, half, Lanes{});
+  return {middle + apart, middle - apart, select(isReal, Lanes{}, half)};
+}
+
+/// Sends the roots of one vector on their way to b0 z^2 + b1 z + b2 over a0 z^2 + a1 z + a2.
+template <int N>
+inline void approach(GlideLanes<N>& g, int lane, const Lanes (&a)[3], const Lanes (&b)[3]) {
+  const RootLanes zeros = rootsOf(b[0], b[1], b[2]), poles = rootsOf(a[0], a[1], a[2]);
+  using G = GlideLanes<N>;
+  Lanes target[G::kRootCount];
+  target[G::kZero1] = zeros.real1;
+  target[G::kZero2] = zeros.real2;
+  target[G::kZeroImag] = zeros.imag;
+  target[G::kPole1] = poles.real1;
+  target[G::kPole2] = poles.real2;
+  target[G::kPoleImag] = poles.imag;
+  target[G::kGain] = b[0] / a[0];
+  for (int i = 0; i < G::kRootCount; ++i)
+    store(g.increment[i] + lane, (target[i] - load(g.root[i] + lane)) * g.share);
+}
+
+template <int N>
+inline void tunePeak(GlideLanes<N>& g, int lane, Lanes hz, Lanes q, Lanes db) {
+  const Tuned t = tuned(g, hz, q, 2.8);
+  const Lanes gain = halfGain(db), alpha = t.s / (2.0 * t.q);
+  const Lanes up = alpha * gain, down = alpha / gain;
+  approach(g, lane, {1.0 + down, -2.0 * t.c, 1.0 - down}, {1.0 + up, -2.0 * t.c, 1.0 - up});
+}
+
+template <int N>
+inline void tuneHighShelf(GlideLanes<N>& g, int lane, double hz, double q, Lanes db) {
+  const Tuned t = tuned(g, all(hz), all(q), 4.0);
+  const Lanes A = halfGain(db), c = -t.c, width = t.s * root(A) / t.q;
+  const Lanes more = A + 1.0, less = A - 1.0;
+  approach(
+      g, lane, {more + less * c + width, 2.0 * (less + more * c), more + less * c - width},
+      {A * (more - less * c + width), -2.0 * A * (less - more * c), A * (more - less * c - width)});
+}
+
+template <int N>
+inline void tuneLowPass(GlideLanes<N>& g, int lane, Lanes hz, Lanes q) {
+  const Tuned t = tuned(g, hz, q, 8.0);
+  const Lanes alpha = t.s / (2.0 * t.q), b = 0.5 * (1.0 - t.c);
+  approach(g, lane, {1.0 + alpha, -2.0 * t.c, 1.0 - alpha}, {b, 1.0 - t.c, b});
+}
+
+/// Numbers that follow a polynomial of the second degree from sample to sample.
+struct Parabola {
+  Lanes value, step, bend;
+  Parabola(Lanes start, Lanes linear, Lanes square)
+      : value(start), step(linear + square), bend(2.0 * square) {}
+  Lanes next() {
+    value += step;
+    step += bend;
+    return value;
+  }
+};
+
+/// The sum of a real pair and the product of a pair of roots that all move in straight lines.
+struct MovingPair {
+  Lanes sum, sumStep;
+  Parabola product;
+
+  template <int N>
+  MovingPair(const double (&root)[7][N], const double (&step)[7][N], int first, int lane)
+      : sum(load(root[first] + lane) + load(root[first + 1] + lane)),
+        sumStep(load(step[first] + lane) + load(step[first + 1] + lane)),
+        product(load(root[first] + lane) * load(root[first + 1] + lane) +
+                    load(root[first + 2] + lane) * load(root[first + 2] + lane),
+                load(root[first] + lane) * load(step[first + 1] + lane) +
+                    load(root[first + 1] + lane) * load(step[first] + lane) +
+                    2.0 * load(root[first + 2] + lane) * load(step[first + 2] + lane),
+                load(step[first] + lane) * load(step[first + 1] + lane) +
+                    load(step[first + 2] + lane) * load(step[first + 2] + lane)) {}
+};
+
+/// One vector of sections over n samples in place; the roots move before every sample.
+template <int N>
+inline void runGlide(GlideLanes<N>& g, int lane, Lanes* run, int n) {
+  using G = GlideLanes<N>;
+  MovingPair zeros(g.root, g.increment, G::kZero1, lane);
+  MovingPair poles(g.root, g.increment, G::kPole1, lane);
+  Lanes gain = load(g.root[G::kGain] + lane);
+  const Lanes gainStep = load(g.increment[G::kGain] + lane);
+  Lanes x1 = load(g.x1 + lane), x2 = load(g.x2 + lane);
+  Lanes y1 = load(g.y1 + lane), y2 = load(g.y2 + lane);
+  for (int j = 0; j < n; ++j) {
+    gain += gainStep;
+    zeros.sum += zeros.sumStep;
+    poles.sum += poles.sumStep;
+    const Lanes x = run[j];
+    const Lanes fed = gain * (x - zeros.sum * x1 + zeros.product.next() * x2);
+    const Lanes y = (fed - poles.product.next() * y2) + poles.sum * y1;
+    x2 = x1;
+    x1 = x;
+    y2 = y1;
+    y1 = y;
+    run[j] = y;
+  }
+  for (int i = 0; i < G::kRootCount; ++i)
+    store(g.root[i] + lane,
+          load(g.root[i] + lane) + load(g.increment[i] + lane) * static_cast<double>(n));
+  constexpr double kLeast = 1e-30;
+  store(g.x1 + lane, withoutTraces(x1, kLeast));
+  store(g.x2 + lane, withoutTraces(x2, kLeast));
+  store(g.y1 + lane, withoutTraces(y1, kLeast));
+  store(g.y2 + lane, withoutTraces(y2, kLeast));
+}
+
+} // namespace
+} // namespace qlx::engine::kernels

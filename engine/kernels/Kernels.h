@@ -1,0 +1,168 @@
+#pragma once
+
+namespace qlx::engine::kernels {
+
+// Memory that the kernels work on, laid out by field so that neighbouring lanes lie side by side.
+// Plain data without functions: files compiled for different instruction sets share it.
+
+/// Longest stretch, samples; the buffers have room for whole groups of four beyond it.
+inline constexpr int kLongestRun = 32;
+/// Samples of the lines of sound and of angles, which are stored twice in a row.
+inline constexpr int kLineSize = 4096;
+/// Entries of a level table beside its two doubled ends.
+inline constexpr int kLevelEntries = 512;
+
+/// One stretch of a rotor: where its samples stand in the lines, and the samples at which filters
+/// that follow the mouth's angle are re-tuned.
+struct RayPass {
+  int writeIndex;
+  int n;
+  int firstUpdate; ///< at or after 0; may lie beyond the stretch
+  int updateInterval;
+};
+
+/// Paths from a rotor's mouth to a microphone, one lane each.
+template <int N>
+struct RayLanes {
+  static constexpr int kCount = N;
+  // The warp from the rotor's angle to the mouth's movement.
+  double place[N];     ///< turns at which the mouth passes the ray's direction
+  double halfWidth[N]; ///< turns
+  double nearRate[N];  ///< radians a turn, with the sign of the mirrored rotation
+  double farRate[N];
+  // Delay in samples and level of the movement's sine.
+  double delay[N], swing[N];
+  double levelPlace[N], levelSwing[N]; ///< in entries of the level table
+  double levelScale[N], lowestLevel[N], gain[N];
+  double bouncePole[N]; ///< 0 where nothing is lost
+  double bounce[N];     ///< state
+  const double* angles[N];
+  const double* line[N];
+  const double* levels[N];
+  int angleLag[N]; ///< whole samples from the oldest angle to the one that arrives now
+};
+
+/// Second-order sections whose poles, zeros and gain move in straight lines, one lane each.
+template <int N>
+struct GlideLanes {
+  enum Root { kZero1, kZero2, kZeroImag, kPole1, kPole2, kPoleImag, kGain, kRootCount };
+  double root[kRootCount][N];
+  double increment[kRootCount][N];
+  double x1[N], x2[N], y1[N], y2[N];
+  double angularRate; ///< radians a sample of 1 Hz
+  double edgeHz;      ///< where the counter-warp of the Q reaches zero
+  double share;       ///< of the way that a sample covers
+};
+
+/// How a mouth colours a ray over the angle: rows of (Hz, Q, dB, 0), one turn from end to end, the
+/// second row once more behind the last.
+struct MouthTable {
+  const double (*row)[4];
+  int intervals;
+};
+
+inline constexpr int kHornLanes = 24; ///< lane = 2 x ray + microphone
+struct HornBank {
+  alignas(64) RayLanes<kHornLanes> rays;
+  GlideLanes<kHornLanes> peak, shelf;
+  MouthTable peakTable, shelfTable;
+  double shelfHz, shelfQ;
+};
+
+inline constexpr int kDrumLanes =
+    8; ///< direct, back, back and B, back and A, wall B, wall A, unused
+struct DrumBank {
+  alignas(64) RayLanes<kDrumLanes> rays;
+  GlideLanes<kDrumLanes> lowPass;
+  MouthTable table;
+  double hz[kDrumLanes], q[kDrumLanes]; ///< of the low-passes when they were tuned last
+  double lowBand[kDrumLanes];           ///< state of the splitter
+  double splitterPole;
+  double lowestSine;
+};
+
+inline constexpr int kReducedLanes = 4; ///< horn direct, horn back wall, drum direct, drum back
+struct ReducedBank {
+  alignas(64) RayLanes<kReducedLanes> rays;
+  const double* cutoff[kReducedLanes]; ///< Hz over the mouth's angle, one turn and one entry more
+  double cutoffPlace[kReducedLanes];   ///< entry at the mouth's place 0
+  double cutoffStep[kReducedLanes];    ///< entries a turn
+  double settling;                     ///< binary logarithm of the pole of 1 Hz
+  double smoothing;                    ///< pole of the poles' smoothing
+  double pole[kReducedLanes], wantedPole[kReducedLanes], lowPass[kReducedLanes];
+};
+
+/// Two sounds that arrive at a fixed delay: four points and their weights, a one-pole low-pass and
+/// a gain each.
+struct FixedPair {
+  const double* first[2]; ///< oldest of the four points of the stretch's first sample
+  double weight[4][2];
+  double pole[2], gain[2];
+  double state[2];
+};
+
+/// Taps on the past of a pair signal.
+struct PairTaps {
+  static constexpr int kCount = 4;
+  int back[kCount]; ///< samples
+  double weight[kCount];
+};
+
+/// Fields of second-order sections that run one after the other, by field.
+enum SectionField : int { kA1, kA2, kB0, kB1, kB2, kX1, kX2, kY1, kY2, kSectionFields };
+
+/// Sections of two channels; lane = 2 x section + channel. N is even.
+template <int N>
+struct PairSections {
+  static constexpr int kCount = N;
+  static constexpr int kChannels = 2;
+  alignas(32) double field[kSectionFields][2 * N];
+};
+
+/// Sections of one channel. A limiter y / (|y + offset| k + 1) stands inside the recursion; k = 0
+/// leaves it open. N is a multiple of four.
+template <int N>
+struct ChainSections {
+  static constexpr int kCount = N;
+  static constexpr int kChannels = 1;
+  alignas(32) double field[kSectionFields][N];
+  alignas(32) double limit[N], offset[N];
+};
+
+/// The kernels of one instruction set. All work in the memory they are given, on the audio thread.
+struct Kernels {
+  const char* name;
+
+  /// Writes n pairs (microphone 1, microphone 2) of the horn's first `lanes` lanes.
+  void (*hornRays)(HornBank& bank, int lanes, const RayPass& pass, double* pairs);
+  /// Writes n samples of the drum's first `lanes` lanes.
+  void (*drumRays)(DrumBank& bank, int lanes, const RayPass& pass, double* out);
+  /// Writes n pairs (horn, drum) of the reduced models' rays.
+  void (*reducedRays)(ReducedBank& bank, const RayPass& horn, const RayPass& drum, double* pairs);
+  /// Puts the filters of all lanes where a stopped mouth that faces along the ray, or for the drum
+  /// the last tuning, would leave them; their memory stays.
+  void (*restHorn)(HornBank& bank);
+  void (*restDrum)(DrumBank& bank);
+
+  /// Adds n pairs of sounds at fixed delays to `pairs`.
+  void (*fixedPair)(FixedPair& fixed, double* pairs, int n);
+  /// Adds taps on the signal itself to n pairs; `past` is where they stand among what came before.
+  void (*pairTaps)(const PairTaps& taps, const double* past, double* pairs, int n);
+
+  /// Runs `count` sections, an even number, over n pairs in place. Field f of the sections stands
+  /// at fields + f x stride.
+  void (*pairSeries)(double* fields, int stride, int count, double* pairs, int n);
+  /// The same over n samples of one channel and a multiple of four sections.
+  void (*chainSeries)(double* fields, int stride, int count, double* run, int n);
+  /// The same for four sections with limiters.
+  void (*limitedChain)(ChainSections<4>& sections, double* run, int n);
+};
+
+/// The kernels for the processor at hand, or for any x86-64 where the environment variable QLX_ISA
+/// is "baseline".
+const Kernels& chooseKernels() noexcept;
+
+extern const Kernels kBaselineKernels;
+extern const Kernels kAvx2Kernels;
+
+} // namespace qlx::engine::kernels

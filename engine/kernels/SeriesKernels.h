@@ -1,0 +1,152 @@
+#pragma once
+
+#include "engine/kernels/GlideKernels.h"
+#include "engine/kernels/Kernels.h"
+
+namespace qlx::engine::kernels {
+namespace {
+
+constexpr double kLeastSection = 1e-17;
+
+/// Sections side by side in a vector, each working on the sample that the one before it has just
+/// finished: with `group` lanes a section, section k is k samples late. The lateness stays inside a
+/// stretch, because lanes rest before their first and after their last sample.
+struct SkewedSections {
+  Lanes a1, a2, b0, b1, b2;
+  Lanes x1, x2, y1, y2;
+
+  SkewedSections(const double* fields, int stride)
+      : a1(load(fields + kA1 * stride)), a2(load(fields + kA2 * stride)),
+        b0(load(fields + kB0 * stride)), b1(load(fields + kB1 * stride)),
+        b2(load(fields + kB2 * stride)), x1(load(fields + kX1 * stride)),
+        x2(load(fields + kX2 * stride)), y1(load(fields + kY1 * stride)),
+        y2(load(fields + kY2 * stride)) {}
+
+  void storeMemory(double* fields, int stride) const {
+    store(fields + kX1 * stride, withoutTraces(x1, kLeastSection));
+    store(fields + kX2 * stride, withoutTraces(x2, kLeastSection));
+    store(fields + kY1 * stride, withoutTraces(y1, kLeastSection));
+    store(fields + kY2 * stride, withoutTraces(y2, kLeastSection));
+  }
+
+  void step(Lanes x) {
+    const Lanes y = ((b0 * x + b1 * x1) + (b2 * x2 - a2 * y2)) - a1 * y1;
+    x2 = x1;
+    x1 = x;
+    y2 = y1;
+    y1 = y;
+  }
+
+  /// Takes back what the last step did to the lanes outside `active`.
+  void keepResting(LaneBits active, const SkewedSections& before) {
+    x1 = select(active, x1, before.x1);
+    x2 = select(active, x2, before.x2);
+    y1 = select(active, y1, before.y1);
+    y2 = select(active, y2, before.y2);
+  }
+};
+
+/// Lanes that have a sample at step s of a stretch of n, `group` lanes a section.
+inline LaneBits activeLanes(int s, int n, int group) {
+  LaneBits active{};
+  for (int k = 0; k < kWidth; ++k) {
+    const int sample = s - k / group;
+    active[k] = sample >= 0 && sample < n ? -1 : 0;
+  }
+  return active;
+}
+
+/// Runs one vector over a stretch: feed(s, y) makes its next input from sample s of the stretch
+/// and its last output, drain(s, y) takes the last section's output for sample s.
+template <class Sections, class Feed, class Drain>
+inline void runSkewed(Sections& sections, int n, int group, Feed feed, Drain drain) {
+  const int late = kWidth / group - 1;
+  const auto edge = [&](int s) {
+    const Sections before = sections;
+    sections.step(feed(s < n ? s : n - 1, sections.y1));
+    sections.keepResting(activeLanes(s, n, group), before);
+    if (s >= late) drain(s - late, sections.y1);
+  };
+  const int first = late < n ? late : n;
+  int s = 0;
+  for (; s < first; ++s) edge(s);
+  for (; s < n; ++s) {
+    sections.step(feed(s, sections.y1));
+    drain(s - late, sections.y1);
+  }
+  for (; s < n + late; ++s) edge(s);
+}
+
+void pairSeries(double* fields, int stride, int count, double* pairs, int n) {
+  for (int lane = 0; lane < 2 * count; lane += kWidth) {
+    SkewedSections sections(fields + lane, stride);
+    runSkewed(
+        sections, n, 2,
+        [&](int s, Lanes y) {
+#if defined(__AVX2__) && defined(__FMA__)
+          return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(pairs + 2 * s)),
+                                      _mm256_castpd256_pd128(y), 1);
+#else
+          (void)y;
+          return load(pairs + 2 * s);
+#endif
+        },
+        [&](int s, Lanes y) {
+#if defined(__AVX2__) && defined(__FMA__)
+          _mm_storeu_pd(pairs + 2 * s, _mm256_extractf128_pd(y, 1));
+#else
+          store(pairs + 2 * s, y);
+#endif
+        });
+    sections.storeMemory(fields + lane, stride);
+  }
+}
+
+/// The next input of a chain's vector: sample x to the first section, the others' from before.
+inline Lanes shiftedIn(double x, Lanes y) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_blend_pd(_mm256_permute4x64_pd(y, 0x90), _mm256_set1_pd(x), 1);
+#else
+  return _mm_unpacklo_pd(_mm_set1_pd(x), y);
+#endif
+}
+
+template <class Sections>
+inline void runChain(Sections& sections, double* run, int n) {
+  runSkewed(
+      sections, n, 1, [&](int s, Lanes y) { return shiftedIn(run[s], y); },
+      [&](int s, Lanes y) { run[s] = y[kWidth - 1]; });
+}
+
+void chainSeries(double* fields, int stride, int count, double* run, int n) {
+  for (int lane = 0; lane < count; lane += kWidth) {
+    SkewedSections sections(fields + lane, stride);
+    runChain(sections, run, n);
+    sections.storeMemory(fields + lane, stride);
+  }
+}
+
+/// Sections whose outputs pass a soft limiter before they go back.
+struct LimitedSections : SkewedSections {
+  Lanes limit, offset;
+
+  LimitedSections(const ChainSections<4>& s, int lane)
+      : SkewedSections(s.field[0] + lane, 4), limit(load(s.limit + lane)),
+        offset(load(s.offset + lane)) {}
+
+  void step(Lanes x) {
+    SkewedSections::step(x);
+    y1 = y1 / (absolute(y1 + offset) * limit + 1.0);
+  }
+};
+
+void limitedChain(ChainSections<4>& s, double* run, int n) {
+  for (int lane = 0; lane < 4; lane += kWidth) {
+    LimitedSections sections(s, lane);
+    runChain(sections, run, n);
+    sections.storeMemory(s.field[0] + lane, 4);
+  }
+}
+
+} // namespace
+} // namespace qlx::engine::kernels

@@ -1,0 +1,7 @@
+#include "tests/engine/KernelErrors.h"
+
+namespace qlx::engine::test {
+
+KernelErrors measureAvx2() { return kernels::measure(); }
+
+} // namespace qlx::engine::test

@@ -1,0 +1,31 @@
+#include "tests/engine/KernelTest.h"
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+namespace qlx::engine::test {
+namespace {
+
+void expectExact(const KernelErrors& e) {
+  EXPECT_LT(e.sine, 2e-15);
+  EXPECT_LT(e.cosine, 2e-15);
+  EXPECT_LT(e.powerOfTwo, 1e-14);
+  EXPECT_LT(e.logarithm, 1e-14);
+  EXPECT_GT(e.sine, 0.0) << "another function than the standard library's";
+  // The near arc takes half a period: it is short and steep, without a step at its borders.
+  const double steepest = std::numbers::pi / (2 * kTestHalfWidth);
+  EXPECT_NEAR(e.steepest, steepest, 0.01 * steepest);
+  EXPECT_NEAR(e.shareBelow, 2 * kTestHalfWidth, 0.001);
+}
+
+TEST(KernelMathematics, IsExactOnEveryProcessor) { expectExact(measureBaseline()); }
+
+TEST(KernelMathematics, IsExactWithAvx2) {
+  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma"))
+    GTEST_SKIP() << "the processor has no AVX2";
+  expectExact(measureAvx2());
+}
+
+} // namespace
+} // namespace qlx::engine::test
