@@ -59,7 +59,7 @@ void PersistentSettings::writeLocations(const FileLocations& locations) {
 }
 
 std::string PersistentSettings::manualPath() const {
-  return std::string(cutText(m_store->readText("ManualPath"), kMaxManualPathBytes));
+  return std::string(cutText(m_store->readText(kManualPath), kMaxManualPathBytes));
 }
 
 std::shared_ptr<platform::SettingsStore> openUserSettings() {

@@ -23,6 +23,9 @@ enum class StoredImage { DefaultBank, DefaultPreset, MemoA, MemoB };
 /// the manual's place. Failures are silent, as the store's are. For the user-interface thread.
 class PersistentSettings {
  public:
+  /// Name of the text that says where the manual is; the installation writes it.
+  static constexpr std::string_view kManualPath = "ManualPath";
+
   explicit PersistentSettings(std::shared_ptr<platform::SettingsStore> store)
       : m_store(std::move(store)) {}
 

@@ -142,7 +142,8 @@ TEST_F(CommandLine, listsAsTablesAndAsJson) {
   EXPECT_EQ(params.status, 0);
   EXPECT_THAT(params.output, HasSubstr("index  name    value  display  unit"));
   EXPECT_THAT(params.output, HasSubstr("    2  Lever  0.0000  Chorale"));
-  EXPECT_THAT(brezan("params @ --json").output, HasSubstr("\"display\": \"Chorale\""));
+  EXPECT_THAT(brezan("params @ --json").output,
+              AllOf(HasSubstr("\"display\": \"Chorale\""), HasSubstr("\"highest\": \"Tremolo\"")));
   EXPECT_THAT(brezan("presets @").output, HasSubstr("     1  Half Level\n"));
   EXPECT_THAT(brezan("presets @ --json").output, HasSubstr("\"name\": \"Half Level\""));
   EXPECT_THAT(brezan("info @").output, HasSubstr("Test Effect\n"));

@@ -18,6 +18,7 @@ void addOrganCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
 void addEditCommand(CLI::App& program);
 void addScreenshotCommand(CLI::App& program);
+void addManualCommand(CLI::App& program);
 
 /// The option --plugin, alike in every command that loads one.
 void addPluginOption(CLI::App& command, std::string& plugin);

@@ -35,25 +35,38 @@ std::string trimmed(std::string text) {
   return text;
 }
 
+/// What the plug-in shows with the parameter at `value`; the parameter stays where it is.
+std::string shownAt(PluginHost& host, int index, float value) {
+  const float before = host.value(index);
+  host.setValue(index, value);
+  const std::string text = trimmed(host.display(index) + ' ' + host.label(index));
+  host.setValue(index, before);
+  return text;
+}
+
 void listParameters(const ListOptions& options) {
   PluginHost host(locatePlugin(options.plugin));
   Json json = Json::array();
-  Table table({"index", "name", "value", "display", "unit", "step"});
+  Table table({"index", "name", "value", "display", "unit", "lowest", "highest", "step"});
   for (int i = 0; i < host.parameterCount(); ++i) {
     const ParameterInfo info = host.parameter(i);
     const std::string display = host.display(i);
     const std::string unit = trimmed(host.label(i));
+    const std::string lowest = shownAt(host, i, 0.0F);
+    const std::string highest = shownAt(host, i, 1.0F);
     json.push_back({{"index", i},
                     {"name", info.name},
                     {"value", host.value(i)},
                     {"display", display},
                     {"unit", unit},
+                    {"lowest", lowest},
+                    {"highest", highest},
                     {"switch", info.isSwitch},
                     {"step", info.step}});
     const auto value = static_cast<double>(host.value(i));
     const std::string step = info.isSwitch ? "switch" : fixed(static_cast<double>(info.step), 4);
     table.add({std::to_string(i), info.name.empty() ? "-" : info.name, fixed(value, 4), display,
-               unit, step});
+               unit, lowest, highest, step});
   }
   if (options.json)
     print(json);

@@ -25,6 +25,7 @@ int run(int argc, char** argv) {
   addPictureCommand(program);
   addEditCommand(program);
   addScreenshotCommand(program);
+  addManualCommand(program);
   try {
     program.parse(argc, argv);
     if (program.get_subcommands().empty()) throw CLI::RequiredError("A command");

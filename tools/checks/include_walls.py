@@ -15,7 +15,7 @@ ALLOWED = {
     "midi": {"sdk"},
     "plugin": {"engine", "sdk", "platform", "gui", "resources", "presets", "midi", "editor"},
     "editor": {"gui", "presets", "platform", "resources", "sdk", "plugin"},
-    "tools": {"sdk", "engine", "platform", "gui", "resources"},
+    "tools": {"sdk", "engine", "platform", "gui", "resources", "presets"},
 }
 # Single headers through which a room may look into another.
 ONLY = {

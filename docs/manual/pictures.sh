@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# pictures.sh BREZAN: takes the manual's pictures anew. The menu is a window of its own and needs a display; where there is
+# none: xvfb-run -a docs/manual/pictures.sh BREZAN.
+set -euo pipefail
+brezan=$1
+home=$(mktemp -d)
+trap 'rm -rf "$home"' EXIT
+export HOME=$home XDG_CONFIG_HOME=$home # no stored defaults of the user's
+cd "$(dirname "${BASH_SOURCE[0]}")/pictures"
+
+"$brezan" screenshot window.png --scale 2 --play 1.3
+"$brezan" screenshot tremolo.png --scale 2 --set Lever=Tremolo --control 1=127 --control 64=127 --play 4.03
+"$brezan" screenshot cabinet.png --scale 2 --about
+"$brezan" screenshot "$home/menu.png" --screen --margin 340 --scale 2 --preset 'Old Rotary' --click 269,561
+/usr/bin/python3 - "$home/menu.png" menu.png <<'P'
+import sys
+from PIL import Image
+Image.open(sys.argv[1]).crop((2 * 205, 2 * 495, 2 * 703, 2 * 645)).save(sys.argv[2])
+P
