@@ -11,6 +11,13 @@ namespace {
 constexpr std::array<Band, 3> kDrumBearing = {
     {{46.0, 0.9, 0.0}, {105.0, 0.8, -2.0}, {310.0, 0.8, -12.0}}};
 
+/// At walking pace it rolls over its unevenness one by one, which is deeper still.
+constexpr std::array<Band, 3> kSlowBearing = {
+    {{33.0, 1.2, 0.0}, {57.0, 1.2, 0.0}, {105.0, 0.9, -12.0}}};
+
+/// The motor's bent shaft shakes the cabinet at its turns and twice that.
+constexpr std::array<Partial, 2> kShaft = {{{kShaftHz, -3.0}, {2.0 * kShaftHz, 0.0}}};
+
 /// A broad belt on large wooden pulleys.
 constexpr std::array<Band, 2> kDrumSlap = {{{160.0, 2.5, 0.0}, {390.0, 3.5, -5.0}}};
 constexpr std::array<Band, 1> kDrumBeltFriction = {{{430.0, 0.8, 0.0}}};
@@ -24,28 +31,32 @@ constexpr double kDrumLiningHz = 1900.0;
 
 Signal recordDrumSlow() {
   // The scoop barely stirs the air; the machine is heard through the wood and out of the scoop.
+  // Most of it lies below 90 Hz: while the rotor speeds up, this loop rises in pitch under a
+  // low-pass that closes, and only what is deep holds the level until the fast loop takes over.
   constexpr Rotation kRotation = {engine::kDrumSlowLength, 5, 0.931};
-  constexpr std::array<SweptBand, 3> kScoop = {{{{120.0, 0.7, -1.0}, 1, -6.0},
-                                                {{270.0, 0.7, 0.0}, 1, -8.0},
-                                                {{600.0, 0.8, -8.0}, 1, -11.0}}};
+  constexpr std::array<SweptBand, 3> kScoop = {{{{75.0, 0.9, 0.0}, 1, -9.0},
+                                                {{190.0, 0.7, -3.0}, 1, -14.0},
+                                                {{450.0, 0.8, -9.0}, 1, -18.0}}};
   constexpr double kFacing = 0.875; // where the player's unshifted read meets the front microphone
   constexpr Unevenness kUneven = {1.5, 0.02};
   constexpr int kBeltRounds = 3;
 
   const Signal scoop = whoosh(kRotation, kScoop, kFacing, kUneven, 301);
   const Signal hum = tones(kRotation, kHum, {kSlipFlutterHz, 0.12}, 321);
-  const Signal bearing = noiseBands(kRotation, kDrumBearing, 322);
+  const Signal shaft = tones(kRotation, kShaft, {kSlipFlutterHz, 0.2}, 326);
+  const Signal bearing = noiseBands(kRotation, kSlowBearing, 322);
   const Signal slaps = beltSlaps(kRotation, kBeltRounds, kDrumSlap, 323);
   const Signal wood =
-      throughWood(mixture({{bearing, 0.0}, {slaps, -13.0}, {hum, -7.0}, {scoop, -5.0}}),
+      throughWood(mixture({{bearing, 0.0}, {slaps, -13.0}, {hum, -13.0}, {scoop, -5.0}}),
                   kCabinetModes, Start::periodic);
-  Signal recording = mixture({{scoop, -1.0},
-                              {wood, -2.0},
-                              {hum, -9.0},
-                              {bearing, -6.0},
+  Signal recording = mixture({{scoop, -5.0},
+                              {wood, -13.0},
+                              {hum, -17.0},
+                              {shaft, -1.5},
+                              {bearing, 0.0},
                               {slaps, -23.0},
-                              {noiseBands(kRotation, kDrumBeltFriction, 324), -14.0},
-                              {noiseBands(kRotation, kDrumAir, 325), -16.0}});
+                              {noiseBands(kRotation, kDrumBeltFriction, 324), -21.0},
+                              {noiseBands(kRotation, kDrumAir, 325), -22.0}});
   recording = filtered(recording, Response::lowPass, kDrumLiningHz, 0.6);
   setRms(recording, gainOfDb(kDrumSlowDb));
   return recording;

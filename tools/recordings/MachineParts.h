@@ -45,8 +45,8 @@ inline constexpr std::array<Partial, 8> kHum = {{{kShaftHz, -18.0},
 // resources/recordings/README.md.
 inline constexpr double kHornSlowDb = -51.8;
 inline constexpr double kHornFastDb = -45.4;
-inline constexpr double kDrumSlowDb = -56.7;
-inline constexpr double kDrumFastDb = -52.2;
+inline constexpr double kDrumSlowDb = -54.3;
+inline constexpr double kDrumFastDb = -52.7;
 /// The one-shot's peak.
 inline constexpr double kStartStopPeak = 0.9;
 
