@@ -1,5 +1,8 @@
 // Processor time of the plug-in through the interface that hosts use, over rates, modes and kinds
 // of use. The plug-in file is named with --plugin=FILE, else looked for where hosts look.
+#include "presets/PersistentSettings.h"
+#include "presets/PresetImage.h"
+#include "tests/platform/TemporaryFolder.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/Workload.h"
 
@@ -38,8 +41,25 @@ void processBlocks(benchmark::State& state, const std::filesystem::path& plugin,
   state.counters["per second"] = Counter(frames / what.rate, Counter::kIsRate | Counter::kInvert);
 }
 
-void createInstance(benchmark::State& state, const std::filesystem::path& plugin) {
+/// A default bank and a default preset for every new instance.
+void storeDefaults(std::uint32_t fileId) {
+  std::array<qlx::presets::PresetSlot, qlx::presets::kNumPresetSlots> slots;
+  for (auto& slot : slots) slot.values.fill(0.5F);
+  qlx::presets::ParameterSet all;
+  all.set();
+  qlx::presets::PersistentSettings settings(qlx::presets::openUserSettings());
+  using qlx::presets::StoredImage;
+  settings.writeImage(StoredImage::DefaultBank,
+                      qlx::presets::makeBankImage(slots, 0, fileId, all, [](std::string_view) {}));
+  settings.writeImage(StoredImage::DefaultPreset,
+                      qlx::presets::makePresetImage(slots.front(), fileId, all));
+}
+
+void createInstance(benchmark::State& state, const std::filesystem::path& plugin, bool defaults) {
+  const qlx::test::TemporaryFolder home;
+  ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
   const PluginHost loaded(plugin); // so that the library's own loading does not count
+  if (defaults) storeDefaults(static_cast<std::uint32_t>(loaded.record().uniqueId));
   while (state.KeepRunning()) PluginHost host(plugin);
 }
 
@@ -54,9 +74,11 @@ int main(int argc, char** argv) {
            what.useName())
               .c_str(),
           [plugin, what](benchmark::State& state) { processBlocks(state, plugin, what); });
-    benchmark::RegisterBenchmark("create instance", [plugin](benchmark::State& state) {
-      createInstance(state, plugin);
-    })->Unit(benchmark::kMillisecond);
+    for (const bool defaults : {false, true})
+      benchmark::RegisterBenchmark(
+          defaults ? "create instance/with stored defaults" : "create instance",
+          [plugin, defaults](benchmark::State& state) { createInstance(state, plugin, defaults); })
+          ->Unit(benchmark::kMicrosecond);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     benchmark::RunSpecifiedBenchmarks();

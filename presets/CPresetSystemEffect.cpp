@@ -97,8 +97,11 @@ std::int32_t CPresetSystemEffect::getCurrentPreset() const {
 void CPresetSystemEffect::selectPreset(std::int32_t index) {
   m_presetLoading.store(true, std::memory_order_relaxed);
   m_currentPreset.store(index, std::memory_order_relaxed);
+  // One parameter may move another and with it the slot, as Lever releases Stop: what counts is
+  // what the slot held before.
+  const PresetSlot slot = getPresetSlot(index);
   for (std::int32_t p = 0; p < kNumPresetParameters; ++p) {
-    const float value = m_presetSlots.value(index, p);
+    const float value = slot.values[static_cast<std::size_t>(p)];
     if (isNormalised(value)) setParameter(p, value);
   }
   // Hosts take the gesture as the sign that the project has to be saved.

@@ -8,47 +8,16 @@
 #include <string_view>
 #include <vector>
 
-#include "presets/PresetBytes.h"
+#include "presets/ImageRecords.h"
 #include "presets/SlotUpdate.h"
 
 /// The serialised form of presets, as pure functions between slots and bytes: what files, stored
-/// settings and the host's state chunk carry. An image is a packed 41-byte header and
-/// length-prefixed records, all numbers in the byte order of the machine that wrote it. No function
-/// here looks outside the bytes it is given, whatever they hold, and all may be called from any
-/// thread.
+/// settings and the host's state chunk carry. No function here looks outside the bytes it is given,
+/// whatever they hold, and all may be called from any thread.
 namespace qlx::presets {
-
-inline constexpr std::size_t kImageHeaderBytes = 41;
-inline constexpr std::size_t kRecordHeadBytes = 12;
-inline constexpr std::size_t kNameBodyBytes = 156;
-inline constexpr std::size_t kValueBodyBytes = 20;
-
-/// Length of the image of `slots` presets with `parameters` values each.
-constexpr std::size_t imageBytes(std::size_t slots, std::size_t parameters) {
-  return kImageHeaderBytes + slots * (kRecordHeadBytes + kNameBodyBytes +
-                                      parameters * (kRecordHeadBytes + kValueBodyBytes));
-}
-
-/// What follows the file identifier: the layout of the rest.
-enum class ImageKind : std::uint8_t {
-  LegacyPreset = 0x21,
-  Preset = 0x22,
-  LegacyBank = 0x37,
-  Bank = 0x38,
-};
-
-/// The header's fields that decide how the records are read, already in this machine's byte order.
-struct ImageHeader {
-  std::int32_t recordCount = 0;
-  std::int32_t currentIndex = 0;
-  std::uint32_t recordBytes = 0;
-};
 
 /// Gets one line of text, without its end, for each value that had to be repaired.
 using DiagnosticSink = std::function<void(std::string_view)>;
-
-/// The header from the first 41 of `bytes`; nothing when there are fewer.
-std::optional<ImageHeader> readImageHeader(Bytes bytes, bool reversed);
 
 /// The image of one preset with the values of `saved`, as they stand.
 std::vector<std::uint8_t> makePresetImage(const PresetSlot& slot, std::uint32_t fileId,

@@ -198,7 +198,7 @@ TEST(SplitPath, IsAbsoluteAndEndsDirectoriesInASeparator) {
   TemporaryFolder folder;
   const auto before = fs::current_path();
   EXPECT_TRUE(platform::changeDirectory(folder.path()));
-  const std::string here = folder.path() + "/";
+  const std::string here = folder.path().string() + "/";
   struct Case {
     std::string path, directory, name;
   };

@@ -27,9 +27,10 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  std::string operator/(const std::string& name) const { return (m_path / name).string(); }
-  std::string path() const { return m_path.string(); }
+  std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
+  const std::filesystem::path& path() const { return m_path; }
 
+  /// Names in the folder, hidden ones too.
   std::size_t entries() const {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {}));
   }
@@ -38,13 +39,13 @@ class TemporaryFolder {
   std::filesystem::path m_path;
 };
 
-inline void writeBytes(const std::string& path, std::span<const std::uint8_t> bytes) {
+inline void writeBytes(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()),
              static_cast<std::streamsize>(bytes.size()));
 }
 
-inline std::vector<std::uint8_t> readBytes(const std::string& path) {
+inline std::vector<std::uint8_t> readBytes(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

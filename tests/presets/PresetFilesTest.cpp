@@ -66,7 +66,7 @@ TEST_F(PresetFiles, DialogsAskForTheRightThing) {
     ASSERT_TRUE(request);
     EXPECT_EQ(request->style, test.style);
     EXPECT_EQ(request->title, test.title);
-    EXPECT_EQ(request->directory, folder.path() + "/");
+    EXPECT_EQ(request->directory, folder.path().string() + "/");
     EXPECT_EQ(request->fileName, test.proposed);
     ASSERT_EQ(request->types.size(), 1U);
     EXPECT_EQ(request->types[0].description, test.description);
@@ -96,7 +96,7 @@ TEST_F(PresetFiles, ChosenPathsAreTakenApart) {
   };
   std::filesystem::create_directory(folder / "sub");
   std::filesystem::create_directory(folder / "v1.5");
-  const std::string root = folder.path() + "/";
+  const std::string root = folder.path().string() + "/";
   // The current directory follows each choice; in the end it is root/sub.
   for (const Case& test :
        {Case{root + "sub/a.qlx", root + "sub/", "a.qlx"}, Case{"b", root + "sub/", "b.qlx"},
@@ -157,7 +157,7 @@ TEST_F(PresetFiles, UnreadableFilesChangeNothingButWhereTheyWere) {
   load(kLoadBank, Builder().u32(kFileId ^ 1U).u8(0x38).zeros(100));
   run(kLoadPreset, {folder / "missing"});
   run(kLoadBank, {folder / "missing"});
-  run(kLoadBank, {folder.path()});
+  run(kLoadBank, {folder.path().string()});
   run(kLoadBank, {"/dev/zero"});
   EXPECT_TRUE(rig.state() == wanted);
   EXPECT_EQ(rig.editor->fileLocations().presetDirectory, "/dev/");

@@ -1,5 +1,5 @@
 #include "tools/brezan/AudioFile.h"
-#include "tests/tools/TemporaryFolder.h"
+#include "tests/tools/CommandRun.h"
 
 #include <gmock/gmock.h>
 

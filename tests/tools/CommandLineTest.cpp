@@ -1,5 +1,5 @@
 // The program as its users meet it: commands, files, exit codes and what it says.
-#include "tests/tools/TemporaryFolder.h"
+#include "tests/tools/CommandRun.h"
 #include "tools/brezan/AudioFile.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 #include "tools/brezan/Picture.h"
-#include "tests/tools/TemporaryFolder.h"
+#include "tests/tools/CommandRun.h"
 #include "tools/brezan/LeverMarks.h"
 #include "tools/brezan/Spectrogram.h"
 

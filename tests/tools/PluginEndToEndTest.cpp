@@ -1,5 +1,5 @@
 // The plug-in itself through the command-line host.
-#include "tests/tools/TemporaryFolder.h"
+#include "tests/tools/CommandRun.h"
 #include "tools/brezan/ParameterText.h"
 #include "tools/brezan/Renderer.h"
 

@@ -1,5 +1,5 @@
 #include "tools/brezan/Renderer.h"
-#include "tests/tools/TemporaryFolder.h"
+#include "tests/tools/CommandRun.h"
 
 #include <gtest/gtest.h>
 

@@ -1,17 +1,13 @@
 #include "tools/brezan/Commands.h"
 
+#include "tools/brezan/ListOutput.h"
 #include "tools/brezan/PluginHost.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/Table.h"
 
-#include <iostream>
-#include <nlohmann/json.hpp>
-
 namespace qlx::tools {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct ListOptions {
   std::string plugin;
@@ -23,16 +19,6 @@ std::shared_ptr<ListOptions> listOptions(CLI::App& command) {
   addPluginOption(command, options->plugin);
   command.add_flag("--json", options->json, "Print JSON instead of a table");
   return options;
-}
-
-// JSON texts are UTF-8; a name with other bytes in it is still shown.
-void print(const Json& json) {
-  std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-}
-
-std::string trimmed(std::string text) {
-  text.erase(text.find_last_not_of(' ') + 1);
-  return text;
 }
 
 /// What the plug-in shows with the parameter at `value`; the parameter stays where it is.
@@ -67,23 +53,6 @@ void listParameters(const ListOptions& options) {
     const std::string step = info.isSwitch ? "switch" : fixed(static_cast<double>(info.step), 4);
     table.add({std::to_string(i), info.name.empty() ? "-" : info.name, fixed(value, 4), display,
                unit, lowest, highest, step});
-  }
-  if (options.json)
-    print(json);
-  else
-    table.print(std::cout);
-}
-
-void listPresets(const ListOptions& options) {
-  PluginHost host(locatePlugin(options.plugin));
-  const std::vector<std::string> names = host.presetNames();
-  const int current = host.currentPreset();
-  Json json = Json::array();
-  Table table({"number", "name", ""});
-  for (int i = 0; i < static_cast<int>(names.size()); ++i) {
-    const std::string& name = names[static_cast<std::size_t>(i)];
-    json.push_back({{"number", i}, {"name", name}, {"current", i == current}});
-    table.add({std::to_string(i), name, i == current ? "current" : ""});
   }
   if (options.json)
     print(json);
@@ -136,11 +105,6 @@ void showInfo(const ListOptions& options) {
 void addParamsCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("params", "List the parameters and their values");
   command->callback([options = listOptions(*command)] { listParameters(*options); });
-}
-
-void addPresetsCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("presets", "List the presets");
-  command->callback([options = listOptions(*command)] { listPresets(*options); });
 }
 
 void addInfoCommand(CLI::App& program) {

@@ -1,40 +1,16 @@
 #pragma once
 
+#include "tests/platform/TemporaryFolder.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <sys/wait.h>
 
 namespace qlx::tests {
 
-/// A folder of its own for one test, removed with it.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "brezan-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    m_path = name;
-  }
-  ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
-  const std::filesystem::path& path() const { return m_path; }
-  /// Names in the folder, hidden ones too.
-  std::size_t entries() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {}));
-  }
-
- private:
-  std::filesystem::path m_path;
-};
+using qlx::test::TemporaryFolder;
 
 inline std::string contents(const std::filesystem::path& file) {
   std::ostringstream text;
