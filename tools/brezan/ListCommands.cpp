@@ -25,7 +25,7 @@ std::shared_ptr<ListOptions> listOptions(CLI::App& command) {
 std::string shownAt(PluginHost& host, int index, float value) {
   const float before = host.value(index);
   host.setValue(index, value);
-  const std::string text = trimmed(host.display(index) + ' ' + host.label(index));
+  std::string text = trimmed(host.display(index) + ' ' + host.label(index));
   host.setValue(index, before);
   return text;
 }
