@@ -1,14 +1,13 @@
 #include "engine/Amplifier.h"
 
+#include "engine/SectionRunner.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace qlx::engine {
 
 namespace {
-
-/// Magnitude below which a driven stage passes its input.
-constexpr double kSilence = 1e-8;
 
 struct ToneDesign {
   double hz;
@@ -23,22 +22,9 @@ constexpr std::array<ToneDesign, 4> kTone = {{
     {80, 1.0, 1.0, 0.75},
 }};
 
-/// Half of a push-pull tube stage: soft on the positive side, harder on the negative, then a cubic
-/// knee.
-double tubeStage(double x) {
-  const double u = x >= 0.0 ? 0.55 * x / (1.0 + 0.5 * x) : 0.55 * 2.0 * x / (2.0 - 0.25 * x);
-  return 1.4 * (1.5 * u - 0.5 * u * u * u - 0.3);
-}
-
-/// Transistor stage: a cubic knee up to a hard limit.
-double solidStage(double x) {
-  const double w = (std::abs(x + 1.0) - std::abs(x - 1.0)) * 0.5;
-  return (1.5 * w - 0.5 * w * w * w) * 0.5;
-}
-
 } // namespace
 
-Amplifier::Amplifier() {
+Amplifier::Amplifier(const kernels::Kernels& kernels) : m_kernels(kernels) {
   for (std::size_t i = 0; i < kTone.size(); ++i) {
     m_tone[i].init(44100.0, Response::Peaking, kTone[i].hz, kTone[i].q, 0.0);
     m_tone[i].setEnabled(true);
@@ -72,30 +58,22 @@ void Amplifier::setTone(Tone tone, double db) noexcept {
                               db * kTone[i].share);
 }
 
-void Amplifier::driveTube(const RunBuffer& drive, int n, RunBuffer& run) noexcept {
-  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-    const double m = run[k], g = drive[k];
-    const double v = tubeStage(-tubeStage(g * m * 1.18));
-    // The asymmetry's DC is tracked through silence too, so that no thump follows it.
-    m_dcTracker = flushed(m_dcTracker + (-v - m_dcTracker) * m_dcCoefficient);
-    if (std::abs(m) >= kSilence) run[k] = (-v - m_dcTracker) / g;
-  }
-}
-
 void Amplifier::process(const SmoothedRun& settings, int n, RunBuffer& run) noexcept {
   const RunBuffer& input = settings[Smoothed::InputGain];
   const RunBuffer& drive = settings[Smoothed::DriveGain];
+  const RunBuffer& post = settings[Smoothed::PostDriveGain];
   const auto size = static_cast<std::size_t>(n);
   for (std::size_t k = 0; k < size; ++k) run[k] *= input[k];
-  if (m_type == Type::Tube) driveTube(drive, n, run);
-  if (m_type == Type::Solid) {
-    for (std::size_t k = 0; k < size; ++k) {
-      if (std::abs(run[k]) >= kSilence) run[k] = solidStage(drive[k] * run[k] * 1.34349) / drive[k];
-    }
-  }
-  const RunBuffer& post = settings[Smoothed::PostDriveGain];
+  if (m_type == Type::Tube)
+    m_kernels.tube(drive.data(), m_dcCoefficient, m_dcTracker, run.data(), n);
+  if (m_type == Type::Solid) m_kernels.transistor(drive.data(), run.data(), n);
   for (std::size_t k = 0; k < size; ++k) run[k] *= post[k];
-  for (Biquad& filter : m_tone) filter.processGlide({run.data(), size});
+  if (allSettled(m_tone)) {
+    ChainCopy<4> tone(m_tone);
+    m_kernels.chainSeries(tone.lanes().field[0], 4, 4, run.data(), n);
+  } else {
+    for (Biquad& filter : m_tone) filter.processGlide({run.data(), size});
+  }
 }
 
 } // namespace qlx::engine

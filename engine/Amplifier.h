@@ -2,6 +2,7 @@
 
 #include "engine/Biquad.h"
 #include "engine/SmoothedSettings.h"
+#include "engine/kernels/Kernels.h"
 
 namespace qlx::engine {
 
@@ -12,7 +13,7 @@ class Amplifier {
   enum class Type : unsigned char { Thru = 0, Tube = 1, Solid = 2 };
   enum class Tone : unsigned char { Presence, LoMid, Top, Bottom, Count };
 
-  Amplifier();
+  explicit Amplifier(const kernels::Kernels& kernels);
 
   void
   setSampleRate(double hz) noexcept; ///< host rate of the tone filters, which glide from here on
@@ -29,8 +30,7 @@ class Amplifier {
   void process(const SmoothedRun& settings, int n, RunBuffer& run) noexcept;
 
  private:
-  void driveTube(const RunBuffer& drive, int n, RunBuffer& run) noexcept;
-
+  const kernels::Kernels& m_kernels;
   Type m_type = Type::Tube;
   double m_dcTracker = 0.0;
   double m_dcCoefficient = 0.0;

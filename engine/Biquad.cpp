@@ -9,7 +9,6 @@ namespace qlx::engine {
 
 namespace {
 
-constexpr double kGlideSeconds = 0.003;
 constexpr double kLowestFrequency = 0.001;
 constexpr double kHighestFraction = 0.499; // of the sample rate
 constexpr double kGlideFlush = 1e-30;
@@ -18,8 +17,6 @@ constexpr double kFixedFlush = 1e-17;
 /// Exponent of the Q reduction towards half the sample rate, by response; 0 where Q is not used or
 /// used plainly.
 constexpr std::array<double, 11> kQWarpExponent = {0, 6, 0, 3.5, 2.8, 2.8, 2.8, 4, 8, 0, 0};
-
-double flushedBy(double x, double epsilon) { return (x + epsilon) - epsilon; }
 
 /// What the designs share: frequency on the unit circle, shelf and peak gain, bandwidth.
 struct DesignInput {
@@ -104,7 +101,7 @@ void Biquad::init(double sampleRate, Response response, double hz, double q,
   m_gainDb = gainDb;
   m_enabled = false;
   m_instantUpdate = true;
-  m_glideSteps = static_cast<int>(sampleRate * kGlideSeconds);
+  m_glideSteps = sectionGlideSteps(sampleRate);
   m_target = m_running = {};
   m_currentRoots = m_targetRoots = {};
   m_currentRoots[kGain] = m_targetRoots[kGain] = 1.0;
@@ -127,8 +124,8 @@ void Biquad::clearState() noexcept {
 }
 
 void Biquad::storeSampleRate(double hz) noexcept {
-  m_sampleRate = hz >= 20000.0 && hz <= 400000.0 ? hz : 44100.0;
-  m_glideSteps = static_cast<int>(m_sampleRate * kGlideSeconds);
+  m_sampleRate = sectionRate(hz);
+  m_glideSteps = sectionGlideSteps(m_sampleRate);
 }
 
 void Biquad::setSampleRate(double hz) noexcept {
@@ -282,53 +279,64 @@ double Biquad::tickFixedSaturating(double x) noexcept {
 
 namespace {
 
-template <class Memory>
-double step(const Coefficients& k, Memory& m, double x) {
-  const double y = k.b0 * x + k.b1 * m.x1 + k.b2 * m.x2 - k.a1 * m.y1 - k.a2 * m.y2;
+double step(const Coefficients& k, Biquad::Memory& m, double x) {
+  const double y = k.b0 * x + k.b1 * m.x1 + k.b2 * m.x2 - k.a2 * m.y2 - k.a1 * m.y1;
   m.x2 = m.x1;
   m.x1 = x;
   m.y2 = m.y1;
   return y;
 }
 
+/// What is too small to be heard becomes zero before it decays into subnormal numbers.
+void dropTraces(Biquad::Memory& m, double least) {
+  for (double* x : {&m.x1, &m.x2, &m.y1, &m.y2})
+    if (std::abs(*x) < least) *x = 0.0;
+}
+
+/// A whole run with coefficients that stand still.
+template <class Limiter>
+void runFixed(const Coefficients& k, Biquad::Memory& memory, double least, std::span<double> run,
+              Limiter limit) {
+  Biquad::Memory m = memory;
+  for (double& x : run) {
+    m.y1 = limit(step(k, m, x));
+    x = m.y1;
+  }
+  dropTraces(m, least);
+  memory = m;
+}
+
 } // namespace
 
-void Biquad::processGlide(std::span<double> run) noexcept {
-  for (double& x : run) {
+template <class Limiter>
+void Biquad::runGlide(std::span<double> run, Limiter limit) noexcept {
+  std::size_t done = 0;
+  for (; done < run.size() && !isSettled(); ++done) {
     if (passesThrough()) continue;
     stepGlide();
-    m_glide.y1 = flushedBy(step(m_running, m_glide, x), kGlideFlush);
-    x = m_glide.y1;
+    m_glide.y1 = limit(step(m_running, m_glide, run[done]));
+    run[done] = m_glide.y1;
   }
+  dropTraces(m_glide, kGlideFlush);
+  if (done == run.size()) return;
+  m_running = m_target;
+  runFixed(m_target, m_glide, kGlideFlush, run.subspan(done), limit);
+}
+
+void Biquad::processGlide(std::span<double> run) noexcept {
+  runGlide(run, [](double y) { return y; });
 }
 
 void Biquad::processGlideSaturating(std::span<double> run) noexcept {
-  for (double& x : run) {
-    if (passesThrough()) continue;
-    stepGlide();
-    m_glide.y1 = saturated(flushedBy(step(m_running, m_glide, x), kGlideFlush));
-    x = m_glide.y1;
-  }
+  runGlide(run, [this](double y) { return saturated(y); });
 }
 
 void Biquad::processFixed(std::span<double> run) noexcept {
-  const Coefficients k = m_target;
-  Memory m = m_fixed;
-  for (double& x : run) {
-    m.y1 = flushedBy(step(k, m, flushedBy(x, kFixedFlush)), kFixedFlush);
-    x = m.y1;
-  }
-  m_fixed = m;
+  runFixed(m_target, m_fixed, kFixedFlush, run, [](double y) { return y; });
 }
 
 void Biquad::processFixedSaturating(std::span<double> run) noexcept {
-  const Coefficients k = m_target;
-  Memory m = m_fixed;
-  for (double& x : run) {
-    m.y1 = saturated(flushedBy(step(k, m, flushedBy(x, kFixedFlush)), kFixedFlush));
-    x = m.y1;
-  }
-  m_fixed = m;
+  runFixed(m_target, m_fixed, kFixedFlush, run, [this](double y) { return saturated(y); });
 }
 
 std::array<double, 8> Biquad::memory() const noexcept {

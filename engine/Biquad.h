@@ -20,6 +20,14 @@ enum class Response : unsigned char {
   AllPass = 10
 };
 
+/// The rate that sections work with: 20000 .. 400000 Hz, anything else counts as 44100.
+constexpr double sectionRate(double hz) noexcept {
+  return hz >= 20000.0 && hz <= 400000.0 ? hz : 44100.0;
+}
+
+/// Samples in which a section's poles and zeros reach a new place, 3 ms.
+constexpr int sectionGlideSteps(double hz) noexcept { return static_cast<int>(hz * 0.003); }
+
 /// Second-order section with ten responses after the bilinear designs of R. Bristow-Johnson's
 /// equaliser cook-book, the Q reduced towards half the sample rate to counter the bilinear
 /// transform's squeeze.
@@ -81,6 +89,22 @@ class Biquad {
   /// Samples until the running glide arrives.
   int glideRemaining() const noexcept { return m_glideRemaining; }
 
+  /// True where glide ticks are those of a fixed section with the wanted coefficients.
+  bool isSettled() const noexcept {
+    return m_enabled && m_response != Response::PassThrough && m_glideRemaining == 0;
+  }
+
+  /// Memory of one kind of ticks: the last two inputs and outputs.
+  struct Memory {
+    double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
+  };
+  Memory& glideMemory() noexcept { return m_glide; }
+  Memory& fixedMemory() noexcept { return m_fixed; }
+
+  /// Curvature and offset of the soft limiter; a curvature of 0 leaves it open.
+  double limiterCurvature() const noexcept { return m_saturationOn ? m_saturationK : 0.0; }
+  double limiterOffset() const noexcept { return m_saturationOffset; }
+
   /// The eight memory cells (x1, x2, y1, y2 of the glide ticks, then of the fixed ticks).
   std::array<double, 8> memory() const noexcept;
 
@@ -100,15 +124,13 @@ class Biquad {
   };
   using Roots = std::array<double, kRootCount>;
 
-  struct Memory {
-    double x1 = 0.0, x2 = 0.0, y1 = 0.0, y2 = 0.0;
-  };
-
   void recompute() noexcept;
   void startGlide() noexcept;
   void snapGlide() noexcept;
   void stepGlide() noexcept;
   bool passesThrough() noexcept;
+  template <class Limiter>
+  void runGlide(std::span<double> run, Limiter limit) noexcept;
   void storeSampleRate(double hz) noexcept;
   double saturated(double y) const noexcept;
 

@@ -14,15 +14,16 @@ constexpr double kColorLowQ = 0.6;
 } // namespace
 
 Cabinet::Cabinet(const Recordings& recordings, const kernels::Kernels& kernels)
-    : m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0),
+    : m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0), m_feeds(kernels),
       m_horn(hornSettings, recordings, kernels), m_drum(drumSettings, recordings, kernels),
-      m_reduced(hornSettings, drumSettings, kernels) {
+      m_reduced(hornSettings, drumSettings, kernels), m_room(kernels), m_pairs(kernels),
+      m_output(kernels) {
   m_drumShelf.setEnabled(true);
   for (ColorFilters& color : m_color) {
-    color.mid.init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
-    color.low.init(44100.0, Response::LowShelf, kColorLowHz, kColorLowQ, 0.0);
-    color.mid.setEnabled(true);
-    color.low.setEnabled(true);
+    color[0].init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
+    color[1].init(44100.0, Response::LowShelf, kColorLowHz, kColorLowQ, 0.0);
+    color[0].setEnabled(true);
+    color[1].setEnabled(true);
   }
 }
 
@@ -58,8 +59,8 @@ void Cabinet::setDrumFlip(double sign) noexcept {
 
 void Cabinet::setColor(double midDb, double lowDb) noexcept {
   for (ColorFilters& color : m_color) {
-    color.mid.setGainDb(midDb);
-    color.low.setGainDb(lowDb);
+    color[0].setGainDb(midDb);
+    color[1].setGainDb(lowDb);
   }
 }
 
@@ -97,13 +98,13 @@ void Cabinet::clearHorns() noexcept {
 void Cabinet::clearDrums() noexcept {
   m_drumTrack.clear();
   m_drumLine.clear();
-  m_drumPreFilter.clear();
+  m_feeds.clearDrum();
   m_drum.clear();
   m_reduced.clearDrum();
 }
 
 void Cabinet::clearState() noexcept {
-  m_crossover.clear();
+  m_feeds.clearHorn();
   m_output.clear();
   m_crossTalk.clearSmoothers();
   setInstantUpdate();
@@ -113,12 +114,12 @@ void Cabinet::clearState() noexcept {
 
 void Cabinet::setInstantUpdate() noexcept {
   m_drumShelf.setInstantUpdate(true);
-  m_crossover.setInstantUpdate();
+  m_feeds.setHornInstantUpdate();
   m_crossTalk.setInstantUpdate();
   m_output.setInstantUpdate();
   for (ColorFilters& color : m_color) {
-    color.mid.setInstantUpdate(true);
-    color.low.setInstantUpdate(true);
+    color[0].setInstantUpdate(true);
+    color[1].setInstantUpdate(true);
   }
 }
 
@@ -128,7 +129,7 @@ void Cabinet::resetHornFilters() noexcept {
 }
 
 void Cabinet::resetDrumFilters() noexcept {
-  m_drumPreFilter.setSampleRate(m_engineRate);
+  m_feeds.setDrumRate(m_engineRate);
   m_drum.resetFilters();
   m_reduced.resetDrumFilters();
 }
@@ -136,14 +137,14 @@ void Cabinet::resetDrumFilters() noexcept {
 void Cabinet::updateFilterRates(double engineRate) noexcept {
   m_drumShelf.setSampleRate(engineRate);
   m_drumShelf.setInstantUpdate(false);
-  m_crossover.setSampleRate(engineRate);
+  m_feeds.setHornRate(engineRate);
   m_crossTalk.setSampleRate(engineRate);
   m_output.setSampleRate(engineRate);
   for (ColorFilters& color : m_color) {
-    color.mid.setSampleRate(engineRate);
-    color.low.setSampleRate(engineRate);
-    color.mid.setInstantUpdate(false);
-    color.low.setInstantUpdate(false);
+    color[0].setSampleRate(engineRate);
+    color[1].setSampleRate(engineRate);
+    color[0].setInstantUpdate(false);
+    color[1].setInstantUpdate(false);
   }
   resetHornFilters();
   resetDrumFilters();
@@ -162,28 +163,28 @@ void Cabinet::clearEverything() noexcept {
   m_crossTalk.clearFilters();
   m_room.clear();
   m_drumShelf.clearState();
-  m_crossover.clearFilters();
+  m_feeds.clearFilters();
   m_output.clearFilters();
   for (ColorFilters& color : m_color) {
-    color.mid.clearState();
-    color.low.clearState();
+    color[0].clearState();
+    color[1].clearState();
   }
 }
 
 void Cabinet::runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, Microphones& mics,
                         Reduced& reduced) noexcept {
   const auto size = static_cast<std::size_t>(n);
-  RunBuffer feed = x, throat, reducedThroat;
-  m_drumShelf.processFixed({feed.data(), size});
-  for (std::size_t k = 0; k < size; ++k) feed[k] *= settings[Smoothed::DrumFeedGain][k];
-  m_drumPreFilter.process({feed.data(), size});
-  m_crossover.process(x, settings[Smoothed::HornFeedGain], n, throat, reducedThroat);
+  SpeakerFeeds::Output feeds;
+  feeds.drum = x;
+  m_drumShelf.processFixed({feeds.drum.data(), size});
+  for (std::size_t k = 0; k < size; ++k) feeds.drum[k] *= settings[Smoothed::DrumFeedGain][k];
+  m_feeds.process(x, settings[Smoothed::HornFeedGain], n, feeds);
 
   m_drumTrack.advance(n);
   m_hornTrack.advance(n);
-  m_drumLine.writeRun(m_drumTrack.writeIndex(0), {feed.data(), size});
-  m_hornLine.writeRun(m_hornTrack.writeIndex(0), {throat.data(), size});
-  m_reducedHornLine.writeRun(m_hornTrack.writeIndex(0), {reducedThroat.data(), size});
+  m_drumLine.writeRun(m_drumTrack.writeIndex(0), {feeds.drum.data(), size});
+  m_hornLine.writeRun(m_hornTrack.writeIndex(0), {feeds.horn.data(), size});
+  m_reducedHornLine.writeRun(m_hornTrack.writeIndex(0), {feeds.reducedHorn.data(), size});
   m_drum.process(m_drumTrack, m_drumLine, n, mics.drum);
   m_horn.process(m_hornTrack, m_hornLine, n, mics.horn1, mics.horn2);
   m_reduced.process({m_hornTrack, m_reducedHornLine}, {m_drumTrack, m_drumLine}, n, reduced.horn,
@@ -236,10 +237,7 @@ void Cabinet::addRoom(const SmoothedRun& s, int n, Microphones& mics) noexcept {
   }
   RunBuffer left, right;
   m_room.process(sendLeft, sendRight, s[Smoothed::RoomReturnGain], n, left, right);
-  m_color[0].mid.processGlide({left.data(), size});
-  m_color[0].low.processGlide({left.data(), size});
-  m_color[1].mid.processGlide({right.data(), size});
-  m_color[1].low.processGlide({right.data(), size});
+  m_pairs.process(m_color[0], m_color[1], n, left, right);
 
   const double level1 = m_horn.microphone(0).staticLevel();
   const double level2 = m_horn.microphone(1).staticLevel();

@@ -2,13 +2,14 @@
 
 #include "engine/CrossTalk.h"
 #include "engine/DrumModel.h"
-#include "engine/HornCrossover.h"
 #include "engine/HornModel.h"
 #include "engine/OutputStage.h"
 #include "engine/ReducedModels.h"
 #include "engine/Room.h"
 #include "engine/RotorTrack.h"
+#include "engine/SectionRunner.h"
 #include "engine/SmoothedSettings.h"
+#include "engine/SpeakerFeeds.h"
 
 namespace qlx::engine {
 
@@ -37,8 +38,8 @@ class Cabinet {
   void setStop(double v) noexcept;
   void setHornFlip(double sign) noexcept;
   void setDrumFlip(double sign) noexcept;
-  void setHornSaturation(double drive) noexcept { m_crossover.setSaturation(drive); }
-  void setDrumSaturation(double drive) noexcept { m_drumPreFilter.setSaturation(drive); }
+  void setHornSaturation(double drive) noexcept { m_feeds.setHornSaturation(drive); }
+  void setDrumSaturation(double drive) noexcept { m_feeds.setDrumSaturation(drive); }
   void setColor(double midDb, double lowDb) noexcept;
   void applyHornReflectionLpf() noexcept;
   void applyDrumReflectionLpf() noexcept;
@@ -96,20 +97,18 @@ class Cabinet {
 
   double m_engineRate = 44100.0;
   Biquad m_drumShelf;
-  HornCrossover m_crossover;
+  SpeakerFeeds m_feeds;
   RotorTrack m_hornTrack{RotorMotion::Direction::Horn};
   RotorTrack m_drumTrack{RotorMotion::Direction::Drum};
   SoundLine m_hornLine, m_reducedHornLine, m_drumLine;
-  DrumPreFilter m_drumPreFilter;
   HornModel m_horn;
   DrumModel m_drum;
   ReducedModels m_reduced;
   CrossTalk m_crossTalk;
   Room m_room;
-  struct ColorFilters {
-    Biquad mid, low;
-  };
-  std::array<ColorFilters, 2> m_color; ///< left, right
+  using ColorFilters = std::array<Biquad, 2>; ///< mid, low
+  std::array<ColorFilters, 2> m_color;        ///< left, right
+  PairRunner m_pairs;
   OutputStage m_output;
 };
 

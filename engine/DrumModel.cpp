@@ -1,6 +1,5 @@
 #include "engine/DrumModel.h"
 
-#include "engine/FilterDesigns.h"
 #include "engine/RayFilterTables.h"
 
 #include <algorithm>
@@ -14,14 +13,6 @@ constexpr double kReflectionEdgeHz = 20000.0;
 
 /// The scoop's mouth comes no nearer to a ray than this share of its circle.
 constexpr double kNearestSine = -0.7;
-
-constexpr double kPreFilterSaturationOffset = 0.03125;
-constexpr std::array<FilterDesign, 4> kPreFilter = {{
-    {Response::LowPass, 1170, 0.93, 0},
-    {Response::Peaking, 252, 0.71, 7},
-    {Response::HighPass, 90, 1.0, 0},
-    {Response::LowShelf, 200, 0.35, 3},
-}};
 
 /// Rays in the order of their lanes. The side walls' come last, because mostly neither is heard.
 enum DrumRay : std::size_t { kDirect, kBack, kBackAndB, kBackAndA, kWallB, kWallA };
@@ -66,41 +57,9 @@ std::array<ImageSource, 6> drumImages(const MicrophonePosition& microphone,
            {-2 * a, 2 * h, -1, -1}}};
 }
 
-DrumPreFilter::DrumPreFilter() {
-  for (std::size_t i = 0; i < m_sections.size(); ++i) {
-    const FilterDesign& d = kPreFilter[i];
-    m_sections[i].init(44100.0, d.response, d.hz, d.q, d.db);
-    m_sections[i].setSaturationOffset(kPreFilterSaturationOffset);
-    m_sections[i].setEnabled(true);
-  }
-}
-
-void DrumPreFilter::clear() noexcept {
-  for (Biquad& section : m_sections) {
-    section.clearState();
-    section.setInstantUpdate(true);
-  }
-}
-
-void DrumPreFilter::setSampleRate(double hz) noexcept {
-  for (std::size_t i = 0; i < m_sections.size(); ++i) {
-    m_sections[i].setSampleRate(hz);
-    m_sections[i].setFrequencyAndQ(kPreFilter[i].hz, kPreFilter[i].q);
-    m_sections[i].setInstantUpdate(false);
-  }
-}
-
-void DrumPreFilter::setSaturation(double drive) noexcept {
-  for (Biquad& section : m_sections) section.setSaturation(drive);
-}
-
-void DrumPreFilter::process(std::span<double> run) noexcept {
-  for (Biquad& section : m_sections) section.processFixedSaturating(run);
-}
-
 DrumModel::DrumModel(const DrumSettings& settings, const Recordings& recordings,
                      const kernels::Kernels& kernels)
-    : m_settings(settings), m_kernels(kernels), m_noisePlayer(recordings) {
+    : m_settings(settings), m_kernels(kernels), m_noisePlayer(recordings, kernels) {
   m_bank.table = {kLowPassRows.row, 18};
   m_bank.lowestSine = kNearestSine;
   std::fill(std::begin(m_bank.hz), std::end(m_bank.hz), kDrumLowPassHz[0]);

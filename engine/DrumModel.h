@@ -29,20 +29,6 @@ std::array<ImageSource, 6> drumImages(const MicrophonePosition& microphone,
 /// Walls of the drum's cabinet; unlike the horn's they are exchanged unless the flip is positive.
 CabinetWalls drumWalls(const CabinetSettings& cabinet) noexcept;
 
-/// The bass speaker and the scoop's mouth ahead of the rotation: four saturating sections. Both
-/// drum models hear the same.
-class DrumPreFilter {
- public:
-  DrumPreFilter();
-  void clear() noexcept;
-  void setSampleRate(double hz) noexcept;
-  void setSaturation(double drive) noexcept;
-  void process(std::span<double> run) noexcept;
-
- private:
-  std::array<Biquad, 4> m_sections;
-};
-
 /// What the drum microphone hears: six rays of the band above the splitter, Doppler-shifted and
 /// swelling with the scoop's turn, and a static ray that carries the band below. Audio thread only.
 class DrumModel {

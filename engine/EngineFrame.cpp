@@ -46,7 +46,8 @@ int factorFor(double hostRate, CpuMode mode) {
 } // namespace
 
 RotaryEngine::Frame::Frame(const Recordings& recordings, MicrophonePlacement& placement)
-    : m_placement(placement), m_cabinet(recordings, kernels::chooseKernels()) {
+    : m_placement(placement), m_kernels(kernels::chooseKernels()), m_amplifier(m_kernels),
+      m_converter(m_kernels), m_cabinet(recordings, m_kernels) {
   updateRateCoefficients();
   m_settings.setTarget(Smoothed::NoisePanB, 1.0);
 }

@@ -77,6 +77,7 @@ class RotaryEngine::Frame {
              const RunBuffer& wetRight) noexcept;
 
   MicrophonePlacement& m_placement;
+  const kernels::Kernels& m_kernels;
   ControlDesk m_desk;
   std::atomic<std::uint32_t> m_pending{0};
   std::atomic<double> m_wantedBypass{0.0};

@@ -14,7 +14,9 @@ struct RingPosition {
 RingPosition ringPosition(double pos, int length) {
   while (pos < 0.0) pos += length;
   const auto whole = static_cast<int>(pos);
-  return {(whole + length - 1) % length, pos - whole};
+  int first = whole + length - 1;
+  while (first >= length) first -= length;
+  return {first, pos - whole};
 }
 
 template <class Sample>

@@ -11,10 +11,10 @@ constexpr double kMixGain = 0.50118723362; // -6 dB
 
 } // namespace
 
-OutputStage::OutputStage() {
-  for (Biquad* filter : {&m_highPass1, &m_highPass2}) {
-    filter->init(m_sampleRate, Response::HighPass, m_hornHighPassHz, kHighPassQ, 0);
-    filter->setEnabled(true);
+OutputStage::OutputStage(const kernels::Kernels& kernels) : m_pairs(kernels) {
+  for (Biquad& filter : m_highPass) {
+    filter.init(m_sampleRate, Response::HighPass, m_hornHighPassHz, kHighPassQ, 0);
+    filter.setEnabled(true);
   }
 }
 
@@ -24,16 +24,15 @@ double OutputStage::inRange(double hz) const noexcept {
 
 void OutputStage::setSampleRate(double hz) noexcept {
   m_sampleRate = hz;
-  for (Biquad* filter : {&m_highPass1, &m_highPass2}) filter->setSampleRate(hz);
+  for (Biquad& filter : m_highPass) filter.setSampleRate(hz);
   setHornHighPass(m_hornHighPassHz);
-  for (Biquad* filter : {&m_highPass1, &m_highPass2}) filter->setInstantUpdate(false);
+  for (Biquad& filter : m_highPass) filter.setInstantUpdate(false);
   setDrumLowPass(m_drumLowPassHz);
 }
 
 void OutputStage::setHornHighPass(double hz) noexcept {
   m_hornHighPassHz = hz;
-  m_highPass1.setFrequency(inRange(hz));
-  m_highPass2.setFrequency(inRange(hz));
+  for (Biquad& filter : m_highPass) filter.setFrequency(inRange(hz));
 }
 
 void OutputStage::setDrumLowPass(double hz) noexcept {
@@ -44,28 +43,23 @@ void OutputStage::setDrumLowPass(double hz) noexcept {
 void OutputStage::clear() noexcept { m_drumLowPass = {}; }
 
 void OutputStage::clearFilters() noexcept {
-  m_highPass1.clearState();
-  m_highPass2.clearState();
+  for (Biquad& filter : m_highPass) filter.clearState();
 }
 
 void OutputStage::setInstantUpdate() noexcept {
-  m_highPass1.setInstantUpdate(true);
-  m_highPass2.setInstantUpdate(true);
-}
-
-void OutputStage::filterHorn(Biquad& highPass, const RunBuffer& share, int n,
-                             RunBuffer& horn) const noexcept {
-  RunBuffer filtered = horn;
-  highPass.processGlide({filtered.data(), static_cast<std::size_t>(n)});
-  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k)
-    horn[k] = (1.0 - share[k]) * horn[k] + share[k] * filtered[k];
+  for (Biquad& filter : m_highPass) filter.setInstantUpdate(true);
 }
 
 void OutputStage::process(RunBuffer& horn1, RunBuffer& horn2, const RunBuffer& drum,
                           const SmoothedRun& s, int n, RunBuffer& left, RunBuffer& right) noexcept {
-  filterHorn(m_highPass1, s[Smoothed::HornHighPassOn], n, horn1);
-  filterHorn(m_highPass2, s[Smoothed::HornHighPassOn], n, horn2);
+  RunBuffer filtered1 = horn1, filtered2 = horn2;
+  m_pairs.process({&m_highPass[0], 1}, {&m_highPass[1], 1}, n, filtered1, filtered2);
+  const RunBuffer& highPassShare = s[Smoothed::HornHighPassOn];
   const RunBuffer& lowPassShare = s[Smoothed::DrumLowPassOn];
+  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
+    horn1[k] += highPassShare[k] * (filtered1[k] - horn1[k]);
+    horn2[k] += highPassShare[k] * (filtered2[k] - horn2[k]);
+  }
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
     const double filtered = m_drumLowPass.next(drum[k], m_drumPole);
     const double out = (1.0 - lowPassShare[k]) * drum[k] + lowPassShare[k] * filtered;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/Biquad.h"
+#include "engine/SectionRunner.h"
 #include "engine/SmoothedSettings.h"
 
 namespace qlx::engine {
@@ -9,7 +9,7 @@ namespace qlx::engine {
 /// panorama, mix. Engine rate; audio thread only.
 class OutputStage {
  public:
-  OutputStage();
+  explicit OutputStage(const kernels::Kernels& kernels);
 
   void setSampleRate(double hz) noexcept;
   void clear() noexcept; ///< the drum low-pass
@@ -27,9 +27,9 @@ class OutputStage {
 
  private:
   double inRange(double hz) const noexcept;
-  void filterHorn(Biquad& highPass, const RunBuffer& share, int n, RunBuffer& horn) const noexcept;
 
-  Biquad m_highPass1, m_highPass2;
+  PairRunner m_pairs;
+  std::array<Biquad, 2> m_highPass; ///< microphone 1, 2
   OnePole m_drumLowPass;
   double m_drumPole = 0.0;
   double m_hornHighPassHz = 20.0;

@@ -1,5 +1,10 @@
 #include "engine/RateConverter.h"
 
+#include "engine/FirTables.h"
+#include "engine/SectionRunner.h"
+
+#include <algorithm>
+
 namespace qlx::engine {
 
 namespace {
@@ -18,7 +23,7 @@ const FirTable* tableOf(int factor) {
 
 } // namespace
 
-RateConverter::RateConverter() {
+RateConverter::RateConverter(const kernels::Kernels& kernels) : m_kernels(kernels) {
   for (Biquad* filter : {&m_imageLeft, &m_imageRight}) {
     filter->init(44100.0, Response::LowPass, kFirstImageHz, kImageQ, 0);
     filter->setEnabled(true);
@@ -27,7 +32,8 @@ RateConverter::RateConverter() {
 
 void RateConverter::setFactor(int factor) noexcept {
   m_factor = factor;
-  m_table = tableOf(factor);
+  if (const FirTable* table = tableOf(factor))
+    std::copy(table->rbegin(), table->rend(), m_table.begin());
 }
 
 void RateConverter::setImageFrequency(double hz) noexcept {
@@ -51,7 +57,6 @@ void RateConverter::clear() noexcept {
   m_input.clear();
   m_left.clear();
   m_right.clear();
-  m_position = kFirTaps - 1;
 }
 
 void RateConverter::clearFilters() noexcept {
@@ -59,55 +64,53 @@ void RateConverter::clearFilters() noexcept {
   m_imageRight.clearState();
 }
 
-void RateConverter::Line::write(int position, double x) noexcept {
-  const auto i = static_cast<std::size_t>(position & (kFirTaps - 1));
-  m_samples[i] = m_samples[i + kFirTaps] = static_cast<float>(x);
-}
-
-double RateConverter::Line::filter(int position, const FirTable& table) const noexcept {
-  const float* newest = m_samples.data() + (position & (kFirTaps - 1));
-  double sum = 0.0;
-  for (std::size_t k = 0; k < kFirTaps; ++k)
-    sum += static_cast<double>(table[k]) * static_cast<double>(newest[k]);
-  return sum;
+void RateConverter::Line::finish(int n) noexcept {
+  std::copy_n(m_samples.begin() + n, kPast, m_samples.begin());
 }
 
 int RateConverter::decimate(const RunBuffer& in, int n, RunBuffer& out,
                             std::array<int, kRun>& at) noexcept {
-  std::size_t count = 0;
-  for (int j = 0; j < n; ++j) {
-    const double x = in[static_cast<std::size_t>(j)];
-    if (m_table != nullptr) m_input.write(m_position - 1 - j, x);
-    if (!isEngineSample(j)) continue;
-    out[count] = m_table != nullptr ? m_input.filter(m_position - 1 - j, *m_table) : x;
-    at[count] = j;
-    ++count;
+  int count = 0;
+  for (int j = firstEngineSample(); j < n; j += m_factor) at[static_cast<std::size_t>(count++)] = j;
+  if (m_factor == 1) {
+    out = in;
+    return count;
   }
-  return static_cast<int>(count);
+  for (int j = 0; j < n; ++j) m_input.write(j, in[static_cast<std::size_t>(j)]);
+  if (count > 0) m_kernels.fir(m_table.data(), m_input.before(at[0]), m_factor, out.data(), count);
+  m_input.finish(n);
+  return count;
 }
 
-void RateConverter::interpolateSide(Biquad& imageFilter, Line& line, int n,
-                                    RunBuffer& side) const noexcept {
-  // Zeros between the engine samples, then the image filter, then the low-pass.
-  RunBuffer spread{};
-  std::size_t next = 0;
-  for (int j = 0; j < n; ++j) {
-    if (isEngineSample(j)) spread[static_cast<std::size_t>(j)] = side[next++];
-  }
-  imageFilter.processFixed({spread.data(), static_cast<std::size_t>(n)});
-  for (int j = 0; j < n; ++j) {
-    const int position = m_position - 1 - j;
-    line.write(position, spread[static_cast<std::size_t>(j)] * m_factor);
-    side[static_cast<std::size_t>(j)] = line.filter(position, *m_table);
-  }
+void RateConverter::interpolateSide(Line& line, int n, RunBuffer& side) const noexcept {
+  for (int j = 0; j < n; ++j) line.write(j, side[static_cast<std::size_t>(j)] * m_factor);
+  m_kernels.fir(m_table.data(), line.before(0), 1, side.data(), n);
+  line.finish(n);
 }
 
 void RateConverter::interpolate(int n, RunBuffer& left, RunBuffer& right) noexcept {
-  if (m_table != nullptr) {
-    interpolateSide(m_imageLeft, m_left, n, left);
-    interpolateSide(m_imageRight, m_right, n, right);
+  if (m_factor > 1) {
+    // Zeros between the engine samples, then the image filters, then the low-passes.
+    kernels::PairSections<2> image{};
+    image.field[kernels::kB0][2] = image.field[kernels::kB0][3] = 1.0;
+    copyToLane(m_imageLeft, m_imageLeft.fixedMemory(), image.field, 0);
+    copyToLane(m_imageRight, m_imageRight.fixedMemory(), image.field, 1);
+    std::array<double, 2 * (kRun + 2)> pairs{};
+    std::size_t next = 0;
+    for (int j = firstEngineSample(); j < n; j += m_factor, ++next) {
+      pairs[2 * static_cast<std::size_t>(j)] = left[next];
+      pairs[2 * static_cast<std::size_t>(j) + 1] = right[next];
+    }
+    m_kernels.pairSeries(image.field[0], 4, 2, pairs.data(), n);
+    for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
+      left[k] = pairs[2 * k];
+      right[k] = pairs[2 * k + 1];
+    }
+    copyFromLane(image.field, 0, m_imageLeft.fixedMemory());
+    copyFromLane(image.field, 1, m_imageRight.fixedMemory());
+    interpolateSide(m_left, n, left);
+    interpolateSide(m_right, n, right);
   }
-  m_position = (m_position - n) & (kFirTaps - 1);
   m_sampleCounter += static_cast<std::uint32_t>(n);
 }
 

@@ -2,7 +2,7 @@
 
 #include "engine/Acoustics.h"
 #include "engine/Biquad.h"
-#include "engine/FirTables.h"
+#include "engine/kernels/Kernels.h"
 
 #include <array>
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace qlx::engine {
 /// factor 1 it does nothing. Audio thread only.
 class RateConverter {
  public:
-  RateConverter();
+  explicit RateConverter(const kernels::Kernels& kernels);
 
   /// Host samples per engine sample: 1, 2, 4 or 8.
   void setFactor(int factor) noexcept;
@@ -37,27 +37,34 @@ class RateConverter {
   void interpolate(int n, RunBuffer& left, RunBuffer& right) noexcept;
 
  private:
+  /// A stretch of samples behind the ones that the low-pass still needs; in single precision, as
+  /// the low-pass's coefficients are.
   class Line {
    public:
-    void clear() noexcept { m_samples.fill(0.0F); }
-    void write(int position, double x) noexcept;
-    double filter(int position, const FirTable& table) const noexcept;
+    void clear() noexcept { m_samples.fill(0.0); }
+    /// Appends a sample of the current stretch.
+    void write(int j, double x) noexcept {
+      m_samples[kPast + static_cast<std::size_t>(j)] = static_cast<double>(static_cast<float>(x));
+    }
+    /// Where the low-pass begins for sample j of the current stretch.
+    const double* before(int j) const noexcept { return m_samples.data() + j; }
+    void finish(int n) noexcept;
 
    private:
-    std::array<float, 2 * kFirTaps> m_samples{};
+    static constexpr std::size_t kPast = kernels::kFirTaps - 1;
+    std::array<double, kPast + kRun + 8> m_samples{};
   };
 
-  void interpolateSide(Biquad& imageFilter, Line& line, int n, RunBuffer& side) const noexcept;
-  bool isEngineSample(int j) const noexcept {
-    return ((m_sampleCounter + static_cast<std::uint32_t>(j)) &
-            static_cast<std::uint32_t>(m_factor - 1)) == 0;
+  void interpolateSide(Line& line, int n, RunBuffer& side) const noexcept;
+  int firstEngineSample() const noexcept {
+    return static_cast<int>((0U - m_sampleCounter) & static_cast<std::uint32_t>(m_factor - 1));
   }
 
+  const kernels::Kernels& m_kernels;
   int m_factor = 1;
-  const FirTable* m_table = nullptr;
+  std::array<double, kernels::kFirTaps> m_table{}; ///< the newest sample's tap last
   Line m_input, m_left, m_right;
   Biquad m_imageLeft, m_imageRight;
-  int m_position = kFirTaps - 1; // of the lines, before the current stretch
   std::uint32_t m_sampleCounter = 0;
 };
 

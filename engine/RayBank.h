@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/Biquad.h"
 #include "engine/CabinetGeometry.h"
 #include "engine/RotorTrack.h"
 #include "engine/kernels/Kernels.h"
@@ -47,13 +48,13 @@ void setLane(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
   lanes.angleLag[lane] = static_cast<int>(kTrackSize - distance * track.samplesPerMetre());
 }
 
-/// The rate of gliding filters, Hz; outside the range of the sections it counts as 44100.
+/// The rate of gliding filters, Hz, and where the counter-warp of their Q ends, as a share of it.
 template <int N>
 void setGlideRate(kernels::GlideLanes<N>& lanes, double hz, double edgeShare) noexcept {
-  const double rate = hz >= 20000.0 && hz <= 400000.0 ? hz : 44100.0;
+  const double rate = sectionRate(hz);
   lanes.angularRate = kTwoPi / rate;
   lanes.edgeHz = edgeShare * rate;
-  lanes.share = 1.0 / std::floor(rate * 0.003);
+  lanes.share = 1.0 / sectionGlideSteps(rate);
 }
 
 template <int N>

@@ -25,9 +25,9 @@ constexpr double kLongestPathDb = -20.0;
 
 } // namespace
 
-Room::Room() {
-  m_left.line.resize(kLineSize);
-  m_right.line.resize(kLineSize);
+Room::Room(const kernels::Kernels& kernels) : m_kernels(kernels) {
+  m_left.line.resize(kLineSize + kContinued);
+  m_right.line.resize(kLineSize + kContinued);
 }
 
 void Room::Side::compute(const Paths& path, const Paths& cutoff, const RoomSettings& settings,
@@ -36,9 +36,12 @@ void Room::Side::compute(const Paths& path, const Paths& cutoff, const RoomSetti
     const double metres = path[i] * settings.size;
     const double samples = metres * engineRate * kInverseSpeedOfSound;
     delay[i] = static_cast<int>(samples);
-    fraction[i] = static_cast<float>(samples - delay[i]);
-    gain[i] = std::pow(10.0, metres * dbPerMetre * 0.05);
-    pole[i] = lowPassPole(std::clamp(cutoff[i] * settings.mainCutoffHz, 20.0, 20000.0), engineRate);
+    const auto fraction = static_cast<double>(static_cast<float>(samples - delay[i]));
+    const double gain = std::pow(10.0, metres * dbPerMetre * 0.05);
+    taps.older[i] = (1.0 - fraction) * gain;
+    taps.newer[i] = fraction * gain;
+    taps.pole[i] =
+        lowPassPole(std::clamp(cutoff[i] * settings.mainCutoffHz, 20.0, 20000.0), engineRate);
   }
 }
 
@@ -55,36 +58,37 @@ void Room::computeTaps(const RoomSettings& settings, double engineRate) noexcept
   m_right.compute(kRightPath, kRightCutoff, settings, dbPerMetre, engineRate);
 }
 
+void Room::Side::clear() noexcept {
+  std::fill(line.begin(), line.end(), 0.0);
+  std::fill(std::begin(taps.state), std::end(taps.state), 0.0);
+}
+
 void Room::clear() noexcept {
-  for (Side* side : {&m_left, &m_right}) {
-    std::fill(side->line.begin(), side->line.end(), 0.0);
-    side->lowPass = {};
+  m_left.clear();
+  m_right.clear();
+}
+
+void Room::Side::write(const RunBuffer& send, int writeIndex, int n) noexcept {
+  for (int j = 0; j < n; ++j) {
+    const auto i = static_cast<std::size_t>((writeIndex + j) & (kLineSize - 1));
+    line[i] = send[static_cast<std::size_t>(j)];
+    if (i < kContinued) line[i + kLineSize] = line[i];
   }
 }
 
-void Room::Side::process(const RunBuffer& send, const RunBuffer& returnGain, int writeIndex, int n,
-                         RunBuffer& out) noexcept {
-  constexpr int kMask = kLineSize - 1;
-  const auto at = [&](int i) { return line[static_cast<std::size_t>(i & kMask)]; };
-  for (int j = 0; j < n; ++j)
-    line[static_cast<std::size_t>((writeIndex + j) & kMask)] = send[static_cast<std::size_t>(j)];
-  std::fill_n(out.begin(), n, 0.0);
-  for (std::size_t i = 0; i < kTapCount; ++i) {
-    const double newer = static_cast<double>(fraction[i]), older = 1.0 - newer;
-    for (int j = 0; j < n; ++j) {
-      const int position = writeIndex + j - delay[i];
-      const double x = (older * at(position) + newer * at(position + 1)) * gain[i];
-      out[static_cast<std::size_t>(j)] += lowPass[i].next(x, pole[i]);
-    }
-  }
-  for (int j = 0; j < n; ++j)
-    out[static_cast<std::size_t>(j)] *= returnGain[static_cast<std::size_t>(j)];
+void Room::process(Side& side, const RunBuffer& send, const RunBuffer& returnGain, int n,
+                   RunBuffer& out) const noexcept {
+  side.write(send, m_writeIndex, n);
+  for (std::size_t i = 0; i < kTapCount; ++i)
+    side.taps.first[i] = side.line.data() + ((m_writeIndex - side.delay[i]) & (kLineSize - 1));
+  m_kernels.roomSide(side.taps, out.data(), n);
+  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) out[k] *= returnGain[k];
 }
 
 void Room::process(const RunBuffer& sendLeft, const RunBuffer& sendRight,
                    const RunBuffer& returnGain, int n, RunBuffer& left, RunBuffer& right) noexcept {
-  m_left.process(sendLeft, returnGain, m_writeIndex, n, left);
-  m_right.process(sendRight, returnGain, m_writeIndex, n, right);
+  process(m_left, sendLeft, returnGain, n, left);
+  process(m_right, sendRight, returnGain, n, right);
   m_writeIndex = (m_writeIndex + n) & (kLineSize - 1);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/Acoustics.h"
-#include "engine/Interpolation.h"
+#include "engine/kernels/Kernels.h"
 
 #include <array>
 #include <vector>
@@ -19,7 +19,7 @@ struct RoomSettings {
 /// paths arrive later, softer (linearly in decibels) and darker. Audio thread only.
 class Room {
  public:
-  Room();
+  explicit Room(const kernels::Kernels& kernels);
 
   /// Recomputes delays, levels and filters for an engine rate; the memory of the lines stays.
   void computeTaps(const RoomSettings& settings, double engineRate) noexcept;
@@ -30,24 +30,26 @@ class Room {
                int n, RunBuffer& left, RunBuffer& right) noexcept;
 
  private:
-  static constexpr std::size_t kTapCount = 12;
+  static constexpr std::size_t kTapCount = kernels::RoomSide::kTaps;
   static constexpr int kLineSize = 65536;
+  static constexpr int kContinued = kRun + 1; ///< samples of the begin that follow the end again
 
   struct Side {
     std::array<int, kTapCount> delay{};
-    std::array<float, kTapCount> fraction{};
-    std::array<double, kTapCount> gain{};
-    std::array<double, kTapCount> pole{};
-    std::array<OnePole, kTapCount> lowPass{};
+    kernels::RoomSide taps{};
     std::vector<double> line;
 
     void compute(const std::array<double, kTapCount>& path,
                  const std::array<double, kTapCount>& cutoff, const RoomSettings& settings,
                  double dbPerMetre, double engineRate) noexcept;
-    void process(const RunBuffer& send, const RunBuffer& returnGain, int writeIndex, int n,
-                 RunBuffer& out) noexcept;
+    void write(const RunBuffer& send, int writeIndex, int n) noexcept;
+    void clear() noexcept;
   };
 
+  void process(Side& side, const RunBuffer& send, const RunBuffer& returnGain, int n,
+               RunBuffer& out) const noexcept;
+
+  const kernels::Kernels& m_kernels;
   Side m_left, m_right;
   int m_writeIndex = 0;
 };

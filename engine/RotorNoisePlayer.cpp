@@ -1,5 +1,6 @@
 #include "engine/RotorNoisePlayer.h"
 
+#include "engine/Acoustics.h"
 #include "engine/Interpolation.h"
 
 #include <array>
@@ -17,14 +18,8 @@ constexpr double kNearestDistance = 0.3;      // metres at which the distance ga
 /// Places of the fast recordings' loops against the rotor, in passes of the loop.
 constexpr std::array<double, 2> kHornTurnOffset = {-0.003676470588235294, 0.23161764705882354};
 constexpr double kHornBandHz = 1100.0;
+constexpr double kDrumBandHz = 1000.0;
 constexpr double kDrumTurnOffset = -0.0014204545454545455;
-
-void prepareFilter(Biquad& filter, double hz, double frequency, double q) {
-  filter.setInstantUpdate(true);
-  filter.setSampleRate(hz);
-  filter.setFrequencyAndQ(frequency, q);
-  filter.setInstantUpdate(false);
-}
 
 void advanceCyclic(double& phase, double step) {
   phase += step;
@@ -56,11 +51,12 @@ double SwitchSound::tick() noexcept {
 void NoiseSpeedRange::setSampleRate(double hz) noexcept {
   m_slow = kSlowThresholdHz / hz;
   m_fast = kFastThresholdHz / hz;
+  m_inverseSpan = 1.0 / (m_fast - m_slow);
 }
 
 double NoiseSpeedRange::between(double speed) const noexcept {
   if (speed <= m_slow || speed >= m_fast) return -1.0;
-  return (speed - m_slow) / (m_fast - m_slow);
+  return (speed - m_slow) * m_inverseSpan;
 }
 
 NoiseBlend NoiseSpeedRange::hornBlend(double speed) const noexcept {
@@ -74,24 +70,45 @@ NoiseBlend NoiseSpeedRange::drumBlend(double speed) const noexcept {
   if (speed <= m_slow) return {(speed / m_slow) * (speed / m_slow), 0.0};
   if (speed >= m_fast) return {0.0, 1.0};
   const double x = between(speed);
-  return {std::pow(1.0 - x, 0.25), x * x};
+  return {std::sqrt(std::sqrt(1.0 - x)), x * x};
+}
+
+RotorNoisePlayer::RotorNoisePlayer(std::span<const float> slowLoop, std::span<const float> fastLoop,
+                                   std::span<const float> startStop, double bandHz,
+                                   double bandQ) noexcept
+    : m_slowLoop(slowLoop), m_fastLoop(fastLoop), m_switchSound(startStop),
+      m_bandPass(44100.0, Response::BandPass, bandHz, bandQ, 0) {
+  m_bandPass.setEnabled(true);
+}
+
+void RotorNoisePlayer::prepareBandPass(double sampleRate, double hz, double q) noexcept {
+  m_bandPass.setInstantUpdate(true);
+  m_bandPass.setSampleRate(sampleRate);
+  m_bandPass.setFrequencyAndQ(hz, q);
+  m_bandPass.setInstantUpdate(false);
+}
+
+void RotorNoisePlayer::addSwitchSound(std::span<double> run) noexcept {
+  if (!m_switchSound.isPlaying()) return;
+  for (double& x : run) x += m_switchSound.tick();
+}
+
+void RotorNoisePlayer::finish(double level, std::span<double> run) noexcept {
+  m_bandPass.processGlide(run);
+  for (double& x : run) x = x * m_distanceGain * level;
 }
 
 HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, int microphone) noexcept
-    : m_slowLoop(recordings.hornSlow[static_cast<std::size_t>(microphone)]),
-      m_fastLoop(recordings.hornFast),
-      m_turnOffset(kHornTurnOffset[static_cast<std::size_t>(microphone)]),
-      m_switchSound(recordings.startStop),
-      m_bandPass(44100.0, Response::BandPass, kHornBandHz, 0.3, 0) {
-  m_bandPass.setEnabled(true);
-}
+    : RotorNoisePlayer(recordings.hornSlow[static_cast<std::size_t>(microphone)],
+                       recordings.hornFast, recordings.startStop, kHornBandHz, 0.3),
+      m_turnOffset(kHornTurnOffset[static_cast<std::size_t>(microphone)]) {}
 
 void HornNoisePlayer::setSampleRate(double hz) noexcept {
   m_range.setSampleRate(hz);
   m_switchSound.setSampleRate(hz);
   m_slowStep = 44100.0 / hz;
   clear();
-  prepareFilter(m_bandPass, hz, kHornBandHz, m_micDistance * 0.25 + 0.05);
+  prepareBandPass(hz, kHornBandHz, m_micDistance * 0.25 + 0.05);
   setMicDistance(m_micDistance);
 }
 
@@ -111,41 +128,44 @@ void HornNoisePlayer::setMicDistance(double metres) noexcept {
 void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
                               std::span<double> out) noexcept {
   constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
+  const double place = micAngle / kHornFastTurns + m_turnOffset;
   for (std::size_t i = 0; i < speeds.size(); ++i) {
     const NoiseBlend blend = m_range.hornBlend(speeds[i]);
     double sum = 0.0;
     if (blend.slow > 0.0)
       sum += cubicLoopRead(m_slowPosition, m_slowLoop.data(), kSlow) * m_slowVolume * blend.slow;
-    if (blend.fast > 0.0) {
-      const double position = (m_fastPhase + micAngle / kHornFastTurns + m_turnOffset) * kFast;
-      sum += cubicLoopRead(position, m_fastLoop.data(), kFast) * m_fastVolume * blend.fast;
-    }
-    sum += m_switchSound.tick();
+    if (blend.fast > 0.0)
+      sum += cubicLoopRead((m_fastPhase + place) * kFast, m_fastLoop.data(), kFast) * m_fastVolume *
+             blend.fast;
     m_slowPosition += m_slowStep;
     if (m_slowPosition >= kSlow) m_slowPosition -= kSlow;
-    advanceCyclic(m_fastPhase, speeds[i] / kHornFastTurns);
-    out[i] = m_bandPass.tickGlide(sum) * m_distanceGain * level;
+    advanceCyclic(m_fastPhase, speeds[i] * (1.0 / kHornFastTurns));
+    out[i] = sum;
   }
+  addSwitchSound(out);
+  finish(level, out);
 }
 
-DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings) noexcept
-    : m_slowLoop(recordings.drumSlow), m_fastLoop(recordings.drumFast),
-      m_switchSound(recordings.startStop),
-      m_slowLowPass(44100.0, Response::LowPass, 18000.0, 0.7, 0),
-      m_fastShelf(44100.0, Response::HighShelf, 2000.0, 0.707, 0),
-      m_bandPass(44100.0, Response::BandPass, 1000.0, 0.125, 0) {
-  m_slowLowPass.setEnabled(true);
-  m_fastShelf.setEnabled(true);
-  m_bandPass.setEnabled(true);
-}
+DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings,
+                                 const kernels::Kernels& kernels) noexcept
+    : RotorNoisePlayer(recordings.drumSlow, recordings.drumFast, recordings.startStop, kDrumBandHz,
+                       0.125),
+      m_kernels(kernels) {}
 
 void DrumNoisePlayer::setSampleRate(double hz) noexcept {
   m_range.setSampleRate(hz);
+  m_blendedSpeed = -1.0;
   m_switchSound.setSampleRate(hz);
   clear();
-  prepareFilter(m_slowLowPass, hz, m_slowLowPassHz, 0.7);
-  prepareFilter(m_fastShelf, hz, m_fastShelfHz, 0.707);
-  prepareFilter(m_bandPass, hz, 1000.0, m_micDistance * 0.12 + 0.005);
+  const double rate = sectionRate(hz);
+  m_treble.angularRate = kTwoPi / rate;
+  m_treble.highestHz = 0.499 * rate;
+  m_treble.lowPassEdge = 0.50001 * rate;
+  m_treble.shelfEdge = 0.5001 * rate;
+  m_treble.steps = sectionGlideSteps(rate);
+  m_treble.share = 1.0 / m_treble.steps;
+  m_kernels.restTreble(m_treble);
+  prepareBandPass(hz, kDrumBandHz, m_micDistance * 0.12 + 0.005);
   m_distanceGain = 1.0; // the drum's noise keeps its level until the microphone is moved
 }
 
@@ -153,7 +173,9 @@ void DrumNoisePlayer::clear() noexcept {
   m_slowPhase = 0.0;
   m_fastPhase = 0.0;
   m_switchSound.clear();
-  for (Biquad* filter : {&m_slowLowPass, &m_fastShelf, &m_bandPass}) filter->clearState();
+  for (double* memory : {m_treble.x1, m_treble.x2, m_treble.y1, m_treble.y2})
+    memory[0] = memory[1] = 0.0;
+  m_bandPass.clearState();
 }
 
 void DrumNoisePlayer::setMicDistance(double metres) noexcept {
@@ -162,36 +184,32 @@ void DrumNoisePlayer::setMicDistance(double metres) noexcept {
   m_bandPass.setQ(metres * 0.12 + 0.005);
 }
 
-void DrumNoisePlayer::tuneTreble(double between) noexcept {
-  const double square = between * between;
-  m_slowLowPassHz = 18000.0 - 18000.0 * std::pow(between, 0.06);
-  m_fastShelfHz = 3500.0 + 9500.0 * square;
-  m_slowLowPass.setFrequency(m_slowLowPassHz);
-  m_fastShelf.setFrequency(m_fastShelfHz);
-  m_fastShelf.setGainDb(12.0 * square - 12.0);
-}
-
 void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
                               std::span<double> out) noexcept {
   constexpr int kSlow = kDrumSlowLength, kFast = kDrumFastLength;
+  const double place = micAngle / kDrumFastTurns + kDrumTurnOffset;
+  RunBuffer slow, fast, between{};
   for (std::size_t i = 0; i < speeds.size(); ++i) {
-    const NoiseBlend blend = m_range.drumBlend(speeds[i]);
-    const double between = m_range.between(speeds[i]);
-    if (between >= 0.0) tuneTreble(between);
-    double slow = 0.0, fast = 0.0;
-    if (blend.slow > 0.0)
-      slow =
-          cubicLoopRead(m_slowPhase * kSlow, m_slowLoop.data(), kSlow) * m_slowVolume * blend.slow;
-    if (blend.fast > 0.0) {
-      const double position = (micAngle / kDrumFastTurns + m_fastPhase + kDrumTurnOffset) * kFast;
-      fast = cubicLoopRead(position, m_fastLoop.data(), kFast) * m_fastVolume * blend.fast;
+    if (speeds[i] != m_blendedSpeed) {
+      m_blendedSpeed = speeds[i];
+      m_blend = m_range.drumBlend(speeds[i]);
     }
-    const double sum =
-        m_slowLowPass.tickGlide(slow) + m_fastShelf.tickGlide(fast) + m_switchSound.tick();
-    advanceCyclic(m_fastPhase, speeds[i] / kDrumFastTurns);
-    advanceCyclic(m_slowPhase, speeds[i] / kDrumSlowTurns);
-    out[i] = m_bandPass.tickGlide(sum) * m_distanceGain * level;
+    between[i] = m_range.between(speeds[i]);
+    slow[i] = fast[i] = 0.0;
+    if (m_blend.slow > 0.0)
+      slow[i] = cubicLoopRead(m_slowPhase * kSlow, m_slowLoop.data(), kSlow) * m_slowVolume *
+                m_blend.slow;
+    if (m_blend.fast > 0.0)
+      fast[i] = cubicLoopRead((place + m_fastPhase) * kFast, m_fastLoop.data(), kFast) *
+                m_fastVolume * m_blend.fast;
+    advanceCyclic(m_fastPhase, speeds[i] * (1.0 / kDrumFastTurns));
+    advanceCyclic(m_slowPhase, speeds[i] * (1.0 / kDrumSlowTurns));
   }
+  m_kernels.noiseTreble(m_treble, between.data(), slow.data(), fast.data(),
+                        static_cast<int>(speeds.size()));
+  for (std::size_t i = 0; i < speeds.size(); ++i) out[i] = slow[i] + fast[i];
+  addSwitchSound(out);
+  finish(level, out);
 }
 
 } // namespace qlx::engine

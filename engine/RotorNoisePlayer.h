@@ -2,6 +2,7 @@
 
 #include "engine/Biquad.h"
 #include "engine/Recordings.h"
+#include "engine/kernels/Kernels.h"
 
 #include <cstdint>
 #include <span>
@@ -21,6 +22,7 @@ class SwitchSound {
   void trigger() noexcept;
   void clear() noexcept;
 
+  bool isPlaying() const noexcept { return m_playing; }
   /// Next sample; 0 while nothing plays.
   double tick() noexcept;
 
@@ -53,12 +55,42 @@ class NoiseSpeedRange {
  private:
   double m_slow = 0.0; // revolutions a sample
   double m_fast = 1.0;
+  double m_inverseSpan = 1.0;
 };
 
-/// Motor and rotor noise at one horn microphone: a slow loop that runs freely, a fast loop locked
-/// to the rotor, both faded by the rotor's speed, the switching sound, and a band-pass that narrows
-/// with the microphone's distance. Audio thread only; so is DrumNoisePlayer.
-class HornNoisePlayer {
+/// What the noise of both rotors has in common: a slow and a fast recording faded by the rotor's
+/// speed, the switching sound, and a band-pass that narrows with the microphone's distance. Audio
+/// thread only.
+class RotorNoisePlayer {
+ public:
+  void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
+  void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
+  void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
+  void trigger() noexcept { m_switchSound.trigger(); }
+
+ protected:
+  RotorNoisePlayer(std::span<const float> slowLoop, std::span<const float> fastLoop,
+                   std::span<const float> startStop, double bandHz, double bandQ) noexcept;
+
+  void prepareBandPass(double sampleRate, double hz, double q) noexcept;
+  void addSwitchSound(std::span<double> run) noexcept;
+  void finish(double level, std::span<double> run) noexcept; ///< band-pass and level
+
+  std::span<const float> m_slowLoop;
+  std::span<const float> m_fastLoop;
+  SwitchSound m_switchSound;
+  NoiseSpeedRange m_range;
+  Biquad m_bandPass;
+  double m_slowVolume = 0.0;
+  double m_fastVolume = 0.0;
+  double m_micDistance = 1.0; ///< metres
+  double m_distanceGain = 1.0;
+  double m_fastPhase = 0.0; ///< passes of the loop, 0 .. 1
+};
+
+/// Motor and rotor noise at one horn microphone: the slow loop runs freely, the fast one is locked
+/// to the rotor.
+class HornNoisePlayer : public RotorNoisePlayer {
  public:
   /// `microphone` 0 or 1 chooses the recording and the place in the turn.
   HornNoisePlayer(const Recordings& recordings, int microphone) noexcept;
@@ -66,66 +98,36 @@ class HornNoisePlayer {
   void setSampleRate(double hz) noexcept;
   void clear() noexcept; ///< phases and switching sound
   void setMicDistance(double metres) noexcept;
-  void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
-  void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
-  void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
-  void trigger() noexcept { m_switchSound.trigger(); }
 
-  /// One sample per entry of `speeds` (revolutions a sample) into `out`; `micAngle` in turns,
-  /// `level` linear.
+  /// One sample per entry of `speeds` (revolutions a sample, at most kRun) into `out`; `micAngle`
+  /// in turns, `level` linear.
   void process(std::span<const double> speeds, double micAngle, double level,
                std::span<double> out) noexcept;
 
  private:
-  std::span<const float> m_slowLoop;
-  std::span<const float> m_fastLoop;
   double m_turnOffset;
-  SwitchSound m_switchSound;
-  NoiseSpeedRange m_range;
-  Biquad m_bandPass;
-  double m_slowVolume = 0.0;
-  double m_fastVolume = 0.0;
-  double m_micDistance = 1.0;
-  double m_distanceGain = 1.0;
   double m_slowStep = 1.0;     // recording samples an engine sample
   double m_slowPosition = 0.0; // recording samples
-  double m_fastPhase = 0.0;    // passes of the loop, 0 .. 1
 };
 
 /// Motor and rotor noise at the drum microphone: two loops locked to the rotor; while it speeds up
 /// the slow one loses and the fast one gains treble.
-class DrumNoisePlayer {
+class DrumNoisePlayer : public RotorNoisePlayer {
  public:
-  explicit DrumNoisePlayer(const Recordings& recordings) noexcept;
+  DrumNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels) noexcept;
 
   void setSampleRate(double hz) noexcept;
   void clear() noexcept;
   void setMicDistance(double metres) noexcept;
-  void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
-  void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
-  void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
-  void trigger() noexcept { m_switchSound.trigger(); }
   void process(std::span<const double> speeds, double micAngle, double level,
                std::span<double> out) noexcept;
 
  private:
-  void tuneTreble(double between) noexcept;
-
-  std::span<const float> m_slowLoop;
-  std::span<const float> m_fastLoop;
-  SwitchSound m_switchSound;
-  NoiseSpeedRange m_range;
-  Biquad m_slowLowPass;
-  Biquad m_fastShelf;
-  Biquad m_bandPass;
-  double m_slowVolume = 0.0;
-  double m_fastVolume = 0.0;
-  double m_micDistance = 1.0;
-  double m_distanceGain = 1.0;
-  double m_slowLowPassHz = 18000.0;
-  double m_fastShelfHz = 2000.0;
-  double m_slowPhase = 0.0; // passes of the loops, 0 .. 1
-  double m_fastPhase = 0.0;
+  const kernels::Kernels& m_kernels;
+  kernels::NoiseTreble m_treble{};
+  double m_slowPhase = 0.0; // passes of the loop, 0 .. 1
+  double m_blendedSpeed = -1.0;
+  NoiseBlend m_blend{};
 };
 
 } // namespace qlx::engine

@@ -28,10 +28,15 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
     const double target = m_target[i];
     double x = m_current[i];
     if (std::abs(target - x) <= kArrived * std::max(1.0, std::abs(target))) {
+      // What has arrived fills its buffers once and is then left alone.
+      if (m_flat[i] && run[0] == target) continue;
       m_current[i] = target;
-      std::fill_n(run.begin(), n, target);
+      m_flat[i] = true;
+      run.fill(target);
+      m_engineRun.m_values[i].fill(target);
       continue;
     }
+    m_flat[i] = false;
     const double k = i == index(Smoothed::DriveGain) ? m_driveCoefficient : m_coefficient;
     for (int j = 0; j < n; ++j) {
       x = flushed(x + (target - x) * k);
@@ -44,6 +49,7 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
 
 const SmoothedRun& SmoothedSettings::pick(std::span<const int> hostSamples) noexcept {
   for (std::size_t i = 0; i < kCount; ++i) {
+    if (m_flat[i]) continue;
     for (std::size_t k = 0; k < hostSamples.size(); ++k)
       m_engineRun.m_values[i][k] = m_hostRun.m_values[i][static_cast<std::size_t>(hostSamples[k])];
   }

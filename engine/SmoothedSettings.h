@@ -81,6 +81,7 @@ class SmoothedSettings {
   std::array<double, kCount> m_target{};
   std::array<double, kCount> m_current{};
   SmoothedRun m_hostRun, m_engineRun;
+  std::array<bool, kCount> m_flat{}; ///< arrived, both runs filled with the target
   double m_coefficient = 0.0;
   double m_driveCoefficient = 0.0;
 };

@@ -1,11 +1,13 @@
+#include "engine/kernels/NoiseKernels.h"
 #include "engine/kernels/RayKernels.h"
 #include "engine/kernels/SeriesKernels.h"
+#include "engine/kernels/StageKernels.h"
 
 namespace qlx::engine::kernels {
 
-extern const Kernels kBaselineKernels;
-const Kernels kBaselineKernels = {"baseline", hornRays,    drumRays,    reducedRays,
-                                  restHorn,   restDrum,    fixedPair,   pairTaps,
-                                  pairSeries, chainSeries, limitedChain};
+const Kernels kBaselineKernels = {"baseline",    hornRays,    drumRays,   reducedRays, restHorn,
+                                  restDrum,      fixedPair,   pairTaps,   pairSeries,  chainSeries,
+                                  limitedChains, noiseTreble, restTreble, roomSide,    fir,
+                                  tube,          transistor};
 
 } // namespace qlx::engine::kernels

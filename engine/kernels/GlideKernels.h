@@ -34,10 +34,9 @@ struct Tuned {
   Lanes c, s, q;
 };
 
-template <int N>
-inline Tuned tuned(const GlideLanes<N>& lanes, Lanes hz, Lanes q, double exponent) {
-  const Lanes w = hz * lanes.angularRate;
-  return {cosineOfHalf(w), sineOfHalf(w), q * (1.0 - power(hz * (1.0 / lanes.edgeHz), exponent))};
+inline Tuned tuned(double angularRate, double edgeHz, Lanes hz, Lanes q, double exponent) {
+  const Lanes w = hz * angularRate;
+  return {cosineOfHalf(w), sineOfHalf(w), q * (1.0 - power(hz * (1.0 / edgeHz), exponent))};
 }
 
 /// Real and imaginary parts of the roots of k0 z^2 + k1 z + k2: real1, real2, +-imag.
@@ -54,46 +53,68 @@ inline RootLanes rootsOf(Lanes k0, Lanes k1, Lanes k2) {
   return {middle + apart, middle - apart, select(isReal, Lanes{}, half)};
 }
 
-/// Sends the roots of one vector on their way to b0 z^2 + b1 z + b2 over a0 z^2 + a1 z + a2.
+/// Numerator and denominator of a section, normalised or not.
+struct Design {
+  Lanes a[3], b[3];
+
+  /// What glides: zeros, poles and gain, in the order of GlideLanes::Root.
+  void roots(Lanes (&target)[7]) const {
+    const RootLanes zeros = rootsOf(b[0], b[1], b[2]), poles = rootsOf(a[0], a[1], a[2]);
+    target[0] = zeros.real1;
+    target[1] = zeros.real2;
+    target[2] = zeros.imag;
+    target[3] = poles.real1;
+    target[4] = poles.real2;
+    target[5] = poles.imag;
+    target[6] = b[0] / a[0];
+  }
+};
+
+inline Design peakDesign(const Tuned& t, Lanes db) {
+  const Lanes gain = halfGain(db), alpha = t.s / (2.0 * t.q);
+  const Lanes up = alpha * gain, down = alpha / gain;
+  return {{1.0 + down, -2.0 * t.c, 1.0 - down}, {1.0 + up, -2.0 * t.c, 1.0 - up}};
+}
+
+inline Design highShelfDesign(const Tuned& t, Lanes db) {
+  const Lanes A = halfGain(db), c = -t.c, width = t.s * root(A) / t.q;
+  const Lanes more = A + 1.0, less = A - 1.0;
+  return {
+      {more + less * c + width, 2.0 * (less + more * c), more + less * c - width},
+      {A * (more - less * c + width), -2.0 * A * (less - more * c), A * (more - less * c - width)}};
+}
+
+inline Design lowPassDesign(const Tuned& t) {
+  const Lanes alpha = t.s / (2.0 * t.q), b = 0.5 * (1.0 - t.c);
+  return {{1.0 + alpha, -2.0 * t.c, 1.0 - alpha}, {b, 1.0 - t.c, b}};
+}
+
+/// Exponents of the Q's counter-warp.
+constexpr double kPeakWarp = 2.8, kHighShelfWarp = 4.0, kLowPassWarp = 8.0;
+
+/// Sends the roots of one vector of sections on their way to a design.
 template <int N>
-inline void approach(GlideLanes<N>& g, int lane, const Lanes (&a)[3], const Lanes (&b)[3]) {
-  const RootLanes zeros = rootsOf(b[0], b[1], b[2]), poles = rootsOf(a[0], a[1], a[2]);
-  using G = GlideLanes<N>;
-  Lanes target[G::kRootCount];
-  target[G::kZero1] = zeros.real1;
-  target[G::kZero2] = zeros.real2;
-  target[G::kZeroImag] = zeros.imag;
-  target[G::kPole1] = poles.real1;
-  target[G::kPole2] = poles.real2;
-  target[G::kPoleImag] = poles.imag;
-  target[G::kGain] = b[0] / a[0];
-  for (int i = 0; i < G::kRootCount; ++i)
+inline void approach(GlideLanes<N>& g, int lane, const Design& design) {
+  Lanes target[GlideLanes<N>::kRootCount];
+  design.roots(target);
+  for (int i = 0; i < GlideLanes<N>::kRootCount; ++i)
     store(g.increment[i] + lane, (target[i] - load(g.root[i] + lane)) * g.share);
 }
 
 template <int N>
 inline void tunePeak(GlideLanes<N>& g, int lane, Lanes hz, Lanes q, Lanes db) {
-  const Tuned t = tuned(g, hz, q, 2.8);
-  const Lanes gain = halfGain(db), alpha = t.s / (2.0 * t.q);
-  const Lanes up = alpha * gain, down = alpha / gain;
-  approach(g, lane, {1.0 + down, -2.0 * t.c, 1.0 - down}, {1.0 + up, -2.0 * t.c, 1.0 - up});
+  approach(g, lane, peakDesign(tuned(g.angularRate, g.edgeHz, hz, q, kPeakWarp), db));
 }
 
 template <int N>
 inline void tuneHighShelf(GlideLanes<N>& g, int lane, double hz, double q, Lanes db) {
-  const Tuned t = tuned(g, all(hz), all(q), 4.0);
-  const Lanes A = halfGain(db), c = -t.c, width = t.s * root(A) / t.q;
-  const Lanes more = A + 1.0, less = A - 1.0;
-  approach(
-      g, lane, {more + less * c + width, 2.0 * (less + more * c), more + less * c - width},
-      {A * (more - less * c + width), -2.0 * A * (less - more * c), A * (more - less * c - width)});
+  approach(g, lane,
+           highShelfDesign(tuned(g.angularRate, g.edgeHz, all(hz), all(q), kHighShelfWarp), db));
 }
 
 template <int N>
 inline void tuneLowPass(GlideLanes<N>& g, int lane, Lanes hz, Lanes q) {
-  const Tuned t = tuned(g, hz, q, 8.0);
-  const Lanes alpha = t.s / (2.0 * t.q), b = 0.5 * (1.0 - t.c);
-  approach(g, lane, {1.0 + alpha, -2.0 * t.c, 1.0 - alpha}, {b, 1.0 - t.c, b});
+  approach(g, lane, lowPassDesign(tuned(g.angularRate, g.edgeHz, hz, q, kLowPassWarp)));
 }
 
 /// Numbers that follow a polynomial of the second degree from sample to sample.

@@ -129,6 +129,33 @@ struct ChainSections {
   alignas(32) double limit[N], offset[N];
 };
 
+/// Two sections of a rotor's noise whose tuning follows the rotor's speed with every sample: a
+/// low-pass on the slow recording, a high shelf on the fast one. Roots as in GlideLanes, eight
+/// places a section.
+struct NoiseTreble {
+  static constexpr int kPlaces = 8;
+  alignas(32) double root[2 * kPlaces];
+  alignas(32) double target[2 * kPlaces];
+  alignas(32) double increment[2 * kPlaces];
+  double x1[2], x2[2], y1[2], y2[2];
+  double angularRate; ///< radians a sample of 1 Hz
+  double highestHz;
+  double lowPassEdge, shelfEdge; ///< Hz at which the counter-warp of the Q reaches zero
+  double share;
+  int steps, remaining;
+  double between; ///< place that the last tuning was made for; 0: none since the start
+};
+
+/// One side of the room: twelve taps on a line that is continued behind its end.
+struct RoomSide {
+  static constexpr int kTaps = 12;
+  const double* first[kTaps]; ///< older of the two points of the stretch's first sample
+  double older[kTaps], newer[kTaps];
+  double pole[kTaps], state[kTaps];
+};
+
+inline constexpr int kFirTaps = 32;
+
 /// The kernels of one instruction set. All work in the memory they are given, on the audio thread.
 struct Kernels {
   const char* name;
@@ -154,8 +181,27 @@ struct Kernels {
   void (*pairSeries)(double* fields, int stride, int count, double* pairs, int n);
   /// The same over n samples of one channel and a multiple of four sections.
   void (*chainSeries)(double* fields, int stride, int count, double* run, int n);
-  /// The same for four sections with limiters.
-  void (*limitedChain)(ChainSections<4>& sections, double* run, int n);
+  /// The same for chains of four sections with limiters, on a signal each, all over n samples.
+  void (*limitedChains)(ChainSections<4>* const* chains, double* const* runs, int count, int n);
+
+  /// Tunes the sections by `between` (0 .. 1 between the speeds of slow and fast noise, negative
+  /// where the tuning stays) and runs them over n samples of both recordings in place.
+  void (*noiseTreble)(NoiseTreble& treble, const double* between, double* slow, double* fast,
+                      int n);
+  /// Puts both sections where the last tuning wants them: the tuning for `between`, or both open.
+  void (*restTreble)(NoiseTreble& treble);
+
+  /// Writes the sum of a side's taps over n samples.
+  void (*roomSide)(RoomSide& side, double* out, int n);
+
+  /// Low-pass of kFirTaps taps, the last of the table on the newest sample; `past` stands on the
+  /// oldest sample that the first output needs. Outputs are `step` samples apart.
+  void (*fir)(const double* table, const double* past, int step, double* out, int n);
+
+  /// Drives n samples of the tube stage in place; the tracker follows the DC that its asymmetry
+  /// makes.
+  void (*tube)(const double* drive, double trackerShare, double& tracker, double* run, int n);
+  void (*transistor)(const double* drive, double* run, int n);
 };
 
 /// The kernels for the processor at hand, or for any x86-64 where the environment variable QLX_ISA

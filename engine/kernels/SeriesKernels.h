@@ -140,11 +140,38 @@ struct LimitedSections : SkewedSections {
   }
 };
 
-void limitedChain(ChainSections<4>& s, double* run, int n) {
+/// Runs up to three chains in step, so that they wait for each other's divisions no longer than one
+/// would for its own.
+template <int Count>
+inline void runLimited(ChainSections<4>* const* chains, double* const* runs, int lane, int n) {
+  using Sections = LimitedSections;
+  Sections s[3] = {
+      {*chains[0], lane}, {*chains[Count > 1 ? 1 : 0], lane}, {*chains[Count > 2 ? 2 : 0], lane}};
+  constexpr int kLate = kWidth - 1;
+  const auto edge = [&](int k, int step) {
+    const SkewedSections before = s[k];
+    s[k].step(shiftedIn(runs[k][step < n ? step : n - 1], s[k].y1));
+    s[k].keepResting(activeLanes(step, n, 1), before);
+    if (step >= kLate) runs[k][step - kLate] = s[k].y1[kWidth - 1];
+  };
+  const int first = kLate < n ? kLate : n;
+  for (int k = 0; k < Count; ++k)
+    for (int step = 0; step < first; ++step) edge(k, step);
+  for (int step = first; step < n; ++step) {
+    for (int k = 0; k < Count; ++k) s[k].step(shiftedIn(runs[k][step], s[k].y1));
+    for (int k = 0; k < Count; ++k) runs[k][step - kLate] = s[k].y1[kWidth - 1];
+  }
+  for (int k = 0; k < Count; ++k) {
+    for (int step = n; step < n + kLate; ++step) edge(k, step);
+    s[k].storeMemory(chains[k]->field[0] + lane, 4);
+  }
+}
+
+void limitedChains(ChainSections<4>* const* chains, double* const* runs, int count, int n) {
   for (int lane = 0; lane < 4; lane += kWidth) {
-    LimitedSections sections(s, lane);
-    runChain(sections, run, n);
-    sections.storeMemory(s.field[0] + lane, 4);
+    if (count == 3) runLimited<3>(chains, runs, lane, n);
+    if (count == 2) runLimited<2>(chains, runs, lane, n);
+    if (count == 1) runLimited<1>(chains, runs, lane, n);
   }
 }
 

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "engine/kernels/GlideKernels.h"
+
+namespace qlx::engine::kernels {
+namespace {
+
+inline double sumOfLanes(Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return (x[0] + x[1]) + (x[2] + x[3]);
+#else
+  return x[0] + x[1];
+#endif
+}
+
+void roomSide(RoomSide& side, double* out, int n) {
+  Lanes sum[kLongestRun + 4] = {};
+  for (int tap = 0; tap < RoomSide::kTaps; tap += kWidth) {
+    const Lanes older = load(side.older + tap), newer = load(side.newer + tap);
+    const Lanes pole = load(side.pole + tap);
+    Lanes state = load(side.state + tap);
+    const double* at[kWidth];
+    for (int k = 0; k < kWidth; ++k) at[k] = side.first[tap + k];
+    Lanes here = loadOne(at);
+    for (int j = 0; j < n; ++j) {
+      for (const double*& p : at) ++p;
+      const Lanes next = loadOne(at);
+      const Lanes x = older * here + newer * next;
+      state = (state - x) * pole + x;
+      sum[j] += state;
+      here = next;
+    }
+    store(side.state + tap, withoutTraces(state, 1e-24));
+  }
+  for (int j = 0; j < n; ++j) out[j] = sumOfLanes(sum[j]);
+}
+
+void fir(const double* table, const double* past, int step, double* out, int n) {
+  if (step == 1) {
+    // Neighbouring outputs side by side.
+    for (int j = 0; j < n; j += 2 * kWidth) {
+      Lanes a{}, b{};
+      for (int k = 0; k < kFirTaps; ++k) {
+        const double tap = table[k];
+        a += tap * load(past + j + k);
+        b += tap * load(past + j + k + kWidth);
+      }
+      store(out + j, a);
+      store(out + j + kWidth, b);
+    }
+    return;
+  }
+  for (int j = 0; j < n; ++j) {
+    Lanes a{}, b{};
+    for (int k = 0; k < kFirTaps; k += 2 * kWidth) {
+      a += load(table + k) * load(past + step * j + k);
+      b += load(table + k + kWidth) * load(past + step * j + k + kWidth);
+    }
+    out[j] = sumOfLanes(a + b);
+  }
+}
+
+/// Magnitude below which a driven stage passes its input.
+constexpr double kSilence = 1e-8;
+
+/// Half of a push-pull tube stage: soft on the positive side, harder on the negative, then a cubic
+/// knee.
+inline Lanes tubeStage(Lanes x) {
+  const Lanes u = 0.55 * x / (1.0 + x * select(x >= 0.0, all(0.5), all(-0.125)));
+  return 1.4 * (1.5 * u - 0.5 * u * u * u - 0.3);
+}
+
+void tube(const double* drive, double trackerShare, double& tracker, double* run, int n) {
+  alignas(32) double driven[kLongestRun + 4], dc[kLongestRun + 4];
+  for (int j = 0; j < n; j += kWidth)
+    store(driven + j, -tubeStage(-tubeStage(load(drive + j) * load(run + j) * 1.18)));
+  // The asymmetry's DC is tracked through silence too, so that no thump follows it.
+  double level = tracker;
+  for (int j = 0; j < n; ++j) {
+    level += (driven[j] - level) * trackerShare;
+    dc[j] = level;
+  }
+  tracker = level < 1e-24 && level > -1e-24 ? 0.0 : level;
+  for (int j = 0; j < n; j += kWidth) {
+    const Lanes x = load(run + j);
+    const Lanes y = (load(driven + j) - load(dc + j)) / load(drive + j);
+    store(run + j, select(absolute(x) < kSilence, x, y));
+  }
+}
+
+/// Transistor stage: a cubic knee up to a hard limit.
+void transistor(const double* drive, double* run, int n) {
+  for (int j = 0; j < n; j += kWidth) {
+    const Lanes x = load(run + j), gain = load(drive + j);
+    const Lanes w = larger(smaller(gain * x * 1.34349, all(1.0)), all(-1.0));
+    const Lanes y = (1.5 * w - 0.5 * w * w * w) * 0.5 / gain;
+    store(run + j, select(absolute(x) < kSilence, x, y));
+  }
+}
+
+} // namespace
+} // namespace qlx::engine::kernels
