@@ -1,15 +1,13 @@
 #include "platform/NativeWindow.h"
+#include "tests/platform/ProcessResources.h"
 #include "tests/platform/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <xcb/xcb.h>
 
 #include <array>
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -441,20 +439,6 @@ TEST_F(X11Windows, PopupGetsItsOwnEvents) {
   EXPECT_EQ(listener.count(WindowEventType::kMouseDown), 0U);
 }
 
-std::size_t openDescriptors() {
-  const std::filesystem::directory_iterator all("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-}
-
-std::size_t sharedSegments() {
-  std::ifstream list("/proc/sysvipc/shm");
-  const std::string own = std::to_string(getpid());
-  std::size_t count = 0;
-  for (std::string line; std::getline(list, line);)
-    count += line.find(" " + own + " ") != std::string::npos ? 1U : 0U;
-  return count;
-}
-
 TEST_F(X11Windows, AThousandTimesLeaveNothingBehind) {
   open();
   window.reset();
@@ -470,10 +454,10 @@ TEST_F(X11Windows, AThousandTimesLeaveNothingBehind) {
   };
   for (int i = 0; i < 20; ++i) cycle();
   const std::size_t descriptors = openDescriptors();
-  const std::size_t memory = mallinfo2().uordblks;
+  const std::size_t memory = heapBytes();
   for (int i = 0; i < 1000; ++i) cycle();
   EXPECT_EQ(openDescriptors(), descriptors);
-  EXPECT_LT(mallinfo2().uordblks, memory + 16384U);
+  EXPECT_LT(heapBytes(), memory + 16384U);
   // The display lets go of its side a little later.
   EXPECT_TRUE(pumpUntil([this] { return host->children(host->window()) == 0; }));
   EXPECT_TRUE(pumpUntil([] { return sharedSegments() == 0; }));
