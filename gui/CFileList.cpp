@@ -191,8 +191,9 @@ void CFileList::answer(const std::string& path) {
   const Answer answer = std::exchange(m_answer, nullptr);
   CFrame* frame = getFrame();
   frame->removeModalView();
-  frame->giveKeyboardFocusBack();
   if (answer) answer(path);
+  // Unless a question followed, which goes on with the keyboard.
+  if (frame->getModalView() == nullptr) frame->giveKeyboardFocusBack();
 }
 
 // --- Input ---

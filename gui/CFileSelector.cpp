@@ -86,11 +86,12 @@ void CFileSelector::askToReplace(const std::string& path) {
   constexpr int kRoomForName = 200;
   const std::string name = shortenedAtEnd(frame->getTypeface(), platform::splitPath(path).name,
                                           kDialogFont, kRoomForName);
-  const auto answered = [this, path](int button) {
+  const auto answered = [this, frame, path](int button) {
     m_view = nullptr;
     m_shown = Shown::Nothing;
     if (button != kReplace) return showAgain(path);
     m_answer = Paths{path};
+    frame->giveKeyboardFocusBack();
   };
   if (!CMessageBox::show(*frame, m_request.title, name + " exists already. Replace it?",
                          {"Replace", "Cancel"}, answered)) {

@@ -84,6 +84,8 @@ class FakePrograms {
 
   void write(const std::string& name, const std::string& script) const;
   void removeAll() const;
+  /// Where a file of this name is in the folder.
+  std::string path(const std::string& name) const { return m_folder / name; }
   /// A file that scripts, which find the folder as $HERE, have written; empty before.
   std::string read(const std::string& name) const;
 
