@@ -16,6 +16,7 @@ void addInfoCommand(CLI::App& program);
 void addBenchCommand(CLI::App& program);
 void addOrganCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
+void addReportCommand(CLI::App& program);
 void addEditCommand(CLI::App& program);
 void addScreenshotCommand(CLI::App& program);
 void addManualCommand(CLI::App& program);

@@ -19,9 +19,9 @@ constexpr std::size_t kTopDrawbar = 8;
 constexpr double kContactSpreadSeconds = 0.007;
 constexpr double kBounceSeconds = 0.0011;
 // The matching transformer and preamplifier round a contact's step off.
-constexpr double kContactSmoothingSeconds = 0.00018;
+constexpr double kContactSmoothingSeconds = 0.00007;
 constexpr double kPercussionDecaySeconds = 0.22; // to 1/e
-constexpr double kPercussionLevel = 0.9;
+constexpr double kPercussionLevel = 1.5;
 // The tone of a wheel leaks into its neighbours' wires; all wheels are faintly heard at rest.
 constexpr double kNeighbourLeak = 0.0035;
 constexpr double kOctaveLeak = 0.002;

@@ -3,10 +3,9 @@
 #include "tools/brezan/AudioFile.h"
 #include "tools/brezan/LeverMarks.h"
 #include "tools/brezan/Picture.h"
+#include "tools/brezan/SoundLevel.h"
 #include "tools/brezan/Table.h"
 
-#include <algorithm>
-#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
@@ -27,13 +26,7 @@ PictureSound load(const PictureOptions& options) {
   AudioInput input(options.input);
   PictureSound sound{options.title, {}, input.rate(), {}};
   if (sound.title.empty()) sound.title = std::filesystem::path(options.input).filename().string();
-  const auto channels = static_cast<std::size_t>(input.channels());
-  sound.channels.resize(channels);
-  std::vector<double> block(channels * 4096);
-  for (int got = input.read(block); got > 0; got = input.read(block))
-    for (std::size_t i = 0; i < static_cast<std::size_t>(got); ++i)
-      for (std::size_t c = 0; c < channels; ++c)
-        sound.channels[c].push_back(block[channels * i + c]);
+  sound.channels = readChannels(input);
   return sound;
 }
 
@@ -43,21 +36,9 @@ void printSections(const PictureSound& sound) {
   for (std::size_t i = 0; i < sound.marks.size(); ++i) {
     const double from = sound.marks[i].seconds;
     const double to = i + 1 < sound.marks.size() ? sound.marks[i + 1].seconds : sound.seconds();
-    const auto frame = [&sound](double seconds) {
-      return std::min(static_cast<std::size_t>(std::max(0.0, seconds * sound.rate)),
-                      sound.channels.front().size());
-    };
-    double peak = 0.0;
-    double power = 0.0;
-    for (const auto& channel : sound.channels)
-      for (std::size_t k = frame(from); k < frame(to); ++k) {
-        peak = std::max(peak, std::abs(channel[k]));
-        power += channel[k] * channel[k];
-      }
-    const auto count = static_cast<double>(std::max<std::size_t>(1, frame(to) - frame(from))) *
-                       static_cast<double>(sound.channels.size());
-    table.add({fixed(from, 2), fixed(to, 2), sound.marks[i].words, decibels(peak),
-               decibels(std::sqrt(power / count))});
+    const SoundLevel level = levelBetween(sound.channels, sound.rate, from, to);
+    table.add({fixed(from, 2), fixed(to, 2), sound.marks[i].words, decibels(level.peak),
+               decibels(level.rms)});
   }
   table.print(std::cout);
 }

@@ -23,6 +23,7 @@ int run(int argc, char** argv) {
   addBenchCommand(program);
   addOrganCommand(program);
   addPictureCommand(program);
+  addReportCommand(program);
   addEditCommand(program);
   addScreenshotCommand(program);
   addManualCommand(program);

@@ -1,16 +1,20 @@
 #!/usr/bin/env bash
-# demo.sh ROOT: renders the organ phrase through the plug-in, slow - fast - slow - stop - slow, and draws it.
+# demo.sh ROOT: renders the organ phrase through the plug-in, slow - fast - slow - stop - slow, tells what is in it and
+# draws it.
 set -euo pipefail
 root=$1
-bin=$root/build/release
+brezan=$root/build/release/brezan
 out=$root/build/demo
 mkdir -p "$out"
+cd "$out"
 
-"$bin/brezan" organ "$out/organ-dry.wav" --midi "$out/pedal.mid" --automation "$out/brake.txt" >/dev/null
-"$bin/brezan" render "$out/organ-dry.wav" "$out/organ.wav" --midi "$out/pedal.mid" --automate "$out/brake.txt" \
-  --rate 44100 --format pcm24 --tail 1 --settle 4 --set CPUmode=Brilliant
-"$bin/brezan" picture "$out/organ.wav" "$out/organ.png" --midi "$out/pedal.mid" --automate "$out/brake.txt" \
-  --title 'QLX Brezan: organ phrase through the cabinet'
+moves=(--midi pedal.mid --automate brake.txt)
+settings=(--set CPUmode=Brilliant)
+"$brezan" organ organ-dry.wav --midi pedal.mid --automation brake.txt >/dev/null
+"$brezan" render organ-dry.wav organ.wav "${moves[@]}" "${settings[@]}" \
+  --rate 44100 --format pcm24 --tail 1 --settle 4 >/dev/null
+"$brezan" report organ-dry.wav organ.wav "${moves[@]}" "${settings[@]}"
+"$brezan" picture organ.wav organ.png "${moves[@]}" --title 'QLX Brezan: organ phrase through the cabinet' >/dev/null
 cat <<T
 
 Listen:   $out/organ.wav

@@ -1,0 +1,46 @@
+#include "tools/brezan/RotorMoves.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qlx::tools {
+
+namespace {
+
+constexpr double kSmallestChange = 0.1; // revolutions a second
+constexpr double kEndSeconds = 0.5;     // over which the speed at the end is averaged
+constexpr double kSettledPart = 0.02;   // of the way, that may still be gone in that time
+
+double meanSpeed(const RotorTrace& trace, double from, double to) {
+  return to > from ? (trace.turns(to) - trace.turns(from)) / (to - from) : 0.0;
+}
+
+} // namespace
+
+std::vector<RotorMove> rotorMoves(const RotorTrace& trace, std::span<const double> times,
+                                  double end) {
+  std::vector<RotorMove> moves;
+  double before = 0.0;
+  for (std::size_t i = 0; i < times.size(); ++i) {
+    const double from = times[i];
+    const double to = i + 1 < times.size() ? times[i + 1] : end;
+    const double last = std::min(kEndSeconds, (to - from) / 4.0);
+    RotorMove move{meanSpeed(trace, to - last, to), {}, true};
+    const double way = move.reached - before;
+    if (i > 0 && std::abs(way) >= kSmallestChange) {
+      // Time spent between the two is not disturbed by the trace's wavering, as crossings would be.
+      double seconds = 0.0;
+      for (double now = from; now < to; now += RotorTrace::kStepSeconds)
+        if (const double gone = (trace.speed(now) - before) / way; gone >= 0.1 && gone < 0.9)
+          seconds += RotorTrace::kStepSeconds;
+      move.tenToNinety = seconds;
+      const double earlier = meanSpeed(trace, to - 2.0 * last, to - last);
+      move.settled = std::abs(move.reached - earlier) < kSettledPart * std::abs(way);
+    }
+    before = move.reached;
+    moves.push_back(move);
+  }
+  return moves;
+}
+
+} // namespace qlx::tools
