@@ -47,7 +47,7 @@ void Rays::rebuild(std::span<const ImageSource> images, const MicrophonePosition
 void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept {
   const double amRadius = cabinet.amRadius;
   const double nearest = 0.3 - amRadius;
-  double* table = m_table.data() + 1;
+  double* table = m_table.data();
   table[0] = std::pow(amRadius * 3.3333333333333335, cabinet.attenuationExponent);
   double previous = nearest;
   for (int i = 1; i < kSize; ++i) {
@@ -59,8 +59,7 @@ void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) n
     table[i] = table[i - 1] * std::pow(previous / d, exponent * cabinet.attenuationExponent);
     previous = d;
   }
-  m_table.front() = table[0];
-  m_table.back() = table[kSize - 1];
+  fitPieces();
   // Mean of the direct ray's distance over a turn, the near half weighted by the arc it takes.
   const double mean = (0.6366 - rays.halfWidth[0] * 2.546) * rays.signY[0] * amRadius;
   const double direct =
@@ -68,14 +67,23 @@ void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) n
   m_norm = std::pow(1.0 / direct, 0.7);
 }
 
+void AttenuationLaw::fitPieces() noexcept {
+  for (std::size_t i = 0; i + 1 < m_table.size(); ++i) {
+    const double p0 = m_table[i > 0 ? i - 1 : 0], p1 = m_table[i], p2 = m_table[i + 1];
+    const double p3 = m_table[i + 2 < m_table.size() ? i + 2 : i + 1];
+    m_pieces[i] = {p1, 0.5 * (p2 - p0), p0 - 2.5 * p1 + 2.0 * p2 - 0.5 * p3,
+                   1.5 * (p1 - p2) + 0.5 * (p3 - p0)};
+  }
+}
+
 double AttenuationLaw::level(double distance, double amRadius, double sine) const noexcept {
-  return cubicTableRead((amRadius * sine + distance - 0.3 + amRadius) * 100.0, m_table.data() + 1,
+  return cubicTableRead((amRadius * sine + distance - 0.3 + amRadius) * 100.0, m_table.data(),
                         kSize - 1) *
          m_norm;
 }
 
 double AttenuationLaw::rawAt(double d) const noexcept {
-  return cubicTableRead(d * kSize, m_table.data() + 1, kSize - 1);
+  return cubicTableRead(d * kSize, m_table.data(), kSize - 1);
 }
 
 } // namespace qlx::engine

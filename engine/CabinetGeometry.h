@@ -93,13 +93,16 @@ class AttenuationLaw {
   /// The raw law at position d x 512, as the cross-talk paths read it.
   double rawAt(double d) const noexcept;
 
-  /// The raw law with both ends doubled, for four-point reads: the entries for place i stand at
-  /// i .. i + 3. `scale` normalises what is read.
-  const double* levels() const noexcept { return m_table.data(); }
+  /// The raw law as cubic pieces, one a centimetre: four coefficients each, from the constant up.
+  /// `scale` normalises what is read.
+  const double* pieces() const noexcept { return m_pieces[0].data(); }
   double scale() const noexcept { return m_norm; }
 
  private:
-  std::array<double, kSize + 2> m_table{};
+  void fitPieces() noexcept;
+
+  std::array<double, kSize> m_table{};
+  std::array<std::array<double, 4>, kSize - 1> m_pieces{};
   double m_norm = 1.0;
 };
 

@@ -130,6 +130,7 @@ double DrumModel::rayGain(std::size_t ray) const noexcept {
 void DrumModel::refreshLanes(const RotorTrack& track, const SoundLine& line) noexcept {
   if (m_lanesFresh && m_laneSettings == m_settings) return;
   m_lanesFresh = true;
+  m_bank.rays.base = line.data();
   m_laneSettings = m_settings;
   m_gainSum = 0.0;
   for (std::size_t lane = 0; lane < kernels::kDrumLanes; ++lane) {

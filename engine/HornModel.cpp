@@ -82,12 +82,12 @@ void HornModel::clear() noexcept {
   m_static.state[0] = m_static.state[1] = 0.0;
   clearMemory(m_bank.peak);
   clearMemory(m_bank.shelf);
-  clearSections(m_body);
+  clearMemory(m_body);
   for (HornMicrophone& microphone : m_microphones) microphone.noisePlayer().clear();
 }
 
 void HornModel::resetFilters() noexcept {
-  designSections(m_body, kHornBody, m_sampleRate);
+  makeParallel(m_body, kHornBody, m_sampleRate);
   setGlideRate(m_bank.peak, m_sampleRate, kPeakEdgeShare);
   setGlideRate(m_bank.shelf, m_sampleRate, kPeakEdgeShare);
   m_kernels.restHorn(m_bank);
@@ -107,6 +107,7 @@ void HornModel::rebuildGeometry(std::size_t microphone) noexcept {
 void HornModel::refreshLanes(const RotorTrack& track, const SoundLine& line) noexcept {
   if (m_lanesFresh && m_laneSettings == m_settings) return;
   m_lanesFresh = true;
+  m_bank.rays.base = line.data();
   m_laneSettings = m_settings;
   for (std::size_t lane = 0; lane < kernels::kHornLanes; ++lane) {
     const HornMicrophone& microphone = m_microphones[lane % 2];
@@ -160,7 +161,7 @@ void HornModel::process(const RotorTrack& track, const SoundLine& line, int n, R
                      pairs.data());
   addStaticRays(track, line, n, pairs.data());
   addZAxisEchoes(n, pairs.data());
-  m_kernels.pairSeries(m_body.field[0], 2 * m_body.kCount, m_body.kCount, pairs.data(), n);
+  m_kernels.body(m_body, pairs.data(), n);
   const double gain1 = m_microphones[0].outputGain(), gain2 = m_microphones[1].outputGain();
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
     out1[k] = pairs[2 * k] * gain1;

@@ -48,7 +48,7 @@ class HornModel {
   double m_sampleRate = 44100.0;
   std::array<double, kBounceCount> m_bouncePole{};
   kernels::FixedPair m_static{};
-  kernels::PairSections<28> m_body{};
+  kernels::ParallelSections<28, 2> m_body{};
   std::array<double, 2 * (kPastSize + kRun + 2)> m_past{};
   kernels::PairTaps m_echoes{};
 };

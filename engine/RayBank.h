@@ -23,7 +23,7 @@ struct RayPath {
   double bouncePole = 0.0; ///< 0 where nothing is lost
 };
 
-/// Describes a path to the kernels; the lane's state stays.
+/// Describes a path to the kernels; the lane's state stays. The lanes' base must be set.
 template <int N>
 void setLane(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
              const RotorTrack& track, const SoundLine& line) noexcept {
@@ -43,8 +43,9 @@ void setLane(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
   lanes.gain[lane] = path.gain;
   lanes.bouncePole[lane] = path.bouncePole;
   lanes.angles[lane] = track.angles();
-  lanes.line[lane] = line.data();
-  lanes.levels[lane] = path.attenuation.levels();
+  // All of it stands in one engine object, so that the distances are small.
+  lanes.line[lane] = static_cast<int>(line.data() - lanes.base);
+  lanes.levels[lane] = static_cast<int>(path.attenuation.pieces() - lanes.base);
   lanes.angleLag[lane] = static_cast<int>(kTrackSize - distance * track.samplesPerMetre());
 }
 

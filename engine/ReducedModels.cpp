@@ -67,7 +67,7 @@ void ReducedModels::clearLanes(std::size_t first) noexcept {
 void ReducedModels::clearHorn() noexcept {
   clearLanes(kHornDirect);
   m_static.state[0] = 0.0;
-  clearSections(m_body);
+  clearMemory(m_body);
 }
 
 void ReducedModels::clearDrum() noexcept {
@@ -76,7 +76,7 @@ void ReducedModels::clearDrum() noexcept {
 }
 
 void ReducedModels::resetHornFilters() noexcept {
-  designSections(m_body, kReducedHornBody, m_sampleRate);
+  makeParallel(m_body, kReducedHornBody, m_sampleRate);
   clearLanes(kHornDirect);
   m_static.state[0] = 0.0;
 }
@@ -100,6 +100,7 @@ void ReducedModels::refreshLanes(const Source& horn, const Source& drum) noexcep
   if (m_lanesFresh && m_laneHornSettings == m_hornSettings && m_laneDrumSettings == m_drumSettings)
     return;
   m_lanesFresh = true;
+  m_bank.rays.base = horn.line.data();
   m_laneHornSettings = m_hornSettings;
   m_laneDrumSettings = m_drumSettings;
   const auto set = [&](Lane lane, const Source& source, const Model& model,
@@ -154,7 +155,7 @@ void ReducedModels::process(const Source& horn, const Source& drum, int n, RunBu
     hornOut[k] = pairs[2 * k];
     drumOut[k] = pairs[2 * k + 1];
   }
-  m_kernels.chainSeries(m_body.field[0], m_body.kCount, m_body.kCount, hornOut.data(), n);
+  m_kernels.reducedBody(m_body, hornOut.data(), n);
 }
 
 } // namespace qlx::engine

@@ -63,7 +63,7 @@ class ReducedModels {
   double m_bouncePole = 0.0;
   double m_wantedDrumPole = 0.0; ///< of the static part, taken when the filters are next tuned
   kernels::FixedPair m_static{};
-  kernels::ChainSections<8> m_body{};
+  kernels::ParallelSections<8, 1> m_body{};
 };
 
 } // namespace qlx::engine

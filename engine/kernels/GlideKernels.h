@@ -107,12 +107,6 @@ inline void tunePeak(GlideLanes<N>& g, int lane, Lanes hz, Lanes q, Lanes db) {
 }
 
 template <int N>
-inline void tuneHighShelf(GlideLanes<N>& g, int lane, double hz, double q, Lanes db) {
-  approach(g, lane,
-           highShelfDesign(tuned(g.angularRate, g.edgeHz, all(hz), all(q), kHighShelfWarp), db));
-}
-
-template <int N>
 inline void tuneLowPass(GlideLanes<N>& g, int lane, Lanes hz, Lanes q) {
   approach(g, lane, lowPassDesign(tuned(g.angularRate, g.edgeHz, hz, q, kLowPassWarp)));
 }

@@ -9,8 +9,8 @@ namespace qlx::engine::kernels {
 inline constexpr int kLongestRun = 32;
 /// Samples of the lines of sound and of angles, which are stored twice in a row.
 inline constexpr int kLineSize = 4096;
-/// Entries of a level table beside its two doubled ends.
-inline constexpr int kLevelEntries = 512;
+/// Pieces of a level law, four coefficients each, from the constant up.
+inline constexpr int kLevelPieces = 511;
 
 /// One stretch of a rotor: where its samples stand in the lines, and the samples at which filters
 /// that follow the mouth's angle are re-tuned.
@@ -32,14 +32,15 @@ struct RayLanes {
   double farRate[N];
   // Delay in samples and level of the movement's sine.
   double delay[N], swing[N];
-  double levelPlace[N], levelSwing[N]; ///< in entries of the level table
+  double levelPlace[N], levelSwing[N]; ///< in pieces of the level law
   double levelScale[N], lowestLevel[N], gain[N];
   double bouncePole[N]; ///< 0 where nothing is lost
   double bounce[N];     ///< state
   const double* angles[N];
-  const double* line[N];
-  const double* levels[N];
   int angleLag[N]; ///< whole samples from the oldest angle to the one that arrives now
+  // Lines of sound and rows of level polynomials, counted in doubles from one place in memory.
+  const double* base;
+  int line[N], levels[N];
 };
 
 /// Second-order sections whose poles, zeros and gain move in straight lines, one lane each.
@@ -67,6 +68,7 @@ struct HornBank {
   GlideLanes<kHornLanes> peak, shelf;
   MouthTable peakTable, shelfTable;
   double shelfHz, shelfQ;
+  double shelfCosine, shelfSine, shelfWarpedQ; ///< the same as restHorn tunes it
 };
 
 inline constexpr int kDrumLanes =
@@ -106,6 +108,17 @@ struct PairTaps {
   static constexpr int kCount = 4;
   int back[kCount]; ///< samples
   double weight[kCount];
+};
+
+/// Second-order sections side by side, whose sum and a direct part make up a series: from
+/// v = x - a1 v' - a2 v'' each adds c0 v + c1 v'. Lane = section x channels + channel; channels
+/// that go together have the same coefficients.
+template <int Sections, int Channels>
+struct ParallelSections {
+  static constexpr int kLanes = Sections * Channels;
+  alignas(32) double a1[kLanes], a2[kLanes], c0[kLanes], c1[kLanes];
+  alignas(32) double v1[kLanes], v2[kLanes];
+  double direct;
 };
 
 /// Fields of second-order sections that run one after the other, by field.
@@ -175,6 +188,10 @@ struct Kernels {
   void (*fixedPair)(FixedPair& fixed, double* pairs, int n);
   /// Adds taps on the signal itself to n pairs; `past` is where they stand among what came before.
   void (*pairTaps)(const PairTaps& taps, const double* past, double* pairs, int n);
+
+  /// Runs the horn's body over n pairs, and the reduced horn's over n samples, in place.
+  void (*body)(ParallelSections<28, 2>& sections, double* pairs, int n);
+  void (*reducedBody)(ParallelSections<8, 1>& sections, double* run, int n);
 
   /// Runs `count` sections, an even number, over n pairs in place. Field f of the sections stands
   /// at fields + f x stride.

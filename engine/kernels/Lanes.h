@@ -25,8 +25,12 @@ inline void store(double* p, Lanes x) { *reinterpret_cast<LanesInMemory*>(p) = x
 inline Lanes all(double x) { return x - Lanes{}; }
 
 inline Lanes select(LaneBits mask, Lanes yes, Lanes no) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_blendv_pd(no, yes, reinterpret_cast<Lanes>(mask));
+#else
   return reinterpret_cast<Lanes>((mask & reinterpret_cast<LaneBits>(yes)) |
                                  (~mask & reinterpret_cast<LaneBits>(no)));
+#endif
 }
 inline Lanes absolute(Lanes x) {
   return reinterpret_cast<Lanes>(reinterpret_cast<LaneBits>(x) & 0x7fffffffffffffffLL);
@@ -42,6 +46,35 @@ inline Lanes larger(Lanes a, Lanes b) { return _mm_max_pd(a, b); }
 inline Lanes root(Lanes x) { return _mm_sqrt_pd(x); }
 #endif
 
+/// x brought into 0 .. 1 by whole turns, for x at most one turn outside.
+inline Lanes wrapped(Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return x - _mm256_floor_pd(x);
+#else
+  const Lanes one = all(1.0);
+  x += _mm_and_pd(_mm_cmplt_pd(x, Lanes{}), one);
+  return x - _mm_and_pd(_mm_cmpgt_pd(x, one), one);
+#endif
+}
+
+#if defined(__AVX2__) && defined(__FMA__)
+using WholeLanes = __m128i; ///< kWidth integers
+inline WholeLanes truncated(Lanes x) { return _mm256_cvttpd_epi32(x); }
+inline Lanes asLanes(WholeLanes i) { return _mm256_cvtepi32_pd(i); }
+inline WholeLanes loadWhole(const int* p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+inline void storeWhole(int* p, WholeLanes i) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), i); }
+#else
+using WholeLanes = __m128i;
+inline WholeLanes truncated(Lanes x) { return _mm_cvttpd_epi32(x); }
+inline Lanes asLanes(WholeLanes i) { return _mm_cvtepi32_pd(i); }
+inline WholeLanes loadWhole(const int* p) {
+  return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+}
+inline void storeWhole(int* p, WholeLanes i) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), i); }
+#endif
+
 /// Whole part of lanes within the range of int, and the rest.
 struct Split {
   int whole[kWidth];
@@ -50,15 +83,9 @@ struct Split {
 
 inline Split split(Lanes x) {
   Split s;
-#if defined(__AVX2__) && defined(__FMA__)
-  const __m128i whole = _mm256_cvttpd_epi32(x);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(s.whole), whole);
-  s.fraction = x - _mm256_cvtepi32_pd(whole);
-#else
-  const __m128i whole = _mm_cvttpd_epi32(x);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(s.whole), whole);
-  s.fraction = x - _mm_cvtepi32_pd(whole);
-#endif
+  const WholeLanes whole = truncated(x);
+  storeWhole(s.whole, whole);
+  s.fraction = x - asLanes(whole);
   return s;
 }
 
@@ -84,12 +111,39 @@ inline Quad loadQuad(const double* const (&row)[kWidth]) {
 #endif
 }
 
+/// The same from one array, beginning at index[k] in lane k.
+inline Quad loadQuad(const double* base, WholeLanes index) {
+  int at[kWidth];
+  storeWhole(at, index);
+  const double* row[kWidth];
+  for (int k = 0; k < kWidth; ++k) row[k] = base + at[k];
+  return loadQuad(row);
+}
+
 /// One number of each lane's own array.
 inline Lanes loadOne(const double* const (&at)[kWidth]) {
 #if defined(__AVX2__) && defined(__FMA__)
   return Lanes{*at[0], *at[1], *at[2], *at[3]};
 #else
   return Lanes{*at[0], *at[1]};
+#endif
+}
+
+/// Adds up lanes with the same parity: pairs from a vector.
+inline void storePair(double* pair, Lanes sum) {
+#if defined(__AVX2__) && defined(__FMA__)
+  _mm_storeu_pd(pair, _mm_add_pd(_mm256_castpd256_pd128(sum), _mm256_extractf128_pd(sum, 1)));
+#else
+  _mm_storeu_pd(pair, sum);
+#endif
+}
+
+/// Adds up all lanes.
+inline double sumOfLanes(Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return (x[0] + x[1]) + (x[2] + x[3]);
+#else
+  return x[0] + x[1];
 #endif
 }
 

@@ -9,14 +9,6 @@ namespace {
 /// Samples of a stretch rounded up to the groups of four that are read together.
 constexpr int kBuffer = kLongestRun + 4;
 
-/// Where the rotor stands, seen along each ray of a vector, in turns 0 .. 1 from the ray's
-/// direction.
-inline Lanes turnsFromRay(Lanes angle, Lanes place) {
-  Lanes x = angle - place;
-  x = select(x < 0.0, x + 1.0, x);
-  return select(x > 1.0, x - 1.0, x);
-}
-
 /// The movement of the mouth along the rays of one vector: the short arc in which it passes a ray's
 /// direction takes half a period, the long way round the other half.
 struct Warp {
@@ -29,7 +21,7 @@ struct Warp {
 
   /// Sine of the movement's phase, -1 where the mouth is nearest.
   Lanes sine(Lanes angle) const {
-    const Lanes x = turnsFromRay(angle, place);
+    const Lanes x = wrapped(angle - place); // turns from the ray's direction
     // Both flanks of either arc have the same sine; the distance to the nearer border tells it.
     const Lanes inside = smaller(x - halfWidth, (1.0 - halfWidth) - x);
     return sineOfQuarter(inside * select(inside > 0.0, farRate, nearRate));
@@ -37,7 +29,7 @@ struct Warp {
 
   /// The phase's place in tables over the mouth's angle, 0 .. 1.
   Lanes tablePlace(Lanes angle) const {
-    const Lanes x = turnsFromRay(angle, place);
+    const Lanes x = wrapped(angle - place); // turns from the ray's direction
     const Lanes fromNear = x - halfWidth;
     const Lanes arriving = (fromNear - (1.0 - 2.0 * halfWidth)) * nearRate - kPi;
     Lanes phase = select(x >= 1.0 - halfWidth, arriving, fromNear * farRate);
@@ -76,37 +68,44 @@ struct ArrivingAngles {
     for (int k = 0; k < kWidth; ++k) here[k] = first[k] + j;
     return loadOne(here);
   }
+  /// Those of samples j to j + 3.
+  Quad four(int j) const {
+    const double* here[kWidth];
+    for (int k = 0; k < kWidth; ++k) here[k] = first[k] + j;
+    return loadQuad(here);
+  }
 };
 
 /// The sound that arrives along the rays of one vector, and its level, at one sample.
 template <int N>
 struct Arrival {
   const RayLanes<N>& rays;
-  int lane;
   Lanes delay, swing, levelPlace, levelSwing, levelScale, lowestLevel, gain;
+  WholeLanes line, levels;
 
   Arrival(const RayLanes<N>& r, int l)
-      : rays(r), lane(l), delay(load(r.delay + l)), swing(load(r.swing + l)),
+      : rays(r), delay(load(r.delay + l)), swing(load(r.swing + l)),
         levelPlace(load(r.levelPlace + l)), levelSwing(load(r.levelSwing + l)),
         levelScale(load(r.levelScale + l)), lowestLevel(load(r.lowestLevel + l)),
-        gain(load(r.gain + l)) {}
+        gain(load(r.gain + l)), line(loadWhole(r.line + l)), levels(loadWhole(r.levels + l)) {}
 
   /// `position` of the sample in the lines, one to two lengths beyond the first.
   Lanes sound(Lanes sine, Lanes position) const {
     const Lanes back = position - (delay + swing * sine);
-    const Split at = split(back);
-    const double* row[kWidth];
-    for (int k = 0; k < kWidth; ++k) row[k] = rays.line[lane + k] + (at.whole[k] & (kLineSize - 1));
-    return cubic(loadQuad(row), at.fraction);
+    const WholeLanes whole = truncated(back);
+    const WholeLanes index =
+        _mm_add_epi32(_mm_and_si128(whole, _mm_set1_epi32(kLineSize - 1)), line);
+    return cubic(loadQuad(rays.base, index), back - asLanes(whole));
   }
 
   Lanes level(Lanes sine) const {
-    constexpr double kLast = kLevelEntries - 1 - 1e-10;
-    const Lanes place = levelPlace + levelSwing * sine;
-    const Split at = split(smaller(larger(place, Lanes{}), all(kLast)));
-    const double* row[kWidth];
-    for (int k = 0; k < kWidth; ++k) row[k] = rays.levels[lane + k] + at.whole[k];
-    return larger(cubic(loadQuad(row), at.fraction) * levelScale, lowestLevel) * gain;
+    constexpr double kLast = kLevelPieces - 1e-10;
+    const Lanes place = smaller(larger(levelPlace + levelSwing * sine, Lanes{}), all(kLast));
+    const WholeLanes whole = truncated(place);
+    const Quad c = loadQuad(rays.base, _mm_add_epi32(_mm_slli_epi32(whole, 2), levels));
+    const Lanes t = place - asLanes(whole);
+    const Lanes value = c.p0 + t * (c.p1 + t * (c.p2 + t * c.p3));
+    return larger(value * levelScale, lowestLevel) * gain;
   }
 };
 
@@ -119,10 +118,17 @@ inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int
   const ArrivingAngles angles(rays, lane, begin);
   // The four points begin one before the place; two lengths more keep it positive.
   const Lanes first = begin.position() + (2.0 * kLineSize - 1.0);
-  for (int j = 0; j < n; ++j) {
-    const Lanes sine = larger(warp.sine(angles.at(j)), all(lowestSine));
+  const auto traceOne = [&](int j, Lanes angle) {
+    const Lanes sine = larger(warp.sine(angle), all(lowestSine));
     x[j] = arrival.sound(sine, first + static_cast<double>(j));
     level[j] = arrival.level(sine);
+  };
+  for (int j = 0; j < n; j += 4) {
+    const Quad angle = angles.four(j);
+    traceOne(j, angle.p0);
+    traceOne(j + 1, angle.p1);
+    traceOne(j + 2, angle.p2);
+    traceOne(j + 3, angle.p3);
   }
 }
 
@@ -138,15 +144,6 @@ inline void bounce(RayLanes<N>& rays, int lane, int n, const Lanes* x, const Lan
     sum[j] += state;
   }
   store(rays.bounce + lane, withoutTraces(state, 1e-24));
-}
-
-/// Adds up lanes with the same parity: pairs from a vector.
-inline void storePair(double* pair, Lanes sum) {
-#if defined(__AVX2__) && defined(__FMA__)
-  _mm_storeu_pd(pair, _mm_add_pd(_mm256_castpd256_pd128(sum), _mm256_extractf128_pd(sum, 1)));
-#else
-  _mm_storeu_pd(pair, sum);
-#endif
 }
 
 /// Calls tune(j) where the filters are re-tuned and run(from, to) for the samples between.
@@ -178,8 +175,10 @@ void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
           const Lanes place = 1.0 - warp.tablePlace(angles.at(j));
           const Quad mouth = readMouth(bank.peakTable, place);
           tunePeak(bank.peak, lane, mouth.p0, mouth.p1, mouth.p2);
-          tuneHighShelf(bank.shelf, lane, bank.shelfHz, bank.shelfQ,
-                        readMouth(bank.shelfTable, place).p2);
+          approach(
+              bank.shelf, lane,
+              highShelfDesign({all(bank.shelfCosine), all(bank.shelfSine), all(bank.shelfWarpedQ)},
+                              readMouth(bank.shelfTable, place).p2));
         },
         [&](int from, int to) {
           runGlide(bank.peak, lane, x + from, to - from);
@@ -200,11 +199,15 @@ inline void arrive(GlideLanes<N>& g, int lane) {
 }
 
 void restHorn(HornBank& bank) {
+  const Tuned shelf = tuned(bank.shelf.angularRate, bank.shelf.edgeHz, all(bank.shelfHz),
+                            all(bank.shelfQ), kHighShelfWarp);
+  bank.shelfCosine = shelf.c[0];
+  bank.shelfSine = shelf.s[0];
+  bank.shelfWarpedQ = shelf.q[0];
   for (int lane = 0; lane < kHornLanes; lane += kWidth) {
     const Quad mouth = readMouth(bank.peakTable, Lanes{});
     tunePeak(bank.peak, lane, mouth.p0, mouth.p1, mouth.p2);
-    tuneHighShelf(bank.shelf, lane, bank.shelfHz, bank.shelfQ,
-                  readMouth(bank.shelfTable, Lanes{}).p2);
+    approach(bank.shelf, lane, highShelfDesign(shelf, readMouth(bank.shelfTable, Lanes{}).p2));
     arrive(bank.peak, lane);
     arrive(bank.shelf, lane);
   }

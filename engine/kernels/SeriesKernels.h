@@ -77,6 +77,63 @@ inline void runSkewed(Sections& sections, int n, int group, Feed feed, Drain dra
   for (; s < n + late; ++s) edge(s);
 }
 
+/// Runs lanes `lane` to `lane` + Vectors x kWidth - 1 of parallel sections; `input` gives the
+/// lanes' input at a sample, `sum` collects what they add.
+template <int Vectors, int Sections, int Channels, class Input>
+inline void addParallel(ParallelSections<Sections, Channels>& s, int lane, int n, Input input,
+                        Lanes* sum) {
+  Lanes v1[Vectors], v2[Vectors];
+  for (int i = 0; i < Vectors; ++i) {
+    v1[i] = load(s.v1 + lane + i * kWidth);
+    v2[i] = load(s.v2 + lane + i * kWidth);
+  }
+  for (int j = 0; j < n; ++j) {
+    const Lanes x = input(j);
+    Lanes total = sum[j];
+    for (int i = 0; i < Vectors; ++i) {
+      const int at = lane + i * kWidth;
+      const Lanes v = (x - load(s.a2 + at) * v2[i]) - load(s.a1 + at) * v1[i];
+      total += load(s.c0 + at) * v;
+      total += load(s.c1 + at) * v1[i];
+      v2[i] = v1[i];
+      v1[i] = v;
+    }
+    sum[j] = total;
+  }
+  for (int i = 0; i < Vectors; ++i) {
+    store(s.v1 + lane + i * kWidth, withoutTraces(v1[i], kLeastSection));
+    store(s.v2 + lane + i * kWidth, withoutTraces(v2[i], kLeastSection));
+  }
+}
+
+void body(ParallelSections<28, 2>& s, double* pairs, int n) {
+  constexpr int kVectors = 2;
+  static_assert(ParallelSections<28, 2>::kLanes % (kVectors * kWidth) == 0);
+  Lanes sum[kLongestRun] = {};
+  const auto pair = [&](int j) {
+#if defined(__AVX2__) && defined(__FMA__)
+    return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(pairs + 2 * j));
+#else
+    return load(pairs + 2 * j);
+#endif
+  };
+  for (int lane = 0; lane < s.kLanes; lane += kVectors * kWidth)
+    addParallel<kVectors>(s, lane, n, pair, sum);
+  for (int j = 0; j < n; ++j) {
+    double added[2];
+    storePair(added, sum[j]);
+    pairs[2 * j] = s.direct * pairs[2 * j] + added[0];
+    pairs[2 * j + 1] = s.direct * pairs[2 * j + 1] + added[1];
+  }
+}
+
+void reducedBody(ParallelSections<8, 1>& s, double* run, int n) {
+  Lanes sum[kLongestRun] = {};
+  addParallel<8 / kWidth>(
+      s, 0, n, [&](int j) { return all(run[j]); }, sum);
+  for (int j = 0; j < n; ++j) run[j] = s.direct * run[j] + sumOfLanes(sum[j]);
+}
+
 void pairSeries(double* fields, int stride, int count, double* pairs, int n) {
   for (int lane = 0; lane < 2 * count; lane += kWidth) {
     SkewedSections sections(fields + lane, stride);

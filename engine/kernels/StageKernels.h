@@ -5,29 +5,30 @@
 namespace qlx::engine::kernels {
 namespace {
 
-inline double sumOfLanes(Lanes x) {
-#if defined(__AVX2__) && defined(__FMA__)
-  return (x[0] + x[1]) + (x[2] + x[3]);
-#else
-  return x[0] + x[1];
-#endif
-}
-
 void roomSide(RoomSide& side, double* out, int n) {
   Lanes sum[kLongestRun + 4] = {};
   for (int tap = 0; tap < RoomSide::kTaps; tap += kWidth) {
     const Lanes older = load(side.older + tap), newer = load(side.newer + tap);
     const Lanes pole = load(side.pole + tap);
     Lanes state = load(side.state + tap);
-    const double* at[kWidth];
-    for (int k = 0; k < kWidth; ++k) at[k] = side.first[tap + k];
-    Lanes here = loadOne(at);
-    for (int j = 0; j < n; ++j) {
-      for (const double*& p : at) ++p;
-      const Lanes next = loadOne(at);
+    const auto four = [&](int j) {
+      const double* at[kWidth];
+      for (int k = 0; k < kWidth; ++k) at[k] = side.first[tap + k] + j;
+      return loadQuad(at);
+    };
+    const auto add = [&](int j, Lanes here, Lanes next) {
+      if (j >= n) return;
       const Lanes x = older * here + newer * next;
       state = (state - x) * pole + x;
       sum[j] += state;
+    };
+    Quad here = four(0);
+    for (int j = 0; j < n; j += 4) {
+      const Quad next = four(j + 4);
+      add(j, here.p0, here.p1);
+      add(j + 1, here.p1, here.p2);
+      add(j + 2, here.p2, here.p3);
+      add(j + 3, here.p3, next.p0);
       here = next;
     }
     store(side.state + tap, withoutTraces(state, 1e-24));
