@@ -19,7 +19,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   struct Desktop {
     const platform::WindowSystem& windows; ///< outlives the editor
     std::shared_ptr<platform::SettingsStore> settings;
-    std::unique_ptr<platform::FileSelector> files;         ///< null: no file dialogs
+    std::unique_ptr<platform::FileSelector> files;         ///< null: a list in the window
     std::unique_ptr<platform::DocumentOpener> documents{}; ///< null: no documents
   };
 

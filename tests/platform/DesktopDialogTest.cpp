@@ -27,8 +27,8 @@ using Style = FileRequest::Style;
 using std::chrono::milliseconds;
 
 constexpr const char* kZenityAnswers = "echo /from/zenity.qlx";
-constexpr milliseconds kNoTimeAtAll{700}; // on a busy machine
-constexpr milliseconds kHang{300};        // no single call may take so long
+constexpr milliseconds kNoTimeAtAll{1500}; // on a busy machine
+constexpr milliseconds kHang{1500};        // no single call may take so long, either
 
 std::size_t openDescriptors() {
   return static_cast<std::size_t>(
