@@ -80,8 +80,6 @@ std::optional<BusAddress> findBus() {
 std::unique_ptr<SessionBus> SessionBus::connect() {
   const auto address = findBus();
   if (!address) return nullptr;
-  // The library would make the host's whole process ignore SIGPIPE; it doesn't need that to write.
-  dbus_connection_set_change_sigpipe(FALSE);
   DBusConnection* const connection =
       dbus_connection_open_private(addressText(*address).c_str(), nullptr);
   if (connection == nullptr) return nullptr;

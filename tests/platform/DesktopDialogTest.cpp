@@ -44,6 +44,7 @@ class DesktopDialogs : public testing::Test {
   DesktopDialogs() {
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
     unsetenv("XDG_RUNTIME_DIR");
+    signal(SIGPIPE, SIG_DFL);
     sigaction(SIGPIPE, nullptr, &pipeAction);
     descriptors = openDescriptors();
   }
