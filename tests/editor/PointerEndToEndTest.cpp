@@ -187,6 +187,10 @@ TEST(EditorByHand, ScreenshotsNeedNoDisplay) {
   EXPECT_EQ(plain.substr(1, 3), "PNG");
   EXPECT_EQ(plain.substr(16, 8), std::string("\0\0\1\x91\0\0\2\x3A", 8));
   EXPECT_EQ(plain, pictureWith(""));
+  std::ostringstream readme;
+  readme << std::ifstream(README_PICTURE, std::ios::binary).rdbuf();
+  EXPECT_TRUE(plain == readme.str())
+      << "README shows another editor: brezan screenshot " README_PICTURE;
   for (const char* options : {"--about", "--set Lever=1", "--set Bypass=On", "--control 1=99"}) {
     EXPECT_NE(pictureWith(options), plain) << options;
   }
