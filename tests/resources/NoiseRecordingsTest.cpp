@@ -74,19 +74,22 @@ TEST_P(NoiseLoop, HasNoMeanAndRoomAbove) {
 }
 
 TEST_P(NoiseLoop, SeamIsLikeAnyOtherPlace) {
-  // A step or a kink at the seam is a jump of the second difference, which steady noise lets stand
-  // out.
+  // A step or a kink at the seam is a jump of the second difference; in recordings with much treble
+  // it takes the second difference of that to stand out. Both must be usual at the seam.
   const std::size_t n = m_loop.size();
   ASSERT_GT(n, 4U);
-  const auto bend = [&](std::size_t i) {
-    return std::abs(m_loop[(i + n - 1) % n] - 2.0 * m_loop[i % n] + m_loop[(i + 1) % n]);
-  };
-  Signal bends(n);
-  for (std::size_t i = 0; i < n; ++i) bends[i] = bend(i);
-  const double atSeam = std::max({bend(n - 2), bend(n - 1), bend(n), bend(n + 1)});
-  const auto rare = bends.begin() + static_cast<std::ptrdiff_t>(n * 995 / 1000);
-  std::nth_element(bends.begin(), rare, bends.end());
-  EXPECT_LT(atSeam, *rare);
+  Signal bends = m_loop;
+  for (const char* difference : {"second", "fourth"}) {
+    const Signal before = bends;
+    for (std::size_t i = 0; i < n; ++i)
+      bends[i] = before[(i + n - 1) % n] - 2.0 * before[i] + before[(i + 1) % n];
+    Signal sizes = bends;
+    for (double& size : sizes) size = std::abs(size);
+    const double atSeam = std::max({sizes[n - 2], sizes[n - 1], sizes[0], sizes[1]});
+    const auto rare = sizes.begin() + static_cast<std::ptrdiff_t>(n * 995 / 1000);
+    std::nth_element(sizes.begin(), rare, sizes.end());
+    EXPECT_LT(atSeam, *rare) << difference << " difference";
+  }
 }
 
 TEST_P(NoiseLoop, SwellsOnceATurnWhereTheMouthFacesTheMicrophone) {
