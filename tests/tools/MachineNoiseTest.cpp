@@ -208,7 +208,7 @@ TEST_F(MachineNoise, rotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
                            kRate, rotor.pilot, 0.1, 8.0);
     const double times[] = {0.1, 8.0, 21.0};
     const std::vector<RotorMove> moves = rotorMoves(trace, times, 23.9);
-    EXPECT_NEAR(moves[1].reached, rotor.fast, 0.1);
+    EXPECT_NEAR(moves[1].reached, rotor.fast, 0.05);
     EXPECT_TRUE(moves[1].settled);
     ASSERT_TRUE(moves[1].tenToNinety.has_value());
     EXPECT_NEAR(*moves[1].tenToNinety, rotor.accelSeconds, 0.05 + 0.06 * rotor.accelSeconds);

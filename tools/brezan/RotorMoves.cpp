@@ -11,8 +11,13 @@ constexpr double kSmallestChange = 0.1; // revolutions a second
 constexpr double kEndSeconds = 0.5;     // over which the speed at the end is averaged
 constexpr double kSettledPart = 0.02;   // of the way, that may still be gone in that time
 
+// Over whole turns where there are any, since the trace's error repeats with the turn.
 double meanSpeed(const RotorTrace& trace, double from, double to) {
-  return to > from ? (trace.turns(to) - trace.turns(from)) / (to - from) : 0.0;
+  const double end = trace.turns(to);
+  const double whole = std::floor(end - trace.turns(from));
+  if (whole >= 1.0)
+    while (trace.turns(from) < end - whole) from += RotorTrace::kStepSeconds;
+  return to > from ? (end - trace.turns(from)) / (to - from) : 0.0;
 }
 
 } // namespace
