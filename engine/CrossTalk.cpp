@@ -71,44 +71,62 @@ void CrossTalk::computeTargets(const Geometry& g, SmoothedSettings& settings) co
       g.drumLaw.rawAt(drumToHorn));
 }
 
-double CrossTalk::tap(const Ring& ring, double delay) const noexcept {
-  double position = m_writeIndex - delay;
+double CrossTalk::tap(const Ring& ring, int writeIndex, double delay) noexcept {
+  double position = writeIndex - delay;
   while (position < 0.0) position += kRingSize;
   const int i = static_cast<int>(position);
   const double fraction = position - i;
   return (1.0 - fraction) * ring.at(i) + fraction * ring.at(i + 1);
 }
 
+bool CrossTalk::readAhead(Path& path, const SmoothedRun& settings, int n) const noexcept {
+  const RunBuffer& delay = settings[path.delay];
+  const double samples = delay[0];
+  if (samples != delay[static_cast<std::size_t>(n - 1)] || samples < n + 1 || samples >= kRingSize)
+    return false;
+  const double position = m_writeIndex + kRingSize - samples;
+  const int whole = static_cast<int>(position);
+  const double newer = position - whole, older = 1.0 - newer;
+  const double* at = path.ring.data() + (whole & (kRingSize - 1));
+  for (int j = 0; j < n; ++j)
+    path.value[static_cast<std::size_t>(j)] = older * at[j] + newer * at[j + 1];
+  return true;
+}
+
 void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunBuffer& input,
                         const SmoothedRun& s, int n, Output& out) noexcept {
+  const auto size = static_cast<std::size_t>(n);
   RunBuffer port;
-  for (int j = 0; j < n; ++j)
-    port[static_cast<std::size_t>(j)] = input[static_cast<std::size_t>(j)] * 8.0;
-  m_portFilter.processGlide({port.data(), static_cast<std::size_t>(n)});
+  for (std::size_t k = 0; k < size; ++k) port[k] = input[k] * 8.0;
+  m_portFilter.processGlide({port.data(), size});
 
-  // Lines are read before they are written, sample by sample: a delay may be shorter than a
-  // stretch.
-  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-    const double drumToHorn = tap(m_drumReturn, s[Smoothed::DrumToHornDelay][k]) *
-                              s[Smoothed::DrumToHornLevel][k] * s[Smoothed::DrumToHornGain][k];
-    const double portToHorn = tap(m_port, s[Smoothed::PortToHornDelay][k]) *
-                              s[Smoothed::PortToHornLevel][k] * s[Smoothed::PortToHornGain][k] *
-                              4.0;
-    const double hornToDrum = tap(m_hornReturn, s[Smoothed::HornToDrumDelay][k]) *
-                              s[Smoothed::HornToDrumLevel][k] * s[Smoothed::HornToDrumGain][k] *
-                              0.25;
-    const double portToDrum = tap(m_port, s[Smoothed::PortToDrumDelay][k]) *
-                              s[Smoothed::PortToDrumLevel][k] * s[Smoothed::PortToDrumGain][k] *
-                              4.0;
-    out.toHorns[k] = drumToHorn + portToHorn;
-    out.toDrum[k] = hornToDrum + portToDrum;
-    out.hornEcho[k] =
-        tap(m_hornReturn, s[Smoothed::HornEchoDelay][k]) * s[Smoothed::HornEchoLevel][k] * 0.1575;
-
+  Path paths[] = {{m_drumReturn, Smoothed::DrumToHornDelay, {}},
+                  {m_port, Smoothed::PortToHornDelay, {}},
+                  {m_hornReturn, Smoothed::HornToDrumDelay, {}},
+                  {m_port, Smoothed::PortToDrumDelay, {}},
+                  {m_hornReturn, Smoothed::HornEchoDelay, {}}};
+  // Lines are read before they are written, sample by sample, unless all delays stand still and
+  // are longer than the stretch.
+  const bool ahead = std::all_of(std::begin(paths), std::end(paths),
+                                 [&](Path& path) { return readAhead(path, s, n); });
+  for (std::size_t k = 0; k < size; ++k) {
+    if (!ahead) {
+      for (Path& path : paths) path.value[k] = tap(path.ring, m_writeIndex, s[path.delay][k]);
+    }
     m_drumReturn.write(m_writeIndex, m_drumSmoother.next(drum[k] * 4.0, m_drumPole));
     m_hornReturn.write(m_writeIndex, m_hornSmoother.next(horn[k] * 4.0, m_hornPole));
     m_port.write(m_writeIndex, port[k] * s[Smoothed::DrumFeedGain][k] * 8.0);
     m_writeIndex = (m_writeIndex + 1) & (kRingSize - 1);
+  }
+  for (std::size_t k = 0; k < size; ++k) {
+    out.toHorns[k] =
+        paths[0].value[k] * s[Smoothed::DrumToHornLevel][k] * s[Smoothed::DrumToHornGain][k] +
+        paths[1].value[k] * s[Smoothed::PortToHornLevel][k] * s[Smoothed::PortToHornGain][k] * 4.0;
+    out.toDrum[k] =
+        paths[2].value[k] * s[Smoothed::HornToDrumLevel][k] * s[Smoothed::HornToDrumGain][k] *
+            0.25 +
+        paths[3].value[k] * s[Smoothed::PortToDrumLevel][k] * s[Smoothed::PortToDrumGain][k] * 4.0;
+    out.hornEcho[k] = paths[4].value[k] * s[Smoothed::HornEchoLevel][k] * 0.1575;
   }
 }
 

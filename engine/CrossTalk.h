@@ -47,7 +47,15 @@ class CrossTalk {
   static constexpr int kRingSize = 1024;
   using Ring = MirroredRing<kRingSize>;
 
-  double tap(const Ring& ring, double delay) const noexcept;
+  /// A path from one of the lines to a microphone.
+  struct Path {
+    const Ring& ring;
+    Smoothed delay;
+    RunBuffer value;
+  };
+
+  static double tap(const Ring& ring, int writeIndex, double delay) noexcept;
+  bool readAhead(Path& path, const SmoothedRun& settings, int n) const noexcept;
 
   Ring m_drumReturn, m_hornReturn, m_port;
   int m_writeIndex = 0;

@@ -25,7 +25,10 @@ constexpr std::uint32_t kRaisedByPlacement = kPendingHornMic1 | kPendingHornMic2
 /// Largest input magnitude, +60 dBFS.
 constexpr double kInputLimit = 1000.0;
 
-double sane(double x) { return std::isfinite(x) ? std::clamp(x, -kInputLimit, kInputLimit) : 0.0; }
+double sane(double x) {
+  const double limited = x < -kInputLimit ? -kInputLimit : x > kInputLimit ? kInputLimit : x;
+  return std::abs(x) <= std::numeric_limits<double>::max() ? limited : 0.0;
+}
 
 /// One step of a fade; what is nearer to the target than any sample can tell has arrived.
 double faded(double level, double target, double coefficient) {
@@ -34,7 +37,10 @@ double faded(double level, double target, double coefficient) {
 }
 
 bool allFinite(const RunBuffer& run, int n) {
-  return std::all_of(run.begin(), run.begin() + n, [](double x) { return std::isfinite(x); });
+  // Infinite and not a number times zero are not a number, and so is every sum with them.
+  double sum = 0.0;
+  for (int j = 0; j < n; ++j) sum += run[static_cast<std::size_t>(j)] * 0.0;
+  return sum == 0.0;
 }
 
 /// Host samples per engine sample, or 0 where the previous configuration is kept.
@@ -248,14 +254,24 @@ void RotaryEngine::Frame::recover() noexcept {
 
 void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const RunBuffer& wetLeft,
                                 const RunBuffer& wetRight) noexcept {
-  for (std::size_t k = 0; k < static_cast<std::size_t>(s.n); ++k) {
+  const auto size = static_cast<std::size_t>(s.n);
+  RunBuffer dryLeft, dryRight;
+  for (std::size_t k = 0; k < size; ++k) {
+    dryLeft[k] = m_dryLeft.next(inputGain[k] * s.in0[k] * 0.5, m_dryPole);
+    dryRight[k] = m_dryRight.next(inputGain[k] * s.in1[k] * 0.5, m_dryPole);
+  }
+  if (m_state == State::Running && m_muteLevel == 0.0 && m_bypassLevel == 0.0 &&
+      m_bypassTarget == 0.0) {
+    std::copy_n(wetLeft.begin(), size, s.out0.begin());
+    std::copy_n(wetRight.begin(), size, s.out1.begin());
+    return;
+  }
+  for (std::size_t k = 0; k < size; ++k) {
     m_bypassLevel = faded(m_bypassLevel, m_bypassTarget, m_fadeCoefficient);
     if (m_state != State::Running)
       m_muteLevel = faded(m_muteLevel, m_muteTarget, m_fadeCoefficient);
-    const double dryLeft = m_dryLeft.next(inputGain[k] * s.in0[k] * 0.5, m_dryPole);
-    const double dryRight = m_dryRight.next(inputGain[k] * s.in1[k] * 0.5, m_dryPole);
-    const double left = (1.0 - m_muteLevel) * wetLeft[k] + m_muteLevel * dryLeft;
-    const double right = (1.0 - m_muteLevel) * wetRight[k] + m_muteLevel * dryRight;
+    const double left = (1.0 - m_muteLevel) * wetLeft[k] + m_muteLevel * dryLeft[k];
+    const double right = (1.0 - m_muteLevel) * wetRight[k] + m_muteLevel * dryRight[k];
     s.out0[k] = (1.0 - m_bypassLevel) * left + m_bypassLevel * s.in0[k];
     s.out1[k] = (1.0 - m_bypassLevel) * right + m_bypassLevel * s.in1[k];
   }

@@ -34,8 +34,9 @@ class HornMicrophone {
   static constexpr std::size_t kRayCount = 12;
 
   /// `number` 0 or 1.
-  HornMicrophone(const HornSettings& settings, const Recordings& recordings, int number)
-      : m_settings(settings), m_noisePlayer(recordings, number) {}
+  HornMicrophone(const HornSettings& settings, const Recordings& recordings,
+                 const kernels::Kernels& kernels, int number)
+      : m_settings(settings), m_noisePlayer(recordings, kernels, number) {}
 
   void setAngle(double turns) noexcept { m_position.angle = turns; }
   void setDistance(double metres) noexcept;

@@ -47,7 +47,8 @@ constexpr ShelfRows kShelfRows;
 HornModel::HornModel(const HornSettings& settings, const Recordings& recordings,
                      const kernels::Kernels& kernels)
     : m_settings(settings),
-      m_kernels(kernels), m_microphones{{{settings, recordings, 0}, {settings, recordings, 1}}} {
+      m_kernels(kernels), m_microphones{{{settings, recordings, kernels, 0},
+                                         {settings, recordings, kernels, 1}}} {
   m_bank.peakTable = {kPeakRows.row, 36};
   m_bank.shelfTable = {kShelfRows.row, 18};
   m_bank.shelfHz = kHornShelfHz;

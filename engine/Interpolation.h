@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <span>
@@ -43,6 +44,12 @@ class MirroredRing {
 
   /// Writes a run of samples from `index` on.
   void writeRun(int index, std::span<const double> run) noexcept {
+    const auto begin = static_cast<std::size_t>(index & (Size - 1));
+    if (begin + run.size() <= std::size_t{Size}) {
+      std::copy(run.begin(), run.end(), m_samples.begin() + begin);
+      std::copy(run.begin(), run.end(), m_samples.begin() + begin + Size);
+      return;
+    }
     for (const double x : run) write(index++, x);
   }
 

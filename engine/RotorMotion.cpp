@@ -2,6 +2,7 @@
 
 #include "engine/Acoustics.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace qlx::engine {
@@ -80,21 +81,26 @@ void RotorMotion::setSampleRate(double hz) noexcept {
 }
 
 void RotorMotion::advance(std::span<double> angles, std::span<double> speeds) noexcept {
-  double speed = m_currentSpeed, phase = m_phase;
-  const auto direction = static_cast<double>(m_direction);
-  for (std::size_t i = 0; i < angles.size(); ++i) {
-    const double pole = speed > m_targetSpeed ? m_decelPole : m_accelPole;
-    speed = flushed(speed * pole + m_targetSpeed * (1.0 - pole));
-    speeds[i] = speed;
-    double angle = phase + m_phaseOffset;
-    while (angle >= 1.0) angle -= 1.0;
-    while (angle < 0.0) angle += 1.0;
-    angles[i] = angle;
-    phase += direction * speed;
-    if (phase >= 1.0) phase -= 1.0;
-    if (phase < 0.0) phase += 1.0;
+  double speed = m_currentSpeed;
+  if (std::abs(speed - m_targetSpeed) <= 1e-15 * m_targetSpeed) {
+    speed = m_targetSpeed;
+    std::fill(speeds.begin(), speeds.end(), speed);
+  } else {
+    for (double& s : speeds) {
+      const double pole = speed > m_targetSpeed ? m_decelPole : m_accelPole;
+      s = speed = flushed(speed * pole + m_targetSpeed * (1.0 - pole));
+    }
   }
   m_currentSpeed = speed;
+  double phase = m_phase;
+  const auto direction = static_cast<double>(m_direction);
+  for (std::size_t i = 0; i < angles.size(); ++i) {
+    const double angle = phase + m_phaseOffset;
+    angles[i] = angle - (angle >= 1.0 ? 1.0 : 0.0);
+    phase += direction * speeds[i];
+    phase -= phase >= 1.0 ? 1.0 : 0.0;
+    phase += phase < 0.0 ? 1.0 : 0.0;
+  }
   m_phase = phase;
 }
 

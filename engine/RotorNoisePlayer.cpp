@@ -3,6 +3,7 @@
 #include "engine/Acoustics.h"
 #include "engine/Interpolation.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -73,10 +74,11 @@ NoiseBlend NoiseSpeedRange::drumBlend(double speed) const noexcept {
   return {std::sqrt(std::sqrt(1.0 - x)), x * x};
 }
 
-RotorNoisePlayer::RotorNoisePlayer(std::span<const float> slowLoop, std::span<const float> fastLoop,
+RotorNoisePlayer::RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
+                                   std::span<const float> fastLoop,
                                    std::span<const float> startStop, double bandHz,
                                    double bandQ) noexcept
-    : m_slowLoop(slowLoop), m_fastLoop(fastLoop), m_switchSound(startStop),
+    : m_kernels(kernels), m_slowLoop(slowLoop), m_fastLoop(fastLoop), m_switchSound(startStop),
       m_bandPass(44100.0, Response::BandPass, bandHz, bandQ, 0) {
   m_bandPass.setEnabled(true);
 }
@@ -86,6 +88,13 @@ void RotorNoisePlayer::prepareBandPass(double sampleRate, double hz, double q) n
   m_bandPass.setSampleRate(sampleRate);
   m_bandPass.setFrequencyAndQ(hz, q);
   m_bandPass.setInstantUpdate(false);
+}
+
+void RotorNoisePlayer::setBlend(Readings& readings, std::size_t i) const noexcept {
+  readings.slowGain[i] = m_slowVolume * m_blend.slow;
+  readings.fastGain[i] = m_fastVolume * m_blend.fast;
+  readings.slowHeard = readings.slowHeard || readings.slowGain[i] != 0.0;
+  readings.fastHeard = readings.fastHeard || readings.fastGain[i] != 0.0;
 }
 
 void RotorNoisePlayer::addSwitchSound(std::span<double> run) noexcept {
@@ -98,13 +107,15 @@ void RotorNoisePlayer::finish(double level, std::span<double> run) noexcept {
   for (double& x : run) x = x * m_distanceGain * level;
 }
 
-HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, int microphone) noexcept
-    : RotorNoisePlayer(recordings.hornSlow[static_cast<std::size_t>(microphone)],
+HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
+                                 int microphone) noexcept
+    : RotorNoisePlayer(kernels, recordings.hornSlow[static_cast<std::size_t>(microphone)],
                        recordings.hornFast, recordings.startStop, kHornBandHz, 0.3),
       m_turnOffset(kHornTurnOffset[static_cast<std::size_t>(microphone)]) {}
 
 void HornNoisePlayer::setSampleRate(double hz) noexcept {
   m_range.setSampleRate(hz);
+  m_blendedSpeed = -1.0;
   m_switchSound.setSampleRate(hz);
   m_slowStep = 44100.0 / hz;
   clear();
@@ -129,28 +140,36 @@ void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, d
                               std::span<double> out) noexcept {
   constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
   const double place = micAngle / kHornFastTurns + m_turnOffset;
+  const auto n = static_cast<int>(speeds.size());
+  Readings readings;
   for (std::size_t i = 0; i < speeds.size(); ++i) {
-    const NoiseBlend blend = m_range.hornBlend(speeds[i]);
-    double sum = 0.0;
-    if (blend.slow > 0.0)
-      sum += cubicLoopRead(m_slowPosition, m_slowLoop.data(), kSlow) * m_slowVolume * blend.slow;
-    if (blend.fast > 0.0)
-      sum += cubicLoopRead((m_fastPhase + place) * kFast, m_fastLoop.data(), kFast) * m_fastVolume *
-             blend.fast;
+    if (speeds[i] != m_blendedSpeed) {
+      m_blendedSpeed = speeds[i];
+      m_blend = m_range.hornBlend(speeds[i]);
+    }
+    setBlend(readings, i);
+    readings.slowPosition[i] = m_slowPosition;
+    readings.fastPosition[i] = (m_fastPhase + place) * kFast;
     m_slowPosition += m_slowStep;
     if (m_slowPosition >= kSlow) m_slowPosition -= kSlow;
     advanceCyclic(m_fastPhase, speeds[i] * (1.0 / kHornFastTurns));
-    out[i] = sum;
   }
+  RunBuffer sum{};
+  if (readings.slowHeard)
+    m_kernels.loopRead(m_slowLoop.data(), kSlow, readings.slowPosition.data(),
+                       readings.slowGain.data(), sum.data(), n);
+  if (readings.fastHeard)
+    m_kernels.loopRead(m_fastLoop.data(), kFast, readings.fastPosition.data(),
+                       readings.fastGain.data(), sum.data(), n);
+  std::copy_n(sum.begin(), n, out.begin());
   addSwitchSound(out);
   finish(level, out);
 }
 
 DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings,
                                  const kernels::Kernels& kernels) noexcept
-    : RotorNoisePlayer(recordings.drumSlow, recordings.drumFast, recordings.startStop, kDrumBandHz,
-                       0.125),
-      m_kernels(kernels) {}
+    : RotorNoisePlayer(kernels, recordings.drumSlow, recordings.drumFast, recordings.startStop,
+                       kDrumBandHz, 0.125) {}
 
 void DrumNoisePlayer::setSampleRate(double hz) noexcept {
   m_range.setSampleRate(hz);
@@ -188,26 +207,29 @@ void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, d
                               std::span<double> out) noexcept {
   constexpr int kSlow = kDrumSlowLength, kFast = kDrumFastLength;
   const double place = micAngle / kDrumFastTurns + kDrumTurnOffset;
-  RunBuffer slow, fast, between{};
+  const auto n = static_cast<int>(speeds.size());
+  Readings readings;
+  RunBuffer between{};
   for (std::size_t i = 0; i < speeds.size(); ++i) {
     if (speeds[i] != m_blendedSpeed) {
       m_blendedSpeed = speeds[i];
       m_blend = m_range.drumBlend(speeds[i]);
     }
     between[i] = m_range.between(speeds[i]);
-    slow[i] = fast[i] = 0.0;
-    if (m_blend.slow > 0.0)
-      slow[i] = cubicLoopRead(m_slowPhase * kSlow, m_slowLoop.data(), kSlow) * m_slowVolume *
-                m_blend.slow;
-    if (m_blend.fast > 0.0)
-      fast[i] = cubicLoopRead((place + m_fastPhase) * kFast, m_fastLoop.data(), kFast) *
-                m_fastVolume * m_blend.fast;
+    setBlend(readings, i);
+    readings.slowPosition[i] = m_slowPhase * kSlow;
+    readings.fastPosition[i] = (place + m_fastPhase) * kFast;
     advanceCyclic(m_fastPhase, speeds[i] * (1.0 / kDrumFastTurns));
     advanceCyclic(m_slowPhase, speeds[i] * (1.0 / kDrumSlowTurns));
   }
-  m_kernels.noiseTreble(m_treble, between.data(), slow.data(), fast.data(),
-                        static_cast<int>(speeds.size()));
-  for (std::size_t i = 0; i < speeds.size(); ++i) out[i] = slow[i] + fast[i];
+  RunBuffer slow{}, fast{};
+  if (readings.slowHeard)
+    m_kernels.loopRead(m_slowLoop.data(), kSlow, readings.slowPosition.data(),
+                       readings.slowGain.data(), slow.data(), n);
+  if (readings.fastHeard)
+    m_kernels.loopRead(m_fastLoop.data(), kFast, readings.fastPosition.data(),
+                       readings.fastGain.data(), fast.data(), n);
+  m_kernels.noiseTreble(m_treble, between.data(), slow.data(), fast.data(), out.data(), n);
   addSwitchSound(out);
   finish(level, out);
 }

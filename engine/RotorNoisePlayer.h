@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/Acoustics.h"
 #include "engine/Biquad.h"
 #include "engine/Recordings.h"
 #include "engine/kernels/Kernels.h"
@@ -69,17 +70,28 @@ class RotorNoisePlayer {
   void trigger() noexcept { m_switchSound.trigger(); }
 
  protected:
-  RotorNoisePlayer(std::span<const float> slowLoop, std::span<const float> fastLoop,
-                   std::span<const float> startStop, double bandHz, double bandQ) noexcept;
+  /// Where the recordings are read and how loud, a sample of the stretch each.
+  struct Readings {
+    RunBuffer slowPosition, fastPosition, slowGain, fastGain;
+    bool slowHeard = false, fastHeard = false;
+  };
+
+  RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
+                   std::span<const float> fastLoop, std::span<const float> startStop, double bandHz,
+                   double bandQ) noexcept;
 
   void prepareBandPass(double sampleRate, double hz, double q) noexcept;
   void addSwitchSound(std::span<double> run) noexcept;
   void finish(double level, std::span<double> run) noexcept; ///< band-pass and level
+  void setBlend(Readings& readings, std::size_t i) const noexcept;
 
+  const kernels::Kernels& m_kernels;
   std::span<const float> m_slowLoop;
   std::span<const float> m_fastLoop;
   SwitchSound m_switchSound;
   NoiseSpeedRange m_range;
+  double m_blendedSpeed = -1.0; ///< for which the blend was made, revolutions a sample
+  NoiseBlend m_blend{};
   Biquad m_bandPass;
   double m_slowVolume = 0.0;
   double m_fastVolume = 0.0;
@@ -93,7 +105,8 @@ class RotorNoisePlayer {
 class HornNoisePlayer : public RotorNoisePlayer {
  public:
   /// `microphone` 0 or 1 chooses the recording and the place in the turn.
-  HornNoisePlayer(const Recordings& recordings, int microphone) noexcept;
+  HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
+                  int microphone) noexcept;
 
   void setSampleRate(double hz) noexcept;
   void clear() noexcept; ///< phases and switching sound
@@ -123,11 +136,8 @@ class DrumNoisePlayer : public RotorNoisePlayer {
                std::span<double> out) noexcept;
 
  private:
-  const kernels::Kernels& m_kernels;
   kernels::NoiseTreble m_treble{};
   double m_slowPhase = 0.0; // passes of the loop, 0 .. 1
-  double m_blendedSpeed = -1.0;
-  NoiseBlend m_blend{};
 };
 
 } // namespace qlx::engine

@@ -20,7 +20,7 @@ void RotorTrack::advance(int n) noexcept {
   RunBuffer angles;
   const auto size = static_cast<std::size_t>(n);
   motion.advance({angles.data(), size}, {m_speeds.data(), size});
-  for (int j = 0; j < n; ++j) m_angles.write(m_writeIndex + j, angles[static_cast<std::size_t>(j)]);
+  m_angles.writeRun(m_writeIndex, {angles.data(), size});
 }
 
 void RotorTrack::finish(int n) noexcept {

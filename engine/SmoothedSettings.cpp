@@ -23,6 +23,8 @@ void SmoothedSettings::setSampleRate(double hz) noexcept {
 }
 
 const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
+  if (!m_moving) return m_hostRun;
+  m_moving = false;
   for (std::size_t i = 0; i < kCount; ++i) {
     RunBuffer& run = m_hostRun.m_values[i];
     const double target = m_target[i];
@@ -37,6 +39,7 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
       continue;
     }
     m_flat[i] = false;
+    m_moving = true;
     const double k = i == index(Smoothed::DriveGain) ? m_driveCoefficient : m_coefficient;
     for (int j = 0; j < n; ++j) {
       x = flushed(x + (target - x) * k);
@@ -48,6 +51,7 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
 }
 
 const SmoothedRun& SmoothedSettings::pick(std::span<const int> hostSamples) noexcept {
+  if (!m_moving) return m_engineRun;
   for (std::size_t i = 0; i < kCount; ++i) {
     if (m_flat[i]) continue;
     for (std::size_t k = 0; k < hostSamples.size(); ++k)

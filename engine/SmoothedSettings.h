@@ -63,9 +63,15 @@ class SmoothedRun {
 class SmoothedSettings {
  public:
   void setSampleRate(double hz) noexcept;
-  void setTarget(Smoothed setting, double value) noexcept { m_target[index(setting)] = value; }
+  void setTarget(Smoothed setting, double value) noexcept {
+    m_target[index(setting)] = value;
+    m_moving = true;
+  }
   double target(Smoothed setting) const noexcept { return m_target[index(setting)]; }
-  void snap() noexcept { m_current = m_target; }
+  void snap() noexcept {
+    m_current = m_target;
+    m_moving = true;
+  }
 
   /// Moves on by n host samples (at most kRun) and gives their values; they hold until the next
   /// call.
@@ -82,6 +88,7 @@ class SmoothedSettings {
   std::array<double, kCount> m_current{};
   SmoothedRun m_hostRun, m_engineRun;
   std::array<bool, kCount> m_flat{}; ///< arrived, both runs filled with the target
+  bool m_moving = true;              ///< not all are known to be flat
   double m_coefficient = 0.0;
   double m_driveCoefficient = 0.0;
 };

@@ -7,7 +7,7 @@ namespace qlx::engine::kernels {
 
 const Kernels kBaselineKernels = {"baseline", hornRays,    drumRays,      reducedRays, restHorn,
                                   restDrum,   fixedPair,   pairTaps,      body,        reducedBody,
-                                  pairSeries, chainSeries, limitedChains, noiseTreble, restTreble,
-                                  roomSide,   fir,         tube,          transistor};
+                                  pairSeries, chainSeries, limitedChains, loopRead,    noiseTreble,
+                                  restTreble, roomSide,    fir,           tube,        transistor};
 
 } // namespace qlx::engine::kernels

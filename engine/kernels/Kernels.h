@@ -143,13 +143,13 @@ struct ChainSections {
 };
 
 /// Two sections of a rotor's noise whose tuning follows the rotor's speed with every sample: a
-/// low-pass on the slow recording, a high shelf on the fast one. Roots as in GlideLanes, eight
-/// places a section.
+/// low-pass on the slow recording, a high shelf on the fast one. Roots as in GlideLanes, the
+/// low-pass's at even places and the shelf's at odd ones.
 struct NoiseTreble {
-  static constexpr int kPlaces = 8;
-  alignas(32) double root[2 * kPlaces];
-  alignas(32) double target[2 * kPlaces];
-  alignas(32) double increment[2 * kPlaces];
+  static constexpr int kPlaces = 14;
+  alignas(16) double root[kPlaces];
+  alignas(16) double target[kPlaces];
+  alignas(16) double increment[kPlaces];
   double x1[2], x2[2], y1[2], y2[2];
   double angularRate; ///< radians a sample of 1 Hz
   double highestHz;
@@ -201,10 +201,15 @@ struct Kernels {
   /// The same for chains of four sections with limiters, on a signal each, all over n samples.
   void (*limitedChains)(ChainSections<4>* const* chains, double* const* runs, int count, int n);
 
+  /// Adds gain x what stands at n positions (samples, -1 .. 2 lengths) of a looped recording, which
+  /// is followed by its first three samples, to `sum`; whole vectors, also beyond n.
+  void (*loopRead)(const float* loop, int length, const double* position, const double* gain,
+                   double* sum, int n);
+
   /// Tunes the sections by `between` (0 .. 1 between the speeds of slow and fast noise, negative
-  /// where the tuning stays) and runs them over n samples of both recordings in place.
-  void (*noiseTreble)(NoiseTreble& treble, const double* between, double* slow, double* fast,
-                      int n);
+  /// where the tuning stays), runs them over n samples of both recordings and writes their sum.
+  void (*noiseTreble)(NoiseTreble& treble, const double* between, const double* slow,
+                      const double* fast, double* out, int n);
   /// Puts both sections where the last tuning wants them: the tuning for `between`, or both open.
   void (*restTreble)(NoiseTreble& treble);
 

@@ -12,73 +12,49 @@ inline Lanes fastShelfHz(Lanes square) { return 3500.0 + 9500.0 * square; }
 inline Lanes fastShelfDb(Lanes square) { return 12.0 * square - 12.0; }
 constexpr double kSlowLowPassQ = 0.7, kFastShelfQ = 0.707;
 
-/// Target roots of both sections, lanes being tunings; target[t] receives those of tuning t.
+using TrebleRoots = double[NoiseTreble::kPlaces];
+
+/// Target roots of both sections, lanes being tunings; target[k] receives those of lane k.
 inline void designTreble(const NoiseTreble& t, Lanes lowPassHz, Lanes shelfHz, Lanes shelfDb,
-                         double (*target)[2 * NoiseTreble::kPlaces]) {
+                         TrebleRoots* target) {
   const auto inRange = [&](Lanes hz) { return smaller(larger(hz, all(0.001)), all(t.highestHz)); };
-  Lanes roots[2][7];
+  Lanes lowPass[7], shelf[7];
   lowPassDesign(
       tuned(t.angularRate, t.lowPassEdge, inRange(lowPassHz), all(kSlowLowPassQ), kLowPassWarp))
-      .roots(roots[0]);
+      .roots(lowPass);
   highShelfDesign(
       tuned(t.angularRate, t.shelfEdge, inRange(shelfHz), all(kFastShelfQ), kHighShelfWarp),
       shelfDb)
-      .roots(roots[1]);
-  for (int section = 0; section < 2; ++section)
-    for (int i = 0; i < 7; ++i)
-      for (int lane = 0; lane < kWidth; ++lane)
-        target[lane][NoiseTreble::kPlaces * section + i] = roots[section][i][lane];
+      .roots(shelf);
+  for (int i = 0; i < 7; ++i) {
+    for (int lane = 0; lane < kWidth; ++lane) {
+      target[lane][2 * i] = lowPass[i][lane];
+      target[lane][2 * i + 1] = shelf[i][lane];
+    }
+  }
 }
 
 void restTreble(NoiseTreble& t) {
   const bool tunedBefore = t.between > 0.0;
   const Lanes place = all(tunedBefore ? t.between : 0.5), square = place * place;
-  double target[kWidth][2 * NoiseTreble::kPlaces] = {};
+  TrebleRoots target[kWidth];
   designTreble(t, tunedBefore ? slowLowPassHz(place) : all(18000.0),
                tunedBefore ? fastShelfHz(square) : all(2000.0),
                tunedBefore ? fastShelfDb(square) : Lanes{}, target);
-  for (int i = 0; i < 2 * NoiseTreble::kPlaces; ++i) {
+  for (int i = 0; i < NoiseTreble::kPlaces; ++i) {
     t.root[i] = t.target[i] = target[0][i];
     t.increment[i] = 0.0;
   }
   t.remaining = 0;
 }
 
-inline void dropTrace(double& state) {
-  if (state < 1e-30 && state > -1e-30) state = 0.0;
-}
-
-/// Starts the glides towards the target anew.
-inline void retune(NoiseTreble& t, const double* target) {
-  for (int i = 0; i < 2 * NoiseTreble::kPlaces; ++i) {
-    t.target[i] = target[i];
-    t.increment[i] = (target[i] - t.root[i]) * t.share;
-  }
-  t.remaining = t.steps;
-}
-
-/// One sample of a section with the roots of this moment.
-inline void stepSection(NoiseTreble& t, int section, double& run) {
-  const double* r = t.root + NoiseTreble::kPlaces * section;
-  const double zeros = r[0] + r[1], zeroProduct = r[0] * r[1] + r[2] * r[2];
-  const double poles = r[3] + r[4], poleProduct = r[3] * r[4] + r[5] * r[5];
-  const double x = run;
-  const double fed = r[6] * (x - zeros * t.x1[section] + zeroProduct * t.x2[section]);
-  const double y = (fed - poleProduct * t.y2[section]) + poles * t.y1[section];
-  t.x2[section] = t.x1[section];
-  t.x1[section] = x;
-  t.y2[section] = t.y1[section];
-  t.y1[section] = y;
-  run = y;
-}
-
 /// Targets for the tunings of a stretch, a vector of samples at a time, where the speed moves.
 struct TrebleTargets {
-  alignas(32) double roots[kLongestRun + kWidth][2 * NoiseTreble::kPlaces];
+  TrebleRoots roots[kLongestRun + kWidth];
   int known = 0; ///< samples from the first on whose targets stand in `roots`
 
   /// Target for sample j, whose place lies between the speeds and differs from the last one.
-  const double* at(NoiseTreble& t, const double* between, int j, int n) {
+  const double* at(const NoiseTreble& t, const double* between, int j, int n) {
     if (j >= known) {
       Lanes place{};
       for (int k = 0; k < kWidth; ++k) {
@@ -93,27 +69,124 @@ struct TrebleTargets {
   }
 };
 
-void noiseTreble(NoiseTreble& t, const double* between, double* slow, double* fast, int n) {
+/// Low-pass and shelf side by side.
+struct TrebleSections {
+  __m128d zeros, zeroProduct, poles, poleProduct, gain;
+  __m128d x1, x2, y1, y2;
+
+  explicit TrebleSections(const NoiseTreble& t)
+      : x1(_mm_loadu_pd(t.x1)), x2(_mm_loadu_pd(t.x2)), y1(_mm_loadu_pd(t.y1)),
+        y2(_mm_loadu_pd(t.y2)) {
+    place(t);
+  }
+
+  void place(const NoiseTreble& t) {
+    const auto root = [&](int i) { return _mm_loadu_pd(t.root + 2 * i); };
+    zeros = root(0) + root(1);
+    zeroProduct = root(0) * root(1) + root(2) * root(2);
+    poles = root(3) + root(4);
+    poleProduct = root(3) * root(4) + root(5) * root(5);
+    gain = root(6);
+  }
+
+  double step(double slow, double fast) {
+    const __m128d x = _mm_set_pd(fast, slow);
+    const __m128d fed = gain * (x - zeros * x1 + zeroProduct * x2);
+    const __m128d y = (fed - poleProduct * y2) + poles * y1;
+    x2 = x1;
+    x1 = x;
+    y2 = y1;
+    y1 = y;
+    return y[0] + y[1];
+  }
+
+  void storeMemory(NoiseTreble& t) const {
+    const auto keep = [](double* p, __m128d x) {
+      for (int k = 0; k < 2; ++k) p[k] = x[k] < 1e-30 && x[k] > -1e-30 ? 0.0 : x[k];
+    };
+    keep(t.x1, x1);
+    keep(t.x2, x2);
+    keep(t.y1, y1);
+    keep(t.y2, y2);
+  }
+};
+
+/// True where a tuning that stays has been reached to the last bits that matter.
+inline bool hasArrived(const NoiseTreble& t, const double* between, int n) {
+  for (int j = 0; j < n; ++j)
+    if (between[j] != t.between) return false;
+  double farthest = 0.0;
+  for (int i = 0; i < NoiseTreble::kPlaces; ++i) {
+    const double apart = t.target[i] - t.root[i];
+    farthest = apart > farthest ? apart : -apart > farthest ? -apart : farthest;
+  }
+  return farthest < 1e-13;
+}
+
+void noiseTreble(NoiseTreble& t, const double* between, const double* slow, const double* fast,
+                 double* out, int n) {
+  TrebleSections sections(t);
+  if (hasArrived(t, between, n)) {
+    for (int j = 0; j < n; ++j) out[j] = sections.step(slow[j], fast[j]);
+    sections.storeMemory(t);
+    return;
+  }
   TrebleTargets targets;
   for (int j = 0; j < n; ++j) {
     const double place = between[j];
     if (place > 0.0) {
-      const bool moved = place != t.between;
-      if (moved) t.between = place;
-      retune(t, moved ? targets.at(t, between, j, n) : t.target);
+      const double* target = t.target;
+      if (place != t.between) {
+        t.between = place;
+        target = targets.at(t, between, j, n);
+      }
+      for (int i = 0; i < NoiseTreble::kPlaces; ++i) {
+        t.target[i] = target[i];
+        t.increment[i] = (target[i] - t.root[i]) * t.share;
+      }
+      t.remaining = t.steps;
     }
     if (t.remaining > 0) {
       --t.remaining;
-      for (int i = 0; i < 2 * NoiseTreble::kPlaces; ++i) t.root[i] += t.increment[i];
+      for (int i = 0; i < NoiseTreble::kPlaces; ++i) t.root[i] += t.increment[i];
+      sections.place(t);
     }
-    stepSection(t, 0, slow[j]);
-    stepSection(t, 1, fast[j]);
+    out[j] = sections.step(slow[j], fast[j]);
   }
-  for (int section = 0; section < 2; ++section) {
-    dropTrace(t.x1[section]);
-    dropTrace(t.x2[section]);
-    dropTrace(t.y1[section]);
-    dropTrace(t.y2[section]);
+  sections.storeMemory(t);
+}
+
+/// Four neighbouring samples of a recording for each lane.
+inline Quad loadSamples(const float* loop, WholeLanes index) {
+  int at[kWidth];
+  storeWhole(at, index);
+#if defined(__AVX2__) && defined(__FMA__)
+  __m128 a = _mm_loadu_ps(loop + at[0]), b = _mm_loadu_ps(loop + at[1]);
+  __m128 c = _mm_loadu_ps(loop + at[2]), d = _mm_loadu_ps(loop + at[3]);
+  _MM_TRANSPOSE4_PS(a, b, c, d);
+  return {_mm256_cvtps_pd(a), _mm256_cvtps_pd(b), _mm256_cvtps_pd(c), _mm256_cvtps_pd(d)};
+#else
+  const __m128 a = _mm_loadu_ps(loop + at[0]), b = _mm_loadu_ps(loop + at[1]);
+  const __m128 low = _mm_unpacklo_ps(a, b), high = _mm_unpackhi_ps(a, b);
+  return {_mm_cvtps_pd(low), _mm_cvtps_pd(_mm_movehl_ps(low, low)), _mm_cvtps_pd(high),
+          _mm_cvtps_pd(_mm_movehl_ps(high, high))};
+#endif
+}
+
+void loopRead(const float* loop, int length, const double* position, const double* gain,
+              double* sum, int n) {
+  const Lanes whole = all(static_cast<double>(length));
+  const __m128i wrap = _mm_set1_epi32(length);
+  for (int j = 0; j < n; j += kWidth) {
+    Lanes at = load(position + j);
+    at = select(at < 0.0, at + whole, at);
+    at = select(at >= whole, at - whole, at);
+    at = smaller(larger(at, Lanes{}), whole); // whatever stands behind the stretch's end
+    const WholeLanes here = truncated(at);
+    const WholeLanes before = _mm_sub_epi32(here, _mm_set1_epi32(1));
+    const WholeLanes index = _mm_add_epi32(before, _mm_and_si128(_mm_srai_epi32(before, 31), wrap));
+    const Lanes value = cubic(loadSamples(loop, index), at - asLanes(here));
+    store(sum + j, load(sum + j) + load(gain + j) * value);
   }
 }
 

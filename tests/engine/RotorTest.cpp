@@ -158,7 +158,7 @@ TEST(HornNoisePlayer, BlendsBySpeedAndFallsWithDistance) {
                         {1.452, 1, 0, std::pow(1 - 2.5 * early, 2)},
                         {4.14, 1, 0, 0}};
   for (const Case& c : cases) {
-    HornNoisePlayer player(both, 0);
+    HornNoisePlayer player(both, kernels::chooseKernels(), 0);
     player.setSampleRate(44100);
     player.setMicDistance(0.3);
     player.setSlowVolume(c.slowVolume);
@@ -169,7 +169,7 @@ TEST(HornNoisePlayer, BlendsBySpeedAndFallsWithDistance) {
   // The fast loop is locked to the rotor: at 34 turns a loop its own pitch sounds at this speed.
   const double own = 34.0 * 44100 / kHornFastLength;
   for (const double distance : {0.3, 1.2}) {
-    HornNoisePlayer player(both, 0);
+    HornNoisePlayer player(both, kernels::chooseKernels(), 0);
     player.setSampleRate(44100);
     player.setMicDistance(distance);
     player.setFastVolume(1);
@@ -185,7 +185,7 @@ TEST(HornNoisePlayer, SwitchSoundPlaysOnceAtEveryRateAndRestarts) {
     recordings.startStop()[i] =
         static_cast<float>(std::sin(2 * std::numbers::pi * 1100.0 * double(i) / 44100.0));
   for (const double rate : {22050.0, 44100.0, 48000.0}) {
-    HornNoisePlayer player(recordings.spans(), 1);
+    HornNoisePlayer player(recordings.spans(), kernels::chooseKernels(), 1);
     player.setSampleRate(rate);
     player.setMicDistance(0.3);
     player.setSwitchVolume(1);
