@@ -1,12 +1,13 @@
 // The machine's own voice as the plug-in file gives it out.
 
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/tools/CommandRun.h"
+#include "tools/brezan/AudioFile.h"
 #include "tools/brezan/DrawbarOrgan.h"
 #include "tools/brezan/PlayThrough.h"
 #include "tools/brezan/RotorMoves.h"
 #include "tools/brezan/SoundLevel.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
@@ -215,4 +216,29 @@ TEST_F(MachineNoise, rotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
     EXPECT_EQ(moves[2].settled, rotor.accelSeconds < 1.0) << "the heavy drum runs on";
     EXPECT_FALSE(moves[0].tenToNinety.has_value());
   }
+}
+
+TEST_F(MachineNoise, reportTellsSpeedsAndRests) {
+  {
+    AudioOutput quiet(m_folder / "dry.wav", "pcm16", kRate, 1);
+    quiet.write(std::vector<double>(static_cast<std::size_t>(12.0 * kRate)));
+    quiet.finish();
+  }
+  qlx::tests::write(m_folder / "moves.txt", "3 Lever Tremolo\n");
+  const auto brezan = [&](const std::string& words) {
+    const qlx::tests::Finished done =
+        qlx::tests::run("cd " + m_folder.path().string() + " && " BREZAN " " + words +
+                        " --plugin " PLUGIN " --automate moves.txt --set CPUmode=LowCPU");
+    EXPECT_EQ(done.status, 0) << done.errors;
+    return done.output;
+  };
+  brezan("render dry.wav wet.wav --tail 0");
+  EXPECT_THAT(
+      brezan("report dry.wav wet.wav"),
+      testing::AllOf(testing::ContainsRegex("0\\.00 +slow .* 0\\.6[678] +0\\.9[0-5]\n"),
+                     testing::ContainsRegex(
+                         "3\\.00 +fast .* 6\\.[78][0-9] +0\\.[56][0-9] +6\\.[45][0-9] +3\\."),
+                     testing::ContainsRegex("0\\.30 +1[12]\\.[0-9]+ +-6[0-9]\\.")));
+  EXPECT_THAT(brezan("report dry.wav wet.wav --set HSlowSpd=0"),
+              testing::HasSubstr("The horn: no turn of the rotor can be recognised.\n"));
 }

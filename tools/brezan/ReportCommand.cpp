@@ -22,6 +22,7 @@ constexpr double kRate = 44100.0; // of the pilot tones
 constexpr double kPilotPeak = 0.25;
 constexpr double kSettleSeconds = 8.0; // for rotors that start slowly
 constexpr double kLearnSeconds = 10.0; // of even turning before the first move
+constexpr double kWindowSeconds = 0.1; // more than the analysis looks ahead at the end
 constexpr double kRestLevel = 3.16e-4; // of the dry sound: -70 dBFS
 constexpr double kShortestRest = 0.7;
 constexpr double kReverberation = 0.3; // seconds that the room sounds into a rest
@@ -77,7 +78,7 @@ class Report {
     for (AutomationMove& move : moves.automation) move.seconds += kLearnSeconds;
     for (TimedMidi& message : moves.midi) message.seconds += kLearnSeconds;
     const std::vector<double> pilot =
-        pilotSound(tones, kRate, kLearnSeconds + m_seconds, kPilotPeak);
+        pilotSound(tones, kRate, kLearnSeconds + m_seconds + kWindowSeconds, kPilotPeak);
     const auto heard = playThrough(host, pilot, kRate, moves, kSettleSeconds);
     try {
       const RotorTrace trace(heard, kRate, tones, 0.1, kLearnSeconds);

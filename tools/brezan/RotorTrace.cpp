@@ -112,8 +112,11 @@ double RotorTrace::evenPeriod(std::size_t first, std::size_t count) const {
       std::find_if(unlike.begin(), unlike.end(), [&](double u) { return u > kApart * usual; });
   const auto again = std::find_if(away, unlike.end(), [&](double u) { return u < kAlike * usual; });
   double level = 0.0; // of the tones themselves
-  for (const auto& tone : m_views[first]) level += std::norm(tone);
-  constexpr double kStill = 1e-6;
+  for (std::size_t i = first; i < first + count; ++i)
+    for (const auto& tone : m_views[i]) level += std::norm(tone) / static_cast<double>(count);
+  // A turning horn swings by more than the level, a drum by an eighth and more; what leaks over
+  // from the other rotor while this one stands, by a hundredth.
+  constexpr double kStill = 0.04;
   if (again == unlike.end() || usual < kStill * level)
     throw std::runtime_error("no turn of the rotor can be recognised");
   // Down to the bottom of that valley.
