@@ -81,8 +81,9 @@ void ParameterApplication::applyLever(float v) {
   if (m_lastLever.exchange(v, std::memory_order_relaxed) != v) {
     set(Setting::Lever, 1.0 - static_cast<double>(v));
   }
-  // Who reaches for the lever wants the rotors to turn; a recalled preset brings the lever as it is.
-  if (!m_effect.isPresetLoading() && isEngaged(value(kStop))) m_effect.setParameterAutomated(kStop, 0.0F);
+  // Who reaches for the lever wants the rotors to turn; a recalled preset only brings it along.
+  if (m_effect.isPresetLoading()) return;
+  if (isEngaged(value(kStop))) m_effect.setParameterAutomated(kStop, 0.0F);
 }
 
 void ParameterApplication::applyStop(float v) {

@@ -106,8 +106,9 @@ constexpr Display kRadius{
 constexpr Display kHornReach{centimetres, [](float v) noexcept {
                                return ShortText::fixed(hornAttenuationDistanceLaw(v) * 100.0, 0);
                              }};
-constexpr Display kDrumReach{centimetres,
-                             [](float v) noexcept { return ShortText::fixed(3.0 * v * 100.0, 0); }};
+constexpr Display kDrumReach{centimetres, [](float v) noexcept {
+                               return ShortText::fixed(drumAttenuationDistanceLaw(v) * 100.0, 0);
+                             }};
 constexpr Display kRoomNumber{
     none, [](float v) noexcept { return ShortText::whole(kFormat.roomSize(v)); }};
 constexpr Display kRoomSize{none,

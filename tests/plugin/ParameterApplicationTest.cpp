@@ -332,10 +332,23 @@ TEST_F(ParameterApplicationTest, GlobalParametersStandInEveryPreset) {
 TEST_F(ParameterApplicationTest, LoadingAPresetKeepsTheGlobalOnes) {
   effect->setParameter(kMIDIchl, 0.0F);
   effect->setParameter(kLever, 1.0F);
+  effect->setParameter(kStop, 1.0F);
+  news().clear();
+  log().clear();
   effect->selectPreset(3);
   EXPECT_EQ(effect->getParameter(kMIDIchl), 0.0F);
   EXPECT_EQ(effect->getParameter(kLever), 1.0F);
   EXPECT_EQ(effect->getParameter(kHHPF), 0.624453F);
+  // The brake stays on throughout, for the rotors, the host and every slot.
+  for (const EngineCall& call : log().sets) {
+    if (call.setting == S::Stop) {
+      EXPECT_EQ(call.value, 1.0);
+    }
+  }
+  for (const HostNews& n : automated()) EXPECT_NE(n.index, kStop);
+  for (const presets::PresetSlot& slot : effect->getPresetSlots()) {
+    EXPECT_EQ(slot.values[kStop], 1.0F);
+  }
 }
 
 TEST_F(ParameterApplicationTest, SwiftIsSwiftAndTheBrokenMotorStandsStill) {
