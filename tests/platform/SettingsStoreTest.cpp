@@ -48,7 +48,8 @@ TEST(SettingsStore, IsAFileAValueUnderTheConfigurationHome) {
     TemporaryFolder folder;
     ::setenv("HOME", (folder / "home").c_str(), 1);
     ::unsetenv("XDG_CONFIG_HOME");
-    const std::string place = test.place == "relative" ? test.place : (folder / test.place).string();
+    const std::string place =
+        test.place == "relative" ? test.place : (folder / test.place).string();
     if (test.configured) ::setenv("XDG_CONFIG_HOME", place.c_str(), 1);
     const auto store = platform::openUserSettings("Vendor", "Product");
     EXPECT_EQ(store->readText("Value"), "");
