@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <span>
 
 namespace qlx::engine {
 
@@ -32,9 +33,12 @@ inline double flushed(double state) noexcept { return (state + 1e-12) - 1e-12; }
 struct OnePole {
   double state = 0.0;
 
-  double next(double x, double pole) noexcept {
-    state = flushed((state - x) * pole + x);
-    return state;
+  /// Runs over samples in place.
+  void process(std::span<double> run, double pole) noexcept {
+    const double rest = 1.0 - pole;
+    double y = state;
+    for (double& x : run) x = y = y * pole + x * rest;
+    state = flushed(y);
   }
 };
 

@@ -14,10 +14,10 @@ constexpr double kColorLowQ = 0.6;
 } // namespace
 
 Cabinet::Cabinet(const Recordings& recordings, const kernels::Kernels& kernels)
-    : m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0), m_feeds(kernels),
-      m_horn(hornSettings, recordings, kernels), m_drum(drumSettings, recordings, kernels),
-      m_reduced(hornSettings, drumSettings, kernels), m_room(kernels), m_pairs(kernels),
-      m_output(kernels) {
+    : m_kernels(kernels), m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0),
+      m_feeds(kernels), m_horn(hornSettings, recordings, kernels),
+      m_drum(drumSettings, recordings, kernels), m_reduced(hornSettings, drumSettings, kernels),
+      m_room(kernels), m_pairs(kernels), m_output(kernels) {
   m_drumShelf.setEnabled(true);
   for (ColorFilters& color : m_color) {
     color[0].init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
@@ -196,58 +196,50 @@ void Cabinet::runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, 
 
 void Cabinet::runNoise(int n, Microphones& mics) noexcept {
   const auto size = static_cast<std::size_t>(n);
-  for (std::size_t m = 0; m < 2; ++m) {
-    HornMicrophone& microphone = m_horn.microphone(m);
-    RunBuffer& noise = m == 0 ? mics.noise1 : mics.noise2;
-    microphone.noisePlayer().process(m_hornTrack.speeds(n), microphone.position().angle,
-                                     microphone.staticLevel() * hornSettings.noiseLevel,
-                                     {noise.data(), size});
+  HornMicrophone &first = m_horn.microphone(0), &second = m_horn.microphone(1);
+  first.noisePlayer().read(m_hornTrack.speeds(n), first.position().angle,
+                           {mics.noise1.data(), size});
+  second.noisePlayer().read(m_hornTrack.speeds(n), second.position().angle,
+                            {mics.noise2.data(), size});
+  m_pairs.process({&first.noisePlayer().bandPass(), 1}, {&second.noisePlayer().bandPass(), 1}, n,
+                  mics.noise1, mics.noise2);
+  const double gain1 = first.noisePlayer().gain(first.staticLevel() * hornSettings.noiseLevel);
+  const double gain2 = second.noisePlayer().gain(second.staticLevel() * hornSettings.noiseLevel);
+  for (std::size_t k = 0; k < size; ++k) {
+    mics.noise1[k] *= gain1;
+    mics.noise2[k] *= gain2;
   }
   m_drum.noisePlayer().process(m_drumTrack.speeds(n), m_drum.microphone().angle,
                                m_drum.staticLevel() * drumSettings.noiseLevel,
                                {mics.drumNoise.data(), size});
 }
 
-void Cabinet::setLevels(const SmoothedRun& s, int n, Microphones& mics) const noexcept {
-  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-    const double shared = mics.cross.toHorns[k] + mics.cross.hornEcho[k];
-    const double hornGain = s[Smoothed::HornGain][k] * hornLevel;
-    mics.horn1[k] = (mics.horn1[k] * 0.5 + shared) * hornGain;
-    mics.horn2[k] = (mics.horn2[k] * 0.5 + shared) * hornGain * s[Smoothed::HornMic2Gain][k];
-    mics.drum[k] = (mics.cross.toDrum[k] + mics.drum[k]) * s[Smoothed::DrumGain][k];
-    mics.noise1[k] *= 0.5;
-  }
+kernels::MixGains Cabinet::mixGains(const SmoothedRun& s) const noexcept {
+  const auto of = [&](Smoothed setting) { return s[setting].data(); };
+  return {of(Smoothed::HornGain),
+          of(Smoothed::HornMic2Gain),
+          of(Smoothed::DrumGain),
+          of(Smoothed::Mic1PanLeft),
+          of(Smoothed::Mic1PanRight),
+          of(Smoothed::Mic2PanLeft),
+          of(Smoothed::Mic2PanRight),
+          of(Smoothed::DrumPanLeft),
+          of(Smoothed::DrumPanRight),
+          of(Smoothed::NoisePanA),
+          of(Smoothed::NoisePanB),
+          hornLevel,
+          noiseSendGain};
 }
 
-void Cabinet::addRoom(const SmoothedRun& s, int n, Microphones& mics) noexcept {
-  const auto size = static_cast<std::size_t>(n);
-  RunBuffer sendLeft, sendRight, own1, own2;
-  for (std::size_t k = 0; k < size; ++k) {
-    // Each horn microphone hears mostly its own side of the motor's noise.
-    const double a = s[Smoothed::NoisePanA][k], b = s[Smoothed::NoisePanB][k];
-    own1[k] = b * mics.noise1[k] + a * mics.noise2[k];
-    own2[k] = b * mics.noise2[k] + a * mics.noise1[k];
-    sendLeft[k] =
-        mics.horn2[k] * s[Smoothed::Mic2PanLeft][k] + mics.horn1[k] * s[Smoothed::Mic1PanLeft][k] +
-        mics.drum[k] * s[Smoothed::DrumPanLeft][k] + (own1[k] + mics.drumNoise[k]) * noiseSendGain;
-    sendRight[k] = mics.horn2[k] * s[Smoothed::Mic2PanRight][k] +
-                   mics.horn1[k] * s[Smoothed::Mic1PanRight][k] +
-                   mics.drum[k] * s[Smoothed::DrumPanRight][k] +
-                   (own2[k] + mics.drumNoise[k]) * noiseSendGain;
-  }
-  RunBuffer left, right;
+void Cabinet::addRoom(const SmoothedRun& s, const kernels::MixSignals& signals,
+                      const kernels::MixGains& gains, int n) noexcept {
+  RunBuffer sendLeft, sendRight, left, right;
+  m_kernels.mixSends(signals, gains, sendLeft.data(), sendRight.data(), n);
   m_room.process(sendLeft, sendRight, s[Smoothed::RoomReturnGain], n, left, right);
   m_pairs.process(m_color[0], m_color[1], n, left, right);
-
-  const double level1 = m_horn.microphone(0).staticLevel();
-  const double level2 = m_horn.microphone(1).staticLevel();
-  const double drumLevel = m_drum.staticLevel();
-  for (std::size_t k = 0; k < size; ++k) {
-    const double hornGain = s[Smoothed::HornGain][k] * hornLevel;
-    mics.horn1[k] += (left[k] * level1 + own1[k]) * hornGain;
-    mics.horn2[k] += (right[k] * level2 + own2[k]) * hornGain * s[Smoothed::HornMic2Gain][k];
-    mics.drum[k] += (left[k] * drumLevel + mics.drumNoise[k]) * s[Smoothed::DrumGain][k];
-  }
+  const double levels[] = {m_horn.microphone(0).staticLevel(), m_horn.microphone(1).staticLevel(),
+                           m_drum.staticLevel()};
+  m_kernels.mixRoom(signals, gains, left.data(), right.data(), levels, n);
 }
 
 void Cabinet::process(const RunBuffer& x, const SmoothedRun& settings, int n, RunBuffer& left,
@@ -256,9 +248,13 @@ void Cabinet::process(const RunBuffer& x, const SmoothedRun& settings, int n, Ru
   Reduced reduced;
   runRotors(x, settings, n, mics, reduced);
   m_crossTalk.process(reduced.drum, reduced.horn, x, settings, n, mics.cross);
-  setLevels(settings, n, mics);
-  addRoom(settings, n, mics);
-  m_output.process(mics.horn1, mics.horn2, mics.drum, settings, n, left, right);
+  const kernels::MixSignals signals{
+      mics.horn1.data(),         mics.horn2.data(),          mics.drum.data(),
+      mics.noise1.data(),        mics.noise2.data(),         mics.drumNoise.data(),
+      mics.cross.toHorns.data(), mics.cross.hornEcho.data(), mics.cross.toDrum.data()};
+  const kernels::MixGains gains = mixGains(settings);
+  addRoom(settings, signals, gains, n);
+  m_output.process(signals, gains, settings, n, left, right);
 }
 
 } // namespace qlx::engine

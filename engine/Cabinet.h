@@ -92,9 +92,11 @@ class Cabinet {
   void runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, Microphones& mics,
                  Reduced& reduced) noexcept;
   void runNoise(int n, Microphones& mics) noexcept;
-  void setLevels(const SmoothedRun& settings, int n, Microphones& mics) const noexcept;
-  void addRoom(const SmoothedRun& settings, int n, Microphones& mics) noexcept;
+  kernels::MixGains mixGains(const SmoothedRun& settings) const noexcept;
+  void addRoom(const SmoothedRun& settings, const kernels::MixSignals& signals,
+               const kernels::MixGains& gains, int n) noexcept;
 
+  const kernels::Kernels& m_kernels;
   double m_engineRate = 44100.0;
   Biquad m_drumShelf;
   SpeakerFeeds m_feeds;

@@ -99,6 +99,14 @@ void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunB
   RunBuffer port;
   for (std::size_t k = 0; k < size; ++k) port[k] = input[k] * 8.0;
   m_portFilter.processGlide({port.data(), size});
+  RunBuffer drumReturn, hornReturn;
+  for (std::size_t k = 0; k < size; ++k) {
+    port[k] *= s[Smoothed::DrumFeedGain][k] * 8.0;
+    drumReturn[k] = drum[k] * 4.0;
+    hornReturn[k] = horn[k] * 4.0;
+  }
+  m_drumSmoother.process({drumReturn.data(), size}, m_drumPole);
+  m_hornSmoother.process({hornReturn.data(), size}, m_hornPole);
 
   Path paths[] = {{m_drumReturn, Smoothed::DrumToHornDelay, {}},
                   {m_port, Smoothed::PortToHornDelay, {}},
@@ -111,13 +119,14 @@ void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunB
                                  [&](Path& path) { return readAhead(path, s, n); });
   for (std::size_t k = 0; k < size; ++k) {
     if (!ahead) {
-      for (Path& path : paths) path.value[k] = tap(path.ring, m_writeIndex, s[path.delay][k]);
+      for (Path& path : paths)
+        path.value[k] = tap(path.ring, m_writeIndex + static_cast<int>(k), s[path.delay][k]);
     }
-    m_drumReturn.write(m_writeIndex, m_drumSmoother.next(drum[k] * 4.0, m_drumPole));
-    m_hornReturn.write(m_writeIndex, m_hornSmoother.next(horn[k] * 4.0, m_hornPole));
-    m_port.write(m_writeIndex, port[k] * s[Smoothed::DrumFeedGain][k] * 8.0);
-    m_writeIndex = (m_writeIndex + 1) & (kRingSize - 1);
+    m_drumReturn.write(m_writeIndex + static_cast<int>(k), drumReturn[k]);
+    m_hornReturn.write(m_writeIndex + static_cast<int>(k), hornReturn[k]);
+    m_port.write(m_writeIndex + static_cast<int>(k), port[k]);
   }
+  m_writeIndex = (m_writeIndex + n) & (kRingSize - 1);
   for (std::size_t k = 0; k < size; ++k) {
     out.toHorns[k] =
         paths[0].value[k] * s[Smoothed::DrumToHornLevel][k] * s[Smoothed::DrumToHornGain][k] +

@@ -154,15 +154,21 @@ void DrumModel::addStaticRay(const RotorTrack& track, const SoundLine& line, int
                                m_rays.distance[kDirect] * track.samplesPerMetre(), weight);
   const double level = staticLevel();
   const double lowGain = m_settings.lowStaticGain * m_gainSum;
-  const int update = track.nextUpdate(0);
-  for (int j = 0; j < n; ++j) {
-    if (j == update) m_staticPole = m_wantedStaticPole;
-    const double x = weight[0] * tap[j] + weight[1] * tap[j + 1] + weight[2] * tap[j + 2] +
-                     weight[3] * tap[j + 3];
-    const double value = m_staticLowPass.next(x, m_staticPole) * level;
-    const double low = m_staticLowBand.next(value, m_splitterPole);
-    sum[static_cast<std::size_t>(j)] += low * lowGain + (value - low) * m_settings.staticGain;
+  RunBuffer value, low;
+  for (int j = 0; j < n; ++j)
+    value[static_cast<std::size_t>(j)] = weight[0] * tap[j] + weight[1] * tap[j + 1] +
+                                         weight[2] * tap[j + 2] + weight[3] * tap[j + 3];
+  const auto until = static_cast<std::size_t>(std::min(track.nextUpdate(0), n));
+  const auto size = static_cast<std::size_t>(n);
+  m_staticLowPass.process({value.data(), until}, m_staticPole);
+  if (until < size) {
+    m_staticPole = m_wantedStaticPole;
+    m_staticLowPass.process({value.data() + until, size - until}, m_staticPole);
   }
+  for (std::size_t k = 0; k < size; ++k) low[k] = value[k] = value[k] * level;
+  m_staticLowBand.process({low.data(), size}, m_splitterPole);
+  for (std::size_t k = 0; k < size; ++k)
+    sum[k] += low[k] * lowGain + (value[k] - low[k]) * m_settings.staticGain;
 }
 
 void DrumModel::process(const RotorTrack& track, const SoundLine& line, int n,

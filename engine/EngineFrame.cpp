@@ -257,9 +257,11 @@ void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const Ru
   const auto size = static_cast<std::size_t>(s.n);
   RunBuffer dryLeft, dryRight;
   for (std::size_t k = 0; k < size; ++k) {
-    dryLeft[k] = m_dryLeft.next(inputGain[k] * s.in0[k] * 0.5, m_dryPole);
-    dryRight[k] = m_dryRight.next(inputGain[k] * s.in1[k] * 0.5, m_dryPole);
+    dryLeft[k] = inputGain[k] * s.in0[k] * 0.5;
+    dryRight[k] = inputGain[k] * s.in1[k] * 0.5;
   }
+  m_dryLeft.process({dryLeft.data(), size}, m_dryPole);
+  m_dryRight.process({dryRight.data(), size}, m_dryPole);
   if (m_state == State::Running && m_muteLevel == 0.0 && m_bypassLevel == 0.0 &&
       m_bypassTarget == 0.0) {
     std::copy_n(wetLeft.begin(), size, s.out0.begin());

@@ -7,11 +7,10 @@ namespace qlx::engine {
 namespace {
 
 constexpr double kHighPassQ = 0.5;
-constexpr double kMixGain = 0.50118723362; // -6 dB
 
 } // namespace
 
-OutputStage::OutputStage(const kernels::Kernels& kernels) : m_pairs(kernels) {
+OutputStage::OutputStage(const kernels::Kernels& kernels) : m_kernels(kernels), m_pairs(kernels) {
   for (Biquad& filter : m_highPass) {
     filter.init(m_sampleRate, Response::HighPass, m_hornHighPassHz, kHighPassQ, 0);
     filter.setEnabled(true);
@@ -50,26 +49,18 @@ void OutputStage::setInstantUpdate() noexcept {
   for (Biquad& filter : m_highPass) filter.setInstantUpdate(true);
 }
 
-void OutputStage::process(RunBuffer& horn1, RunBuffer& horn2, const RunBuffer& drum,
+void OutputStage::process(const kernels::MixSignals& signals, const kernels::MixGains& gains,
                           const SmoothedRun& s, int n, RunBuffer& left, RunBuffer& right) noexcept {
-  RunBuffer filtered1 = horn1, filtered2 = horn2;
-  m_pairs.process({&m_highPass[0], 1}, {&m_highPass[1], 1}, n, filtered1, filtered2);
-  const RunBuffer& highPassShare = s[Smoothed::HornHighPassOn];
-  const RunBuffer& lowPassShare = s[Smoothed::DrumLowPassOn];
-  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-    horn1[k] += highPassShare[k] * (filtered1[k] - horn1[k]);
-    horn2[k] += highPassShare[k] * (filtered2[k] - horn2[k]);
-  }
-  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-    const double filtered = m_drumLowPass.next(drum[k], m_drumPole);
-    const double out = (1.0 - lowPassShare[k]) * drum[k] + lowPassShare[k] * filtered;
-    left[k] = (horn2[k] * s[Smoothed::Mic2PanLeft][k] + horn1[k] * s[Smoothed::Mic1PanLeft][k] +
-               out * s[Smoothed::DrumPanLeft][k]) *
-              kMixGain;
-    right[k] = (horn2[k] * s[Smoothed::Mic2PanRight][k] + horn1[k] * s[Smoothed::Mic1PanRight][k] +
-                out * s[Smoothed::DrumPanRight][k]) *
-               kMixGain;
-  }
+  RunBuffer horn1, horn2, drum;
+  std::copy_n(signals.horn1, kRun, horn1.begin());
+  std::copy_n(signals.horn2, kRun, horn2.begin());
+  std::copy_n(signals.drum, kRun, drum.begin());
+  m_pairs.process({&m_highPass[0], 1}, {&m_highPass[1], 1}, n, horn1, horn2);
+  m_drumLowPass.process({drum.data(), static_cast<std::size_t>(n)}, m_drumPole);
+  const kernels::MixFilters filters{horn1.data(), horn2.data(), drum.data(),
+                                    s[Smoothed::HornHighPassOn].data(),
+                                    s[Smoothed::DrumLowPassOn].data()};
+  m_kernels.mixOutput(signals, gains, filters, left.data(), right.data(), n);
 }
 
 } // namespace qlx::engine

@@ -22,12 +22,13 @@ class OutputStage {
   void setDrumLowPass(double hz) noexcept;
 
   /// n samples of both horn microphones and the drum; writes the mix to `left` and `right`.
-  void process(RunBuffer& horn1, RunBuffer& horn2, const RunBuffer& drum,
+  void process(const kernels::MixSignals& signals, const kernels::MixGains& gains,
                const SmoothedRun& settings, int n, RunBuffer& left, RunBuffer& right) noexcept;
 
  private:
   double inRange(double hz) const noexcept;
 
+  const kernels::Kernels& m_kernels;
   PairRunner m_pairs;
   std::array<Biquad, 2> m_highPass; ///< microphone 1, 2
   OnePole m_drumLowPass;

@@ -104,7 +104,7 @@ void RotorNoisePlayer::addSwitchSound(std::span<double> run) noexcept {
 
 void RotorNoisePlayer::finish(double level, std::span<double> run) noexcept {
   m_bandPass.processGlide(run);
-  for (double& x : run) x = x * m_distanceGain * level;
+  for (double& x : run) x *= gain(level);
 }
 
 HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
@@ -138,6 +138,12 @@ void HornNoisePlayer::setMicDistance(double metres) noexcept {
 
 void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
                               std::span<double> out) noexcept {
+  read(speeds, micAngle, out);
+  finish(level, out);
+}
+
+void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
+                           std::span<double> out) noexcept {
   constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
   const double place = micAngle / kHornFastTurns + m_turnOffset;
   const auto n = static_cast<int>(speeds.size());
@@ -163,7 +169,6 @@ void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, d
                        readings.fastGain.data(), sum.data(), n);
   std::copy_n(sum.begin(), n, out.begin());
   addSwitchSound(out);
-  finish(level, out);
 }
 
 DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings,

@@ -69,6 +69,10 @@ class RotorNoisePlayer {
   void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
   void trigger() noexcept { m_switchSound.trigger(); }
 
+  /// The band-pass that follows the recordings, and the gain behind it at a level.
+  Biquad& bandPass() noexcept { return m_bandPass; }
+  double gain(double level) const noexcept { return m_distanceGain * level; }
+
  protected:
   /// Where the recordings are read and how loud, a sample of the stretch each.
   struct Readings {
@@ -112,8 +116,11 @@ class HornNoisePlayer : public RotorNoisePlayer {
   void clear() noexcept; ///< phases and switching sound
   void setMicDistance(double metres) noexcept;
 
-  /// One sample per entry of `speeds` (revolutions a sample, at most kRun) into `out`; `micAngle`
-  /// in turns, `level` linear.
+  /// The recordings alone: one sample per entry of `speeds` (revolutions a sample, at most kRun)
+  /// into `out`; `micAngle` in turns.
+  void read(std::span<const double> speeds, double micAngle, std::span<double> out) noexcept;
+
+  /// The same with band-pass and gain at a level.
   void process(std::span<const double> speeds, double micAngle, double level,
                std::span<double> out) noexcept;
 

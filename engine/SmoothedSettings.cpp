@@ -11,9 +11,8 @@ namespace {
 constexpr double kSeconds = 0.03000000142492354;
 constexpr double kDriveSeconds = 0.10000000474974513;
 
-/// Distance, relative to the value, at which a setting has arrived: far below what single precision
-/// can tell.
-constexpr double kArrived = 1e-13;
+/// Distance, relative to the value, at which a setting has arrived: 200 dB below what it sets.
+constexpr double kArrived = 1e-10;
 
 } // namespace
 

@@ -117,11 +117,11 @@ void SpeakerFeeds::differentiate(const RunBuffer& x, const RunBuffer& hornGain, 
                                  Output& out) noexcept {
   double state = m_differentiator, previous = m_previous;
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-    state = flushed(state * m_pole + (x[k] - previous));
+    state = state * m_pole + (x[k] - previous);
     previous = x[k];
     out.horn[k] = out.reducedHorn[k] = state * hornGain[k];
   }
-  m_differentiator = state;
+  m_differentiator = flushed(state);
   m_previous = previous;
 }
 

@@ -1,3 +1,4 @@
+#include "engine/kernels/MixKernels.h"
 #include "engine/kernels/NoiseKernels.h"
 #include "engine/kernels/RayKernels.h"
 #include "engine/kernels/SeriesKernels.h"
@@ -8,6 +9,7 @@ namespace qlx::engine::kernels {
 const Kernels kAvx2Kernels = {"avx2",     hornRays,    drumRays,      reducedRays, restHorn,
                               restDrum,   fixedPair,   pairTaps,      body,        reducedBody,
                               pairSeries, chainSeries, limitedChains, loopRead,    noiseTreble,
-                              restTreble, roomSide,    fir,           tube,        transistor};
+                              restTreble, roomSide,    mixSends,      mixRoom,     mixOutput,
+                              fir,        tube,        transistor};
 
 } // namespace qlx::engine::kernels

@@ -169,6 +169,27 @@ struct RoomSide {
 
 inline constexpr int kFirTaps = 32;
 
+/// Signals of one stretch at the microphones.
+struct MixSignals {
+  double *horn1, *horn2, *drum;
+  double *noise1, *noise2, *drumNoise; ///< of the motors; noise1 and noise2 become each side's own
+  const double *toHorns, *hornEcho, *toDrum;
+};
+
+/// Their gains, one value a sample.
+struct MixGains {
+  const double *horn, *microphone2, *drum;
+  const double *pan1Left, *pan1Right, *pan2Left, *pan2Right, *drumLeft, *drumRight;
+  const double *noiseA, *noiseB;
+  double hornLevel, noiseSend;
+};
+
+/// The filtered microphones and how much of them is taken, one value a sample.
+struct MixFilters {
+  const double *horn1, *horn2, *drum;
+  const double *hornShare, *drumShare;
+};
+
 /// The kernels of one instruction set. All work in the memory they are given, on the audio thread.
 struct Kernels {
   const char* name;
@@ -215,6 +236,16 @@ struct Kernels {
 
   /// Writes the sum of a side's taps over n samples.
   void (*roomSide)(RoomSide& side, double* out, int n);
+
+  /// Sets the microphones' levels, shares out the noise and writes what goes into the room.
+  void (*mixSends)(const MixSignals& signals, const MixGains& gains, double* sendLeft,
+                   double* sendRight, int n);
+  /// Adds the room, by its level at the two horn microphones and the drum's, and the noise.
+  void (*mixRoom)(const MixSignals& signals, const MixGains& gains, const double* left,
+                  const double* right, const double* levels, int n);
+  /// The microphones' panorama.
+  void (*mixOutput)(const MixSignals& signals, const MixGains& gains, const MixFilters& filters,
+                    double* left, double* right, int n);
 
   /// Low-pass of kFirTaps taps, the last of the table on the newest sample; `past` stands on the
   /// oldest sample that the first output needs. Outputs are `step` samples apart.

@@ -136,11 +136,10 @@ inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int
 template <int N>
 inline void bounce(RayLanes<N>& rays, int lane, int n, const Lanes* x, const Lanes* level,
                    Lanes* sum) {
-  const Lanes pole = load(rays.bouncePole + lane);
+  const Lanes pole = load(rays.bouncePole + lane), rest = 1.0 - pole;
   Lanes state = load(rays.bounce + lane);
   for (int j = 0; j < n; ++j) {
-    const Lanes y = x[j] * level[j];
-    state = (state - y) * pole + y;
+    state = state * pole + x[j] * level[j] * rest;
     sum[j] += state;
   }
   store(rays.bounce + lane, withoutTraces(state, 1e-24));
@@ -228,7 +227,7 @@ void drumRays(DrumBank& bank, int lanes, const RayPass& pass, double* out) {
     trace(bank.rays, lane, begin, pass.n, bank.lowestSine, x, level);
     Lanes low = load(bank.lowBand + lane);
     for (int j = 0; j < pass.n; ++j) {
-      low = (low - x[j]) * bank.splitterPole + x[j];
+      low = low * bank.splitterPole + x[j] * (1.0 - bank.splitterPole);
       x[j] -= low;
     }
     store(bank.lowBand + lane, withoutTraces(low, 1e-24));
@@ -291,8 +290,8 @@ void reducedRays(ReducedBank& bank, const RayPass& horn, const RayPass& drum, do
         tune(j, ofDrum);
         nextDrum += drum.updateInterval;
       }
-      pole = (pole - wanted) * bank.smoothing + wanted;
-      state = (state - x[j]) * pole + x[j];
+      pole = pole * bank.smoothing + wanted * (1.0 - bank.smoothing);
+      state = state * pole + (x[j] - x[j] * pole);
       x[j] = state;
     }
     store(bank.pole + lane, pole);
@@ -313,12 +312,13 @@ void fixedPair(FixedPair& fixed, double* pairs, int n) {
   };
   const __m128d w0 = _mm_loadu_pd(fixed.weight[0]), w1 = _mm_loadu_pd(fixed.weight[1]);
   const __m128d w2 = _mm_loadu_pd(fixed.weight[2]), w3 = _mm_loadu_pd(fixed.weight[3]);
-  const __m128d pole = _mm_loadu_pd(fixed.pole), gain = _mm_loadu_pd(fixed.gain);
+  const __m128d pole = _mm_loadu_pd(fixed.pole), rest = 1.0 - pole;
+  const __m128d gain = _mm_loadu_pd(fixed.gain);
   __m128d state = _mm_loadu_pd(fixed.state);
   for (int j = 0; j < n; ++j) {
     const __m128d x = (w0 * both(fixed.first, j) + w1 * both(fixed.first, j + 1)) +
                       (w2 * both(fixed.first, j + 2) + w3 * both(fixed.first, j + 3));
-    state = (state - x) * pole + x;
+    state = state * pole + x * rest;
     _mm_storeu_pd(pairs + 2 * j, _mm_loadu_pd(pairs + 2 * j) + state * gain);
   }
   for (int k = 0; k < 2; ++k)

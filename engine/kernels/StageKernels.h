@@ -8,8 +8,9 @@ namespace {
 void roomSide(RoomSide& side, double* out, int n) {
   Lanes sum[kLongestRun + 4] = {};
   for (int tap = 0; tap < RoomSide::kTaps; tap += kWidth) {
-    const Lanes older = load(side.older + tap), newer = load(side.newer + tap);
-    const Lanes pole = load(side.pole + tap);
+    // A tap's line and low-pass y = (y' - x) p + x in one.
+    const Lanes pole = load(side.pole + tap), rest = 1.0 - pole;
+    const Lanes older = load(side.older + tap) * rest, newer = load(side.newer + tap) * rest;
     Lanes state = load(side.state + tap);
     const auto four = [&](int j) {
       const double* at[kWidth];
@@ -18,8 +19,7 @@ void roomSide(RoomSide& side, double* out, int n) {
     };
     const auto add = [&](int j, Lanes here, Lanes next) {
       if (j >= n) return;
-      const Lanes x = older * here + newer * next;
-      state = (state - x) * pole + x;
+      state = state * pole + (older * here + newer * next);
       sum[j] += state;
     };
     Quad here = four(0);
