@@ -35,9 +35,12 @@ std::vector<RotorMove> rotorMoves(const RotorTrace& trace, std::span<const doubl
     if (i > 0 && std::abs(way) >= kSmallestChange) {
       // Time spent between the two is not disturbed by the trace's wavering, as crossings would be.
       double seconds = 0.0;
-      for (double now = from; now < to; now += RotorTrace::kStepSeconds)
+      const auto steps = static_cast<int>((to - from) / RotorTrace::kStepSeconds);
+      for (int step = 0; step < steps; ++step) {
+        const double now = from + step * RotorTrace::kStepSeconds;
         if (const double gone = (trace.speed(now) - before) / way; gone >= 0.1 && gone < 0.9)
           seconds += RotorTrace::kStepSeconds;
+      }
       move.tenToNinety = seconds;
       const double earlier = meanSpeed(trace, to - 2.0 * last, to - last);
       move.settled = std::abs(move.reached - earlier) < kSettledPart * std::abs(way);

@@ -124,8 +124,8 @@ double RotorTrace::evenPeriod(std::size_t first, std::size_t count) const {
   while (lowest + 1 != unlike.end() && *(lowest + 1) < *lowest) ++lowest;
   auto turn = static_cast<double>(lowest - unlike.begin());
   // The same view many turns later divides the error by their number.
-  const double turns = std::floor(0.6 * static_cast<double>(count) / turn);
-  for (double n = 1.0; n <= turns; n += 1.0) {
+  const auto turns = static_cast<int>(0.6 * static_cast<double>(count) / turn);
+  for (int n = 1; n <= turns; ++n) {
     const auto apart = static_cast<std::size_t>(std::llround(n * turn));
     std::array<double, 3> around{};
     std::size_t middle = apart;

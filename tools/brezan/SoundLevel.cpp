@@ -34,11 +34,13 @@ std::vector<Stretch> restsOf(std::span<const std::vector<double>> channels, doub
   const auto close = [&](double to) {
     if (to - from >= shortest) rests.push_back({from, to});
   };
-  for (double now = 0.0; now < end; now += kStep)
+  for (int step = 0; step * kStep < end; ++step) {
+    const double now = step * kStep;
     if (levelBetween(channels, rate, now, now + kStep).rms >= threshold) {
       close(now);
       from = now + kStep;
     }
+  }
   close(end);
   return rests;
 }
