@@ -21,26 +21,20 @@ constexpr std::array<std::size_t, HornMicrophone::kRayCount> kRayOfLane = {0, 1,
                                                                            8, 9, 10, 11, 6, 7};
 constexpr int kLanesWithoutSides = 20;
 
-struct PeakRows {
+/// Peak and shelf in one table; the shelf's, coarser by half, is put between its own entries.
+struct MouthColour {
   MouthRows<37> row{};
-  constexpr PeakRows() {
+  constexpr MouthColour() {
     for (std::size_t i = 0; i < 38; ++i) {
       const std::size_t k = i < 37 ? i : 1;
       row[i][0] = kHornPeakHz[k];
       row[i][1] = kHornPeakQ[k];
       row[i][2] = kHornPeakDb[k];
+      row[i][3] = 0.5 * (kHornShelfDb[k / 2] + kHornShelfDb[(k + 1) / 2]);
     }
   }
 };
-constexpr PeakRows kPeakRows;
-
-struct ShelfRows {
-  MouthRows<19> row{};
-  constexpr ShelfRows() {
-    for (std::size_t i = 0; i < 20; ++i) row[i][2] = kHornShelfDb[i < 19 ? i : 1];
-  }
-};
-constexpr ShelfRows kShelfRows;
+constexpr MouthColour kMouthColour;
 
 } // namespace
 
@@ -49,8 +43,7 @@ HornModel::HornModel(const HornSettings& settings, const Recordings& recordings,
     : m_settings(settings),
       m_kernels(kernels), m_microphones{{{settings, recordings, kernels, 0},
                                          {settings, recordings, kernels, 1}}} {
-  m_bank.peakTable = {kPeakRows.row, 36};
-  m_bank.shelfTable = {kShelfRows.row, 18};
+  m_bank.table = {kMouthColour.row, 36};
   m_bank.shelfHz = kHornShelfHz;
   m_bank.shelfQ = kHornShelfQ;
 }

@@ -63,7 +63,7 @@ void clearMemory(kernels::GlideLanes<N>& lanes) noexcept {
   for (double* memory : {lanes.x1, lanes.x2, lanes.y1, lanes.y2}) std::fill_n(memory, N, 0.0);
 }
 
-/// Rows (Hz, Q, dB, 0) of a table over the mouth's angle, the second once more behind the last.
+/// Rows (Hz, Q, dB, dB) of a table over the mouth's angle, the second once more behind the last.
 template <std::size_t N>
 using MouthRows = double[N + 1][4];
 

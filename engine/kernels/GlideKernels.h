@@ -22,7 +22,7 @@ inline Quad readMouth(const MouthTable& table, Lanes place) {
   }
   const Quad a = loadQuad(here), b = loadQuad(next);
   return {a.p0 + (b.p0 - a.p0) * at.fraction, a.p1 + (b.p1 - a.p1) * at.fraction,
-          a.p2 + (b.p2 - a.p2) * at.fraction, a.p3};
+          a.p2 + (b.p2 - a.p2) * at.fraction, a.p3 + (b.p3 - a.p3) * at.fraction};
 }
 
 /// Amplitude of half the decibels.
@@ -39,32 +39,31 @@ inline Tuned tuned(double angularRate, double edgeHz, Lanes hz, Lanes q, double 
   return {cosineOfHalf(w), sineOfHalf(w), q * (1.0 - power(hz * (1.0 / edgeHz), exponent))};
 }
 
-/// Real and imaginary parts of the roots of k0 z^2 + k1 z + k2: real1, real2, +-imag.
+/// Roots of k0 z^2 + k1 z + k2: middle +- apart, or middle +- i imag.
 struct RootLanes {
-  Lanes real1, real2, imag;
+  Lanes middle, apart, imag;
 };
 
 inline RootLanes rootsOf(Lanes k0, Lanes k1, Lanes k2) {
   const Lanes scale = 0.5 / k0;
   const Lanes discriminant = k1 * k1 - 4.0 * k0 * k2;
-  const Lanes half = root(absolute(discriminant)) * scale, middle = -k1 * scale;
+  const Lanes half = root(absolute(discriminant)) * scale;
   const LaneBits isReal = discriminant >= 0.0;
-  const Lanes apart = select(isReal, half, Lanes{});
-  return {middle + apart, middle - apart, select(isReal, Lanes{}, half)};
+  return {-k1 * scale, select(isReal, half, Lanes{}), select(isReal, Lanes{}, half)};
 }
 
 /// Numerator and denominator of a section, normalised or not.
 struct Design {
   Lanes a[3], b[3];
 
-  /// What glides: zeros, poles and gain, in the order of GlideLanes::Root.
+  /// What glides, in the order of GlideLanes::Root.
   void roots(Lanes (&target)[7]) const {
     const RootLanes zeros = rootsOf(b[0], b[1], b[2]), poles = rootsOf(a[0], a[1], a[2]);
-    target[0] = zeros.real1;
-    target[1] = zeros.real2;
+    target[0] = zeros.middle;
+    target[1] = zeros.apart;
     target[2] = zeros.imag;
-    target[3] = poles.real1;
-    target[4] = poles.real2;
+    target[3] = poles.middle;
+    target[4] = poles.apart;
     target[5] = poles.imag;
     target[6] = b[0] / a[0];
   }
@@ -76,8 +75,9 @@ inline Design peakDesign(const Tuned& t, Lanes db) {
   return {{1.0 + down, -2.0 * t.c, 1.0 - down}, {1.0 + up, -2.0 * t.c, 1.0 - up}};
 }
 
-inline Design highShelfDesign(const Tuned& t, Lanes db) {
-  const Lanes A = halfGain(db), c = -t.c, width = t.s * root(A) / t.q;
+/// `slope` is the sine of the frequency over the Q.
+inline Design highShelfDesign(Lanes cosine, Lanes slope, Lanes db) {
+  const Lanes A = halfGain(db), c = -cosine, width = slope * root(A);
   const Lanes more = A + 1.0, less = A - 1.0;
   return {
       {more + less * c + width, 2.0 * (less + more * c), more + less * c - width},
@@ -123,30 +123,30 @@ struct Parabola {
   }
 };
 
-/// The sum of a real pair and the product of a pair of roots that all move in straight lines.
+/// Sum and product of a pair of roots that moves in straight lines.
 struct MovingPair {
   Lanes sum, sumStep;
   Parabola product;
 
   template <int N>
   MovingPair(const double (&root)[7][N], const double (&step)[7][N], int first, int lane)
-      : sum(load(root[first] + lane) + load(root[first + 1] + lane)),
-        sumStep(load(step[first] + lane) + load(step[first + 1] + lane)),
-        product(load(root[first] + lane) * load(root[first + 1] + lane) +
-                    load(root[first + 2] + lane) * load(root[first + 2] + lane),
-                load(root[first] + lane) * load(step[first + 1] + lane) +
-                    load(root[first + 1] + lane) * load(step[first] + lane) +
-                    2.0 * load(root[first + 2] + lane) * load(step[first + 2] + lane),
-                load(step[first] + lane) * load(step[first + 1] + lane) +
-                    load(step[first + 2] + lane) * load(step[first + 2] + lane)) {}
+      : MovingPair(load(root[first] + lane), load(root[first + 1] + lane),
+                   load(root[first + 2] + lane), load(step[first] + lane),
+                   load(step[first + 1] + lane), load(step[first + 2] + lane)) {}
+
+  MovingPair(Lanes middle, Lanes apart, Lanes imag, Lanes dMiddle, Lanes dApart, Lanes dImag)
+      : sum(2.0 * middle), sumStep(2.0 * dMiddle),
+        product(middle * middle - apart * apart + imag * imag,
+                2.0 * (middle * dMiddle - apart * dApart + imag * dImag),
+                dMiddle * dMiddle - dApart * dApart + dImag * dImag) {}
 };
 
 /// One vector of sections over n samples in place; the roots move before every sample.
 template <int N>
 inline void runGlide(GlideLanes<N>& g, int lane, Lanes* run, int n) {
   using G = GlideLanes<N>;
-  MovingPair zeros(g.root, g.increment, G::kZero1, lane);
-  MovingPair poles(g.root, g.increment, G::kPole1, lane);
+  MovingPair zeros(g.root, g.increment, G::kZeroMiddle, lane);
+  MovingPair poles(g.root, g.increment, G::kPoleMiddle, lane);
   Lanes gain = load(g.root[G::kGain] + lane);
   const Lanes gainStep = load(g.increment[G::kGain] + lane);
   Lanes x1 = load(g.x1 + lane), x2 = load(g.x2 + lane);

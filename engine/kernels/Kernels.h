@@ -43,10 +43,20 @@ struct RayLanes {
   int line[N], levels[N];
 };
 
-/// Second-order sections whose poles, zeros and gain move in straight lines, one lane each.
+/// Second-order sections whose poles, zeros and gain move in straight lines, one lane each. A pair
+/// of roots is kept as its middle and what it lies apart on the real axis or across it.
 template <int N>
 struct GlideLanes {
-  enum Root { kZero1, kZero2, kZeroImag, kPole1, kPole2, kPoleImag, kGain, kRootCount };
+  enum Root {
+    kZeroMiddle,
+    kZeroApart,
+    kZeroImag,
+    kPoleMiddle,
+    kPoleApart,
+    kPoleImag,
+    kGain,
+    kRootCount
+  };
   double root[kRootCount][N];
   double increment[kRootCount][N];
   double x1[N], x2[N], y1[N], y2[N];
@@ -55,7 +65,7 @@ struct GlideLanes {
   double share;       ///< of the way that a sample covers
 };
 
-/// How a mouth colours a ray over the angle: rows of (Hz, Q, dB, 0), one turn from end to end, the
+/// How a mouth colours a ray over the angle: rows of (Hz, Q, dB, dB), one turn from end to end, the
 /// second row once more behind the last.
 struct MouthTable {
   const double (*row)[4];
@@ -66,9 +76,9 @@ inline constexpr int kHornLanes = 24; ///< lane = 2 x ray + microphone
 struct HornBank {
   alignas(64) RayLanes<kHornLanes> rays;
   GlideLanes<kHornLanes> peak, shelf;
-  MouthTable peakTable, shelfTable;
+  MouthTable table; ///< of the peak, and in the fourth column the shelf's dB
   double shelfHz, shelfQ;
-  double shelfCosine, shelfSine, shelfWarpedQ; ///< the same as restHorn tunes it
+  double shelfCosine, shelfSlope; ///< of the shelf as restHorn tunes it: cosine, sine over Q
 };
 
 inline constexpr int kDrumLanes =

@@ -22,10 +22,9 @@ inline void designTreble(const NoiseTreble& t, Lanes lowPassHz, Lanes shelfHz, L
   lowPassDesign(
       tuned(t.angularRate, t.lowPassEdge, inRange(lowPassHz), all(kSlowLowPassQ), kLowPassWarp))
       .roots(lowPass);
-  highShelfDesign(
-      tuned(t.angularRate, t.shelfEdge, inRange(shelfHz), all(kFastShelfQ), kHighShelfWarp),
-      shelfDb)
-      .roots(shelf);
+  const Tuned shelfTuned =
+      tuned(t.angularRate, t.shelfEdge, inRange(shelfHz), all(kFastShelfQ), kHighShelfWarp);
+  highShelfDesign(shelfTuned.c, shelfTuned.s / shelfTuned.q, shelfDb).roots(shelf);
   for (int i = 0; i < 7; ++i) {
     for (int lane = 0; lane < kWidth; ++lane) {
       target[lane][2 * i] = lowPass[i][lane];
@@ -82,10 +81,10 @@ struct TrebleSections {
 
   void place(const NoiseTreble& t) {
     const auto root = [&](int i) { return _mm_loadu_pd(t.root + 2 * i); };
-    zeros = root(0) + root(1);
-    zeroProduct = root(0) * root(1) + root(2) * root(2);
-    poles = root(3) + root(4);
-    poleProduct = root(3) * root(4) + root(5) * root(5);
+    zeros = 2.0 * root(0);
+    zeroProduct = root(0) * root(0) - root(1) * root(1) + root(2) * root(2);
+    poles = 2.0 * root(3);
+    poleProduct = root(3) * root(3) - root(4) * root(4) + root(5) * root(5);
     gain = root(6);
   }
 

@@ -118,18 +118,18 @@ inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int
   const ArrivingAngles angles(rays, lane, begin);
   // The four points begin one before the place; two lengths more keep it positive.
   const Lanes first = begin.position() + (2.0 * kLineSize - 1.0);
-  const auto traceOne = [&](int j, Lanes angle) {
-    const Lanes sine = larger(warp.sine(angle), all(lowestSine));
-    x[j] = arrival.sound(sine, first + static_cast<double>(j));
-    level[j] = arrival.level(sine);
-  };
+  // One step for the whole stretch at a time: short chains of dependent operations keep the
+  // processor busy.
+  Lanes sine[kBuffer];
   for (int j = 0; j < n; j += 4) {
     const Quad angle = angles.four(j);
-    traceOne(j, angle.p0);
-    traceOne(j + 1, angle.p1);
-    traceOne(j + 2, angle.p2);
-    traceOne(j + 3, angle.p3);
+    sine[j] = larger(warp.sine(angle.p0), all(lowestSine));
+    sine[j + 1] = larger(warp.sine(angle.p1), all(lowestSine));
+    sine[j + 2] = larger(warp.sine(angle.p2), all(lowestSine));
+    sine[j + 3] = larger(warp.sine(angle.p3), all(lowestSine));
   }
+  for (int j = 0; j < n; ++j) x[j] = arrival.sound(sine[j], first + static_cast<double>(j));
+  for (int j = 0; j < n; ++j) level[j] = arrival.level(sine[j]);
 }
 
 /// Applies level and the treble that bounces lose; returns the sum to `sum`.
@@ -172,12 +172,10 @@ void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
         pass,
         [&](int j) {
           const Lanes place = 1.0 - warp.tablePlace(angles.at(j));
-          const Quad mouth = readMouth(bank.peakTable, place);
+          const Quad mouth = readMouth(bank.table, place);
           tunePeak(bank.peak, lane, mouth.p0, mouth.p1, mouth.p2);
-          approach(
-              bank.shelf, lane,
-              highShelfDesign({all(bank.shelfCosine), all(bank.shelfSine), all(bank.shelfWarpedQ)},
-                              readMouth(bank.shelfTable, place).p2));
+          approach(bank.shelf, lane,
+                   highShelfDesign(all(bank.shelfCosine), all(bank.shelfSlope), mouth.p3));
         },
         [&](int from, int to) {
           runGlide(bank.peak, lane, x + from, to - from);
@@ -201,12 +199,12 @@ void restHorn(HornBank& bank) {
   const Tuned shelf = tuned(bank.shelf.angularRate, bank.shelf.edgeHz, all(bank.shelfHz),
                             all(bank.shelfQ), kHighShelfWarp);
   bank.shelfCosine = shelf.c[0];
-  bank.shelfSine = shelf.s[0];
-  bank.shelfWarpedQ = shelf.q[0];
+  bank.shelfSlope = shelf.s[0] / shelf.q[0];
   for (int lane = 0; lane < kHornLanes; lane += kWidth) {
-    const Quad mouth = readMouth(bank.peakTable, Lanes{});
+    const Quad mouth = readMouth(bank.table, Lanes{});
     tunePeak(bank.peak, lane, mouth.p0, mouth.p1, mouth.p2);
-    approach(bank.shelf, lane, highShelfDesign(shelf, readMouth(bank.shelfTable, Lanes{}).p2));
+    approach(bank.shelf, lane,
+             highShelfDesign(all(bank.shelfCosine), all(bank.shelfSlope), mouth.p3));
     arrive(bank.peak, lane);
     arrive(bank.shelf, lane);
   }
