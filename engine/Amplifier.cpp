@@ -54,8 +54,8 @@ void Amplifier::clearFilters() noexcept {
 
 void Amplifier::setTone(Tone tone, double db) noexcept {
   const auto i = static_cast<std::size_t>(tone);
-  m_tone[i].setFrequencyQGain(kTone[i].hz, db <= 0.0 ? kTone[i].q : kTone[i].boostQ,
-                              db * kTone[i].share);
+  const double q = db <= 0.0 ? kTone[i].q : kTone[i].boostQ, gain = db * kTone[i].share;
+  if (!m_tone[i].standsAt(kTone[i].hz, q, gain)) m_tone[i].setFrequencyQGain(kTone[i].hz, q, gain);
 }
 
 void Amplifier::process(const SmoothedRun& settings, int n, RunBuffer& run) noexcept {

@@ -62,6 +62,10 @@ class Biquad {
   void setFrequencyQGain(double hz, double q,
                          double db) noexcept; ///< as given, for callers that keep the range
   void setGainDb(double db) noexcept;         ///< limited to -1000 .. 1000
+  /// True where a setter with these values would change nothing: they are set and no glide runs.
+  bool standsAt(double hz, double q, double db) const noexcept {
+    return isSettled() && hz == m_frequency && q == m_q && db == m_gainDb;
+  }
   void setEnabled(bool on) noexcept;
   void setInstantUpdate(bool on) noexcept;
 

@@ -59,8 +59,8 @@ void Cabinet::setDrumFlip(double sign) noexcept {
 
 void Cabinet::setColor(double midDb, double lowDb) noexcept {
   for (ColorFilters& color : m_color) {
-    color[0].setGainDb(midDb);
-    color[1].setGainDb(lowDb);
+    if (!color[0].standsAt(kColorMidHz, kColorMidQ, midDb)) color[0].setGainDb(midDb);
+    if (!color[1].standsAt(kColorLowHz, kColorLowQ, lowDb)) color[1].setGainDb(lowDb);
   }
 }
 

@@ -89,9 +89,10 @@ struct Arrival {
         levelScale(load(r.levelScale + l)), lowestLevel(load(r.lowestLevel + l)),
         gain(load(r.gain + l)), line(loadWhole(r.line + l)), levels(loadWhole(r.levels + l)) {}
 
-  /// `position` of the sample in the lines, one to two lengths beyond the first.
-  Lanes sound(Lanes sine, Lanes position) const {
-    const Lanes back = position - (delay + swing * sine);
+  /// `direct`: where the sound would come from without the movement, one to two lengths beyond the
+  /// beginning of the lines.
+  Lanes sound(Lanes sine, Lanes direct) const {
+    const Lanes back = direct - swing * sine;
     const WholeLanes whole = truncated(back);
     const WholeLanes index =
         _mm_add_epi32(_mm_and_si128(whole, _mm_set1_epi32(kLineSize - 1)), line);
@@ -117,7 +118,7 @@ inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int
   const Arrival<N> arrival(rays, lane);
   const ArrivingAngles angles(rays, lane, begin);
   // The four points begin one before the place; two lengths more keep it positive.
-  const Lanes first = begin.position() + (2.0 * kLineSize - 1.0);
+  Lanes direct = begin.position() + (2.0 * kLineSize - 1.0) - arrival.delay;
   // One step for the whole stretch at a time: short chains of dependent operations keep the
   // processor busy.
   Lanes sine[kBuffer];
@@ -128,7 +129,10 @@ inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int
     sine[j + 2] = larger(warp.sine(angle.p2), all(lowestSine));
     sine[j + 3] = larger(warp.sine(angle.p3), all(lowestSine));
   }
-  for (int j = 0; j < n; ++j) x[j] = arrival.sound(sine[j], first + static_cast<double>(j));
+  for (int j = 0; j < n; ++j) {
+    x[j] = arrival.sound(sine[j], direct);
+    direct += 1.0;
+  }
   for (int j = 0; j < n; ++j) level[j] = arrival.level(sine[j]);
 }
 
