@@ -18,14 +18,8 @@ constexpr double kFixedFlush = 1e-17;
 /// used plainly.
 constexpr std::array<double, 11> kQWarpExponent = {0, 6, 0, 3.5, 2.8, 2.8, 2.8, 4, 8, 0, 0};
 
-/// What the designs share: frequency on the unit circle, shelf and peak gain, bandwidth.
-struct DesignInput {
-  double c, s;     // cosine and sine of the frequency
-  double gain;     // amplitude at half the wanted decibels
-  double q, alpha; // warped Q and the bandwidth term s / (2 Q)
-};
-
 using Coefficients = Biquad::Coefficients;
+using DesignInput = Biquad::DesignInput;
 
 Coefficients normalised(double a0, double a1, double a2, double b0, double b1, double b2) {
   return {a1 / a0, a2 / a0, b0 / a0, b1 / a0, b2 / a0};
@@ -194,18 +188,30 @@ void Biquad::setSaturationOffset(double offset) noexcept {
   m_saturationOffset = std::clamp(offset, -0.25, 0.25);
 }
 
+void Biquad::placeFrequency() noexcept {
+  // Most settings that move are gains: the frequency's place on the circle is kept.
+  const std::array<double, 3> place = {m_sampleRate, m_frequency, m_q};
+  if (place == m_placed && m_response == m_placedResponse) return;
+  m_placed = place;
+  m_placedResponse = m_response;
+  const double w = kTwoPi * m_frequency / m_sampleRate;
+  m_design.c = std::cos(w);
+  m_design.s = std::sin(w);
+  m_design.q = m_q;
+  const double exponent = kQWarpExponent[static_cast<std::size_t>(m_response)];
+  if (exponent > 0) {
+    const double edge = (m_response == Response::LowPass ? 0.50001 : 0.5001) * m_sampleRate;
+    m_design.q = m_q * (1.0 - std::pow(m_frequency / edge, exponent));
+  }
+  m_design.alpha = m_design.s / (2.0 * m_design.q);
+}
+
 void Biquad::recompute() noexcept {
   m_target = {};
   if (m_enabled && m_response != Response::PassThrough) {
-    const double w = kTwoPi * m_frequency / m_sampleRate;
-    DesignInput d{std::cos(w), std::sin(w), std::pow(10.0, m_gainDb * 0.025), m_q, 0};
-    const double exponent = kQWarpExponent[static_cast<std::size_t>(m_response)];
-    if (exponent > 0) {
-      const double edge = (m_response == Response::LowPass ? 0.50001 : 0.5001) * m_sampleRate;
-      d.q = m_q * (1.0 - std::pow(m_frequency / edge, exponent));
-    }
-    d.alpha = d.s / (2.0 * d.q);
-    m_target = design(m_response, d);
+    m_design.gain = std::pow(10.0, m_gainDb * 0.025);
+    placeFrequency();
+    m_target = design(m_response, m_design);
   }
   const RootPair zeros = rootsOf(m_target.b0, m_target.b1, m_target.b2);
   const RootPair poles = rootsOf(1.0, m_target.a1, m_target.a2);

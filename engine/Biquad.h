@@ -90,6 +90,13 @@ class Biquad {
   };
   const Coefficients& target() const noexcept { return m_target; }
 
+  /// What the designs share: frequency on the unit circle, shelf and peak gain, bandwidth.
+  struct DesignInput {
+    double c = 1.0, s = 0.0;     ///< cosine and sine of the frequency
+    double gain = 1.0;           ///< amplitude at half the wanted decibels
+    double q = 1.0, alpha = 0.0; ///< warped Q and the bandwidth term s / (2 Q)
+  };
+
   /// Samples until the running glide arrives.
   int glideRemaining() const noexcept { return m_glideRemaining; }
 
@@ -129,6 +136,7 @@ class Biquad {
   using Roots = std::array<double, kRootCount>;
 
   void recompute() noexcept;
+  void placeFrequency() noexcept;
   void startGlide() noexcept;
   void snapGlide() noexcept;
   void stepGlide() noexcept;
@@ -146,6 +154,9 @@ class Biquad {
   bool m_enabled = false;
   bool m_instantUpdate = true;
 
+  DesignInput m_design;
+  std::array<double, 3> m_placed{}; ///< rate, frequency and Q of the design
+  Response m_placedResponse = Response::PassThrough;
   Coefficients m_target;
   Coefficients m_running;
   Roots m_currentRoots{};
