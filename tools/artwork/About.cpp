@@ -139,7 +139,9 @@ void drawWindowOf(Canvas& canvas, const Box& window, Seen (*seenAt)(Point), cons
   // Slats: rounded on top, throwing the gap below them into shade.
   const double slats = std::floor((window.height() - kGap) / kSlatPitch);
   const double first = window.top + 0.5 * (window.height() - slats * kSlatPitch + kGap);
-  for (double top = first; top < window.bottom - kGap; top += kSlatPitch) {
+  const auto count = static_cast<int>(std::ceil((window.bottom - kGap - first) / kSlatPitch));
+  for (int i = 0; i < count; ++i) {
+    const double top = first + i * kSlatPitch;
     const Mask gapShade = Slab{static_cast<double>(window.left), top + kSlatHeight,
                                static_cast<double>(window.right), top + kSlatHeight + 3.0, 0.1}
                               .mask(canvas)

@@ -43,7 +43,7 @@ void drawDrumEmblem(Canvas& canvas, double x, double y) {
 
 /// The opening of a slot pressed into the panel, its lips already drawn.
 Mask pressedSlot(Canvas& canvas, const Slab& place) {
-  const Mask opening = place.mask(canvas);
+  Mask opening = place.mask(canvas);
   canvas.fill(opening.moved(0, 1).without(opening), srgb(0x4a4541), 0.8);
   canvas.fill(opening.moved(0, -1.5).blurred(0.8).without(opening), {}, 0.6);
   return opening;
@@ -101,7 +101,8 @@ void drawNamePlate(Frame& frame) {
 void drawVents(Frame& frame) {
   Canvas& canvas = frame.canvas;
   // Louvres beside the plate, where the valves' warmth shows.
-  for (double y = 140.0; y < 176.0; y += 8.0) {
+  for (int i = 0; i < 5; ++i) {
+    const double y = 140.0 + 8.0 * i;
     const Mask opening = pressedSlot(canvas, {204.0, y, 308.0, y + 4.0, 2.0});
     canvas.paint(opening, [&](Point p) {
       auto valve = [&](double x) {
