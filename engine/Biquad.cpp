@@ -96,7 +96,7 @@ void Biquad::init(double sampleRate, Response response, double hz, double q,
   m_enabled = false;
   m_instantUpdate = true;
   m_glideSteps = sectionGlideSteps(sampleRate);
-  m_target = m_running = {};
+  m_target = {};
   m_currentRoots = m_targetRoots = {};
   m_currentRoots[kGain] = m_targetRoots[kGain] = 1.0;
   clear();
@@ -234,22 +234,6 @@ void Biquad::snapGlide() noexcept {
   m_currentRoots = m_targetRoots;
   m_increments = {};
   m_glideRemaining = 0;
-  m_running = m_target;
-}
-
-void Biquad::stepGlide() noexcept {
-  if (m_glideRemaining == 0) {
-    m_running = m_target;
-    return;
-  }
-  --m_glideRemaining;
-  Roots& r = m_currentRoots;
-  for (std::size_t i = 0; i < kRootCount; ++i) r[i] += m_increments[i];
-  m_running.b0 = r[kGain];
-  m_running.b1 = -r[kGain] * (r[kZero1] + r[kZero2]);
-  m_running.b2 = r[kGain] * (r[kZero1] * r[kZero2] - r[kZeroImagA] * r[kZeroImagB]);
-  m_running.a1 = -(r[kPole1] + r[kPole2]);
-  m_running.a2 = r[kPole1] * r[kPole2] - r[kPoleImagA] * r[kPoleImagB];
 }
 
 bool Biquad::passesThrough() noexcept {
@@ -314,19 +298,63 @@ void runFixed(const Coefficients& k, Biquad::Memory& memory, double least, std::
 
 } // namespace
 
+namespace {
+
+/// A number that follows a polynomial of the second degree from sample to sample.
+struct Parabola {
+  double value, step, bend;
+  Parabola(double start, double linear, double square)
+      : value(start), step(linear + square), bend(2.0 * square) {}
+  double next() {
+    value += step;
+    step += bend;
+    return value;
+  }
+};
+
+} // namespace
+
+template <class Limiter>
+void Biquad::runMoving(std::span<double> run, Limiter limit) noexcept {
+  const Roots &r = m_currentRoots, &d = m_increments;
+  // Sums of roots move in straight lines, their products along parabolas.
+  double zeroSum = r[kZero1] + r[kZero2], poleSum = r[kPole1] + r[kPole2], gain = r[kGain];
+  const double zeroStep = d[kZero1] + d[kZero2], poleStep = d[kPole1] + d[kPole2];
+  const double gainStep = d[kGain];
+  const auto product = [&](Root one, Root two, Root a, Root b) {
+    return Parabola(r[one] * r[two] - r[a] * r[b],
+                    r[one] * d[two] + r[two] * d[one] - r[a] * d[b] - r[b] * d[a],
+                    d[one] * d[two] - d[a] * d[b]);
+  };
+  Parabola zeros = product(kZero1, kZero2, kZeroImagA, kZeroImagB);
+  Parabola poles = product(kPole1, kPole2, kPoleImagA, kPoleImagB);
+  Memory m = m_glide;
+  for (double& x : run) {
+    gain += gainStep;
+    zeroSum += zeroStep;
+    poleSum += poleStep;
+    const double fed = gain * (x - zeroSum * m.x1 + zeros.next() * m.x2);
+    const double y = limit((fed - poles.next() * m.y2) + poleSum * m.y1);
+    m.x2 = m.x1;
+    m.x1 = x;
+    m.y2 = m.y1;
+    m.y1 = x = y;
+  }
+  m_glide = m;
+  const auto n = static_cast<double>(run.size());
+  for (std::size_t i = 0; i < kRootCount; ++i) m_currentRoots[i] += n * m_increments[i];
+  m_glideRemaining -= static_cast<int>(run.size());
+}
+
 template <class Limiter>
 void Biquad::runGlide(std::span<double> run, Limiter limit) noexcept {
-  std::size_t done = 0;
-  for (; done < run.size() && !isSettled(); ++done) {
-    if (passesThrough()) continue;
-    stepGlide();
-    m_glide.y1 = limit(step(m_running, m_glide, run[done]));
-    run[done] = m_glide.y1;
-  }
+  if (passesThrough()) return;
+  const auto moving = std::min(run.size(), static_cast<std::size_t>(m_glideRemaining));
+  if (moving > 0) runMoving(run.first(moving), limit);
   dropTraces(m_glide, kGlideFlush);
-  if (done == run.size()) return;
-  m_running = m_target;
-  runFixed(m_target, m_glide, kGlideFlush, run.subspan(done), limit);
+  // A section that has been switched off passes from here on.
+  if (moving < run.size() && !passesThrough())
+    runFixed(m_target, m_glide, kGlideFlush, run.subspan(moving), limit);
 }
 
 void Biquad::processGlide(std::span<double> run) noexcept {

@@ -139,8 +139,9 @@ class Biquad {
   void placeFrequency() noexcept;
   void startGlide() noexcept;
   void snapGlide() noexcept;
-  void stepGlide() noexcept;
   bool passesThrough() noexcept;
+  template <class Limiter>
+  void runMoving(std::span<double> run, Limiter limit) noexcept;
   template <class Limiter>
   void runGlide(std::span<double> run, Limiter limit) noexcept;
   void storeSampleRate(double hz) noexcept;
@@ -158,7 +159,6 @@ class Biquad {
   std::array<double, 3> m_placed{}; ///< rate, frequency and Q of the design
   Response m_placedResponse = Response::PassThrough;
   Coefficients m_target;
-  Coefficients m_running;
   Roots m_currentRoots{};
   Roots m_targetRoots{};
   Roots m_increments{};

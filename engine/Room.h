@@ -32,7 +32,7 @@ class Room {
  private:
   static constexpr std::size_t kTapCount = kernels::RoomSide::kTaps;
   static constexpr int kLineSize = 65536;
-  static constexpr int kContinued = kRun + 1; ///< samples of the begin that follow the end again
+  static constexpr int kContinued = kRun + 8; ///< samples of the begin that follow the end again
 
   struct Side {
     std::array<int, kTapCount> delay{};

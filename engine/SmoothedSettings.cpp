@@ -27,7 +27,7 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
   for (std::size_t i = 0; i < kCount; ++i) {
     RunBuffer& run = m_hostRun.m_values[i];
     const double target = m_target[i];
-    double x = m_current[i];
+    const double x = m_current[i];
     if (std::abs(target - x) <= kArrived * std::max(1.0, std::abs(target))) {
       // What has arrived fills its buffers once and is then left alone.
       if (m_flat[i] && run[0] == target) continue;
@@ -40,11 +40,12 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
     m_flat[i] = false;
     m_moving = true;
     const double k = i == index(Smoothed::DriveGain) ? m_driveCoefficient : m_coefficient;
+    double distance = target - x;
     for (int j = 0; j < n; ++j) {
-      x = flushed(x + (target - x) * k);
-      run[static_cast<std::size_t>(j)] = x;
+      distance *= 1.0 - k;
+      run[static_cast<std::size_t>(j)] = target - distance;
     }
-    m_current[i] = x;
+    m_current[i] = flushed(target - distance);
   }
   return m_hostRun;
 }

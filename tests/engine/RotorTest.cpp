@@ -124,8 +124,12 @@ TEST(RotorMotion, RateChangeKeepsHertzAndSnaps) {
 }
 
 std::vector<double> play(HornNoisePlayer& player, double hz, double rate, int n) {
-  std::vector<double> speeds(static_cast<std::size_t>(n), hz / rate), out(speeds.size());
-  player.process(speeds, 0.0, 1.0, out);
+  const std::vector<double> speeds(kRun, hz / rate);
+  std::vector<double> out(static_cast<std::size_t>(n));
+  for (std::size_t done = 0; done < out.size(); done += kRun) {
+    const std::size_t size = std::min<std::size_t>(kRun, out.size() - done);
+    player.process({speeds.data(), size}, 0.0, 1.0, {out.data() + done, size});
+  }
   return out;
 }
 
