@@ -8,8 +8,12 @@ namespace {
 
 constexpr double kLeastSection = 1e-17;
 
-/// Sections side by side in a vector, each working on the sample that the one before it has just
-/// finished: with `group` lanes a section, section k is k samples late. The lateness stays inside a
+/// Steps by which a section is later than the one before it: long enough for an output to travel to
+/// its neighbour while the vector goes on.
+constexpr int kSkew = 2;
+
+/// Sections side by side in a vector, each working on a sample that the one before it has finished:
+/// with `group` lanes a section, section k is k x kSkew samples late. The lateness stays inside a
 /// stretch, because lanes rest before their first and after their last sample.
 struct SkewedSections {
   Lanes a1, a2, b0, b1, b2;
@@ -30,7 +34,8 @@ struct SkewedSections {
   }
 
   void step(Lanes x) {
-    const Lanes y = ((b0 * x + b1 * x1) + (b2 * x2 - a2 * y2)) - a1 * y1;
+    const Lanes past = b1 * x1 + b2 * x2 - a2 * y2;
+    const Lanes y = (past + b0 * x) - a1 * y1;
     x2 = x1;
     x1 = x;
     y2 = y1;
@@ -46,35 +51,67 @@ struct SkewedSections {
   }
 };
 
-/// Lanes that have a sample at step s of a stretch of n, `group` lanes a section.
-inline LaneBits activeLanes(int s, int n, int group) {
-  LaneBits active{};
-  for (int k = 0; k < kWidth; ++k) {
-    const int sample = s - k / group;
-    active[k] = sample >= 0 && sample < n ? -1 : 0;
+/// Lanes whose first sample has come at step s, `Group` lanes a section.
+template <int Group>
+struct Begun {
+  static constexpr int kLate = kSkew * (kWidth / Group - 1);
+  long long lanes[kLate + 1][kWidth];
+  constexpr Begun() : lanes() {
+    for (int s = 0; s <= kLate; ++s)
+      for (int k = 0; k < kWidth; ++k) lanes[s][k] = s >= kSkew * (k / Group) ? -1 : 0;
   }
-  return active;
+  LaneBits at(int s) const {
+    using BitsInMemory = long long __attribute__((vector_size(kWidth * sizeof(long long)),
+                                                  aligned(sizeof(long long)), may_alias));
+    return *reinterpret_cast<const BitsInMemory*>(lanes[s < kLate ? s : kLate]);
+  }
+};
+template <int Group>
+constexpr Begun<Group> kBegun;
+
+/// Lanes that have a sample at step s of a stretch of n.
+template <int Group>
+inline LaneBits activeLanes(int s, int n) {
+  const LaneBits begun = kBegun<Group>.at(s);
+  return s < n ? begun : begun & ~kBegun<Group>.at(s - n);
 }
 
-/// Runs one vector over a stretch: feed(s, y) makes its next input from sample s of the stretch
-/// and its last output, drain(s, y) takes the last section's output for sample s.
-template <class Sections, class Feed, class Drain>
-inline void runSkewed(Sections& sections, int n, int group, Feed feed, Drain drain) {
-  const int late = kWidth / group - 1;
-  const auto edge = [&](int s) {
-    const Sections before = sections;
-    sections.step(feed(s < n ? s : n - 1, sections.y1));
-    sections.keepResting(activeLanes(s, n, group), before);
-    if (s >= late) drain(s - late, sections.y1);
-  };
-  const int first = late < n ? late : n;
-  int s = 0;
-  for (; s < first; ++s) edge(s);
-  for (; s < n; ++s) {
-    sections.step(feed(s, sections.y1));
-    drain(s - late, sections.y1);
+/// Outputs of the last steps, also of lanes that rest by now.
+struct Travelling {
+  Lanes last{}, beforeLast{};
+  void add(Lanes y) {
+    beforeLast = last;
+    last = y;
   }
-  for (; s < n + late; ++s) edge(s);
+};
+static_assert(kSkew == 2);
+
+/// A step in which some lanes rest: feed(s, y) makes the input from sample s of the stretch and the
+/// outputs of kSkew steps before, drain(s, y) takes the last section's output for sample s.
+template <int Group, class Sections, class Feed, class Drain>
+inline void stepAtEdge(Sections& sections, Travelling& outputs, int s, int n, Feed feed,
+                       Drain drain) {
+  constexpr int kLate = Begun<Group>::kLate;
+  const SkewedSections before = sections;
+  sections.step(feed(s < n ? s : n - 1, outputs.beforeLast));
+  outputs.add(sections.y1);
+  sections.keepResting(activeLanes<Group>(s, n), before);
+  if (s >= kLate) drain(s - kLate, outputs.last);
+}
+
+/// Runs one vector over a stretch.
+template <int Group, class Sections, class Feed, class Drain>
+inline void runSkewed(Sections& sections, int n, Feed feed, Drain drain) {
+  constexpr int kLate = Begun<Group>::kLate;
+  const int first = kLate < n ? kLate : n;
+  Travelling outputs;
+  for (int s = 0; s < first; ++s) stepAtEdge<Group>(sections, outputs, s, n, feed, drain);
+  for (int s = first; s < n; ++s) {
+    sections.step(feed(s, sections.y2));
+    drain(s - kLate, sections.y1);
+  }
+  if (first < n) outputs = {sections.y1, sections.y2};
+  for (int s = n; s < n + kLate; ++s) stepAtEdge<Group>(sections, outputs, s, n, feed, drain);
 }
 
 /// Runs lanes `lane` to `lane` + Vectors x kWidth - 1 of parallel sections; `input` gives the
@@ -137,8 +174,8 @@ void reducedBody(ParallelSections<8, 1>& s, double* run, int n) {
 void pairSeries(double* fields, int stride, int count, double* pairs, int n) {
   for (int lane = 0; lane < 2 * count; lane += kWidth) {
     SkewedSections sections(fields + lane, stride);
-    runSkewed(
-        sections, n, 2,
+    runSkewed<2>(
+        sections, n,
         [&](int s, Lanes y) {
 #if defined(__AVX2__) && defined(__FMA__)
           return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(pairs + 2 * s)),
@@ -170,8 +207,8 @@ inline Lanes shiftedIn(double x, Lanes y) {
 
 template <class Sections>
 inline void runChain(Sections& sections, double* run, int n) {
-  runSkewed(
-      sections, n, 1, [&](int s, Lanes y) { return shiftedIn(run[s], y); },
+  runSkewed<1>(
+      sections, n, [&](int s, Lanes y) { return shiftedIn(run[s], y); },
       [&](int s, Lanes y) { run[s] = y[kWidth - 1]; });
 }
 
@@ -204,21 +241,22 @@ inline void runLimited(ChainSections<4>* const* chains, double* const* runs, int
   using Sections = LimitedSections;
   Sections s[3] = {
       {*chains[0], lane}, {*chains[Count > 1 ? 1 : 0], lane}, {*chains[Count > 2 ? 2 : 0], lane}};
-  constexpr int kLate = kWidth - 1;
+  constexpr int kLate = kSkew * (kWidth - 1);
+  Travelling outputs[Count];
   const auto edge = [&](int k, int step) {
-    const SkewedSections before = s[k];
-    s[k].step(shiftedIn(runs[k][step < n ? step : n - 1], s[k].y1));
-    s[k].keepResting(activeLanes(step, n, 1), before);
-    if (step >= kLate) runs[k][step - kLate] = s[k].y1[kWidth - 1];
+    stepAtEdge<1>(
+        s[k], outputs[k], step, n, [&](int j, Lanes y) { return shiftedIn(runs[k][j], y); },
+        [&](int j, Lanes y) { runs[k][j] = y[kWidth - 1]; });
   };
   const int first = kLate < n ? kLate : n;
   for (int k = 0; k < Count; ++k)
     for (int step = 0; step < first; ++step) edge(k, step);
   for (int step = first; step < n; ++step) {
-    for (int k = 0; k < Count; ++k) s[k].step(shiftedIn(runs[k][step], s[k].y1));
+    for (int k = 0; k < Count; ++k) s[k].step(shiftedIn(runs[k][step], s[k].y2));
     for (int k = 0; k < Count; ++k) runs[k][step - kLate] = s[k].y1[kWidth - 1];
   }
   for (int k = 0; k < Count; ++k) {
+    if (first < n) outputs[k] = {s[k].y1, s[k].y2};
     for (int step = n; step < n + kLate; ++step) edge(k, step);
     s[k].storeMemory(chains[k]->field[0] + lane, 4);
   }
