@@ -113,10 +113,15 @@ inline Quad loadQuad(const double* const (&row)[kWidth]) {
 
 /// The same from one array, beginning at index[k] in lane k.
 inline Quad loadQuad(const double* base, WholeLanes index) {
-  int at[kWidth];
-  storeWhole(at, index);
+  const long long first = _mm_cvtsi128_si64(index);
   const double* row[kWidth];
-  for (int k = 0; k < kWidth; ++k) row[k] = base + at[k];
+  row[0] = base + static_cast<int>(first);
+  row[1] = base + (first >> 32);
+#if defined(__AVX2__) && defined(__FMA__)
+  const long long second = _mm_extract_epi64(index, 1);
+  row[2] = base + static_cast<int>(second);
+  row[3] = base + (second >> 32);
+#endif
   return loadQuad(row);
 }
 
