@@ -22,12 +22,17 @@ function(qlx_room name)
   target_link_libraries(qlx_${name} PUBLIC qlx_options ${ARG_LINKS})
 endfunction()
 
-# qlx_test(name SOURCES ... [LINKS ...]): one GoogleTest program; each of its tests is a ctest entry.
+# qlx_test(name SOURCES ... [LINKS ...] [EVERY_PROCESSOR]): one GoogleTest program; each of its tests is a ctest entry.
+# EVERY_PROCESSOR: once more with the kernels that run on any x86-64.
 function(qlx_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "EVERY_PROCESSOR" "" "SOURCES;LINKS" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
   target_link_libraries(test_${name} PRIVATE qlx_options ${ARG_LINKS} GTest::gtest GTest::gmock GTest::gtest_main)
   include(GoogleTest)
   gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 600)
+  if(ARG_EVERY_PROCESSOR)
+    gtest_discover_tests(test_${name} TEST_PREFIX "baseline.${name}." TEST_LIST test_${name}_BASELINE_TESTS
+      DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 ENVIRONMENT QLX_ISA=baseline)
+  endif()
 endfunction()

@@ -342,7 +342,8 @@ void Biquad::runMoving(std::span<double> run, Limiter limit) noexcept {
   }
   m_glide = m;
   const auto n = static_cast<double>(run.size());
-  for (std::size_t i = 0; i < kRootCount; ++i) m_currentRoots[i] += n * m_increments[i];
+  for (std::size_t i = 0; i < kRootCount; ++i)
+    m_currentRoots[i] = flushed(m_currentRoots[i] + n * m_increments[i]);
   m_glideRemaining -= static_cast<int>(run.size());
 }
 

@@ -164,10 +164,12 @@ inline void runGlide(GlideLanes<N>& g, int lane, Lanes* run, int n) {
     y1 = y;
     run[j] = y;
   }
-  for (int i = 0; i < G::kRootCount; ++i)
-    store(g.root[i] + lane,
-          load(g.root[i] + lane) + load(g.increment[i] + lane) * static_cast<double>(n));
   constexpr double kLeast = 1e-30;
+  // Where a pair lies apart no more, its distance shrinks from update to update.
+  for (int i = 0; i < G::kRootCount; ++i)
+    store(g.root[i] + lane, withoutTraces(load(g.root[i] + lane) +
+                                              load(g.increment[i] + lane) * static_cast<double>(n),
+                                          kLeast));
   store(g.x1 + lane, withoutTraces(x1, kLeast));
   store(g.x2 + lane, withoutTraces(x2, kLeast));
   store(g.y1 + lane, withoutTraces(y1, kLeast));

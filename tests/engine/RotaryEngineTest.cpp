@@ -2,6 +2,7 @@
 #include "tests/engine/EngineFixture.h"
 
 #include <gtest/gtest.h>
+#include <xmmintrin.h>
 
 #include <cmath>
 #include <limits>
@@ -236,10 +237,18 @@ TEST(RotaryEngine, SilenceFollowsProgrammeWithoutSubnormals) {
     f.setRate(44100, mode);
     f.engine.set(Setting::RoomReturnGain, 0.03);
     f.render(noise(44100), 512);
-    const auto out = f.render(10 * 44100, 512, 0.0);
-    EXPECT_TRUE(finite(out));
-    const std::vector<double> end(out.left.end() - 4410, out.left.end());
-    EXPECT_LT(peak(end), 1e-9);
+    EXPECT_TRUE(finite(f.render(10 * 44100, 512, 0.0)));
+    // The processor itself counts: it notes every operation on a subnormal number.
+    int blocksWithSubnormals = 0;
+    double loudest = 0.0;
+    for (int block = 0; block < 100; ++block) {
+      _MM_SET_EXCEPTION_STATE(0);
+      const auto out = f.render(512, 512, 0.0);
+      if ((_MM_GET_EXCEPTION_STATE() & _MM_EXCEPT_DENORM) != 0) ++blocksWithSubnormals;
+      loudest = std::max(loudest, peak(out.left));
+    }
+    EXPECT_EQ(blocksWithSubnormals, 0);
+    EXPECT_LT(loudest, 1e-9);
   }
 }
 
