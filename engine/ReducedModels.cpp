@@ -1,6 +1,6 @@
 #include "engine/ReducedModels.h"
 
-#include "engine/BodySections.h"
+#include "engine/ParallelForm.h"
 #include "engine/RayFilterTables.h"
 
 #include <algorithm>

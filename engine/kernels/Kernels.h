@@ -24,7 +24,6 @@ struct RayPass {
 /// Paths from a rotor's mouth to a microphone, one lane each.
 template <int N>
 struct RayLanes {
-  static constexpr int kCount = N;
   // The warp from the rotor's angle to the mouth's movement.
   double place[N];     ///< turns at which the mouth passes the ray's direction
   double halfWidth[N]; ///< turns
@@ -137,8 +136,6 @@ enum SectionField : int { kA1, kA2, kB0, kB1, kB2, kX1, kX2, kY1, kY2, kSectionF
 /// Sections of two channels; lane = 2 x section + channel. N is even.
 template <int N>
 struct PairSections {
-  static constexpr int kCount = N;
-  static constexpr int kChannels = 2;
   alignas(32) double field[kSectionFields][2 * N];
 };
 
@@ -146,8 +143,6 @@ struct PairSections {
 /// leaves it open. N is a multiple of four.
 template <int N>
 struct ChainSections {
-  static constexpr int kCount = N;
-  static constexpr int kChannels = 1;
   alignas(32) double field[kSectionFields][N];
   alignas(32) double limit[N], offset[N];
 };
