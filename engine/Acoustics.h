@@ -20,7 +20,7 @@ inline constexpr int kUpdateInterval = 16;
 
 /// Longest stretch, in engine samples, that the stages work on at a time. The stages only feed
 /// forward, so each runs over the whole stretch before the next begins.
-inline constexpr int kRun = 32;
+inline constexpr int kRun = 64;
 
 /// One value a sample of a stretch.
 using RunBuffer = std::array<double, kRun>;

@@ -6,7 +6,7 @@ namespace qlx::engine::kernels {
 // Plain data without functions: files compiled for different instruction sets share it.
 
 /// Longest stretch, samples; the buffers have room for whole groups of four beyond it.
-inline constexpr int kLongestRun = 32;
+inline constexpr int kLongestRun = 64;
 /// Samples of the lines of sound and of angles, which are stored twice in a row.
 inline constexpr int kLineSize = 4096;
 /// Pieces of a level law, four coefficients each, from the constant up.
