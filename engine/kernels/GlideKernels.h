@@ -28,15 +28,20 @@ inline Quad readMouth(const MouthTable& table, Lanes place) {
 /// Amplitude of half the decibels.
 inline Lanes halfGain(Lanes db) { return powerOfTwo(db * (0.025 * 3.32192809488736235)); }
 
-/// A frequency on the unit circle with its bandwidth term s / (2 Q), the Q reduced towards half the
-/// sample rate by the exponent that goes with the response.
+/// A frequency on the unit circle, and the Q less the counter-warp by which it falls to nothing at
+/// half the sample rate.
 struct Tuned {
   Lanes c, s, q;
+  Tuned(double angularRate, Lanes hz, Lanes plainQ, Lanes warp)
+      : c(cosineOfHalf(hz * angularRate)), s(sineOfHalf(hz * angularRate)),
+        q(plainQ - plainQ * warp) {}
 };
 
-inline Tuned tuned(double angularRate, double edgeHz, Lanes hz, Lanes q, double exponent) {
-  const Lanes w = hz * angularRate;
-  return {cosineOfHalf(w), sineOfHalf(w), q * (1.0 - power(hz * (1.0 / edgeHz), exponent))};
+// The counter-warp is a power of the frequency's share of half the sample rate, by response.
+inline Lanes highShelfWarp(Lanes share) { return fourth(share); }
+inline Lanes lowPassWarp(Lanes share) { return eighth(share); }
+inline Lanes peakWarp(Lanes hz, double warpAt1750) {
+  return warpAt1750 * peakWarpAround1750((hz - 1750.0) * (1.0 / 450.0));
 }
 
 /// Roots of k0 z^2 + k1 z + k2: middle +- apart, or middle +- i imag.
@@ -89,9 +94,6 @@ inline Design lowPassDesign(const Tuned& t) {
   return {{1.0 + alpha, -2.0 * t.c, 1.0 - alpha}, {b, 1.0 - t.c, b}};
 }
 
-/// Exponents of the Q's counter-warp.
-constexpr double kPeakWarp = 2.8, kHighShelfWarp = 4.0, kLowPassWarp = 8.0;
-
 /// Sends the roots of one vector of sections on their way to a design.
 template <int N>
 inline void approach(GlideLanes<N>& g, int lane, const Design& design) {
@@ -99,16 +101,6 @@ inline void approach(GlideLanes<N>& g, int lane, const Design& design) {
   design.roots(target);
   for (int i = 0; i < GlideLanes<N>::kRootCount; ++i)
     store(g.increment[i] + lane, (target[i] - load(g.root[i] + lane)) * g.share);
-}
-
-template <int N>
-inline void tunePeak(GlideLanes<N>& g, int lane, Lanes hz, Lanes q, Lanes db) {
-  approach(g, lane, peakDesign(tuned(g.angularRate, g.edgeHz, hz, q, kPeakWarp), db));
-}
-
-template <int N>
-inline void tuneLowPass(GlideLanes<N>& g, int lane, Lanes hz, Lanes q) {
-  approach(g, lane, lowPassDesign(tuned(g.angularRate, g.edgeHz, hz, q, kLowPassWarp)));
 }
 
 /// Numbers that follow a polynomial of the second degree from sample to sample.

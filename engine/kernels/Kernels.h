@@ -77,7 +77,9 @@ struct HornBank {
   GlideLanes<kHornLanes> peak, shelf;
   MouthTable table; ///< of the peak, and in the fourth column the shelf's dB
   double shelfHz, shelfQ;
-  double shelfCosine, shelfSlope; ///< of the shelf as restHorn tunes it: cosine, sine over Q
+  // What restHorn prepares for the rate.
+  double shelfCosine, shelfSlope; ///< cosine and sine over Q of the shelf
+  double warpAt1750;              ///< counter-warp of a peak's Q at 1750 Hz
 };
 
 inline constexpr int kDrumLanes =

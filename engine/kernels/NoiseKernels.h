@@ -19,11 +19,11 @@ inline void designTreble(const NoiseTreble& t, Lanes lowPassHz, Lanes shelfHz, L
                          TrebleRoots* target) {
   const auto inRange = [&](Lanes hz) { return smaller(larger(hz, all(0.001)), all(t.highestHz)); };
   Lanes lowPass[7], shelf[7];
-  lowPassDesign(
-      tuned(t.angularRate, t.lowPassEdge, inRange(lowPassHz), all(kSlowLowPassQ), kLowPassWarp))
+  const Lanes low = inRange(lowPassHz), high = inRange(shelfHz);
+  lowPassDesign({t.angularRate, low, all(kSlowLowPassQ), lowPassWarp(low * (1.0 / t.lowPassEdge))})
       .roots(lowPass);
-  const Tuned shelfTuned =
-      tuned(t.angularRate, t.shelfEdge, inRange(shelfHz), all(kFastShelfQ), kHighShelfWarp);
+  const Tuned shelfTuned(t.angularRate, high, all(kFastShelfQ),
+                         highShelfWarp(high * (1.0 / t.shelfEdge)));
   highShelfDesign(shelfTuned.c, shelfTuned.s / shelfTuned.q, shelfDb).roots(shelf);
   for (int i = 0; i < 7; ++i) {
     for (int lane = 0; lane < kWidth; ++lane) {

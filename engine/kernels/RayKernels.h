@@ -164,6 +164,25 @@ inline void betweenUpdates(const RayPass& pass, Tune tune, Run run) {
   }
 }
 
+/// Tunes peak and shelf of one vector for the mouth's place in the table.
+inline void tuneHorn(HornBank& bank, int lane, Lanes place) {
+  const Quad mouth = readMouth(bank.table, place);
+  approach(
+      bank.peak, lane,
+      peakDesign({bank.peak.angularRate, mouth.p0, mouth.p1, peakWarp(mouth.p0, bank.warpAt1750)},
+                 mouth.p2));
+  approach(bank.shelf, lane,
+           highShelfDesign(all(bank.shelfCosine), all(bank.shelfSlope), mouth.p3));
+}
+
+/// The drum's low-pass of one vector.
+inline void tuneDrum(DrumBank& bank, int lane) {
+  const Lanes hz = load(bank.hz + lane);
+  approach(bank.lowPass, lane,
+           lowPassDesign({bank.lowPass.angularRate, hz, load(bank.q + lane),
+                          lowPassWarp(hz * (1.0 / bank.lowPass.edgeHz))}));
+}
+
 void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
   Lanes sum[kBuffer] = {};
   for (int lane = 0; lane < lanes; lane += kWidth) {
@@ -173,14 +192,7 @@ void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
     const Warp warp(bank.rays, lane);
     const ArrivingAngles angles(bank.rays, lane, begin);
     betweenUpdates(
-        pass,
-        [&](int j) {
-          const Lanes place = 1.0 - warp.tablePlace(angles.at(j));
-          const Quad mouth = readMouth(bank.table, place);
-          tunePeak(bank.peak, lane, mouth.p0, mouth.p1, mouth.p2);
-          approach(bank.shelf, lane,
-                   highShelfDesign(all(bank.shelfCosine), all(bank.shelfSlope), mouth.p3));
-        },
+        pass, [&](int j) { tuneHorn(bank, lane, 1.0 - warp.tablePlace(angles.at(j))); },
         [&](int from, int to) {
           runGlide(bank.peak, lane, x + from, to - from);
           runGlide(bank.shelf, lane, x + from, to - from);
@@ -200,15 +212,14 @@ inline void arrive(GlideLanes<N>& g, int lane) {
 }
 
 void restHorn(HornBank& bank) {
-  const Tuned shelf = tuned(bank.shelf.angularRate, bank.shelf.edgeHz, all(bank.shelfHz),
-                            all(bank.shelfQ), kHighShelfWarp);
+  const Lanes shelfHz = all(bank.shelfHz);
+  const Tuned shelf(bank.shelf.angularRate, shelfHz, all(bank.shelfQ),
+                    highShelfWarp(shelfHz * (1.0 / bank.shelf.edgeHz)));
   bank.shelfCosine = shelf.c[0];
   bank.shelfSlope = shelf.s[0] / shelf.q[0];
+  bank.warpAt1750 = power(all(1750.0 / bank.peak.edgeHz), 2.8)[0];
   for (int lane = 0; lane < kHornLanes; lane += kWidth) {
-    const Quad mouth = readMouth(bank.table, Lanes{});
-    tunePeak(bank.peak, lane, mouth.p0, mouth.p1, mouth.p2);
-    approach(bank.shelf, lane,
-             highShelfDesign(all(bank.shelfCosine), all(bank.shelfSlope), mouth.p3));
+    tuneHorn(bank, lane, Lanes{});
     arrive(bank.peak, lane);
     arrive(bank.shelf, lane);
   }
@@ -216,7 +227,7 @@ void restHorn(HornBank& bank) {
 
 void restDrum(DrumBank& bank) {
   for (int lane = 0; lane < kDrumLanes; lane += kWidth) {
-    tuneLowPass(bank.lowPass, lane, load(bank.hz + lane), load(bank.q + lane));
+    tuneDrum(bank, lane);
     arrive(bank.lowPass, lane);
   }
 }
@@ -241,7 +252,7 @@ void drumRays(DrumBank& bank, int lanes, const RayPass& pass, double* out) {
           const Quad mouth = readMouth(bank.table, warp.tablePlace(angles.at(j)));
           store(bank.hz + lane, mouth.p0);
           store(bank.q + lane, mouth.p1);
-          tuneLowPass(bank.lowPass, lane, mouth.p0, mouth.p1);
+          tuneDrum(bank, lane);
         },
         [&](int from, int to) { runGlide(bank.lowPass, lane, x + from, to - from); });
     bounce(bank.rays, lane, pass.n, x, level, sum);

@@ -24,6 +24,9 @@ test::KernelErrors measure() {
     const double exponent = -60.0 + 120.0 * share;
     note(e.powerOfTwo, firstLane(powerOfTwo(all(exponent))) / std::exp2(exponent) - 1.0);
     const double x = std::exp2(exponent * 0.5);
+    const double x28 = -1.0 + 2.0 * share;
+    note(e.peakWarp,
+         firstLane(peakWarpAround1750(all(x28))) / std::pow(1.0 + x28 * 450.0 / 1750.0, 2.8) - 1.0);
     note(e.logarithm, firstLane(logarithmOfTwo(all(x))) - std::log2(x));
   }
   RayLanes<4> rays{};

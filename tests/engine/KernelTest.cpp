@@ -12,6 +12,7 @@ void expectExact(const KernelErrors& e) {
   EXPECT_LT(e.cosine, 2e-15);
   EXPECT_LT(e.powerOfTwo, 1e-14);
   EXPECT_LT(e.logarithm, 1e-14);
+  EXPECT_LT(e.peakWarp, 2e-11);
   EXPECT_GT(e.sine, 0.0) << "another function than the standard library's";
   // The near arc takes half a period: it is short and steep, without a step at its borders.
   const double steepest = std::numbers::pi / (2 * kTestHalfWidth);

@@ -5,9 +5,10 @@ namespace qlx::engine::test {
 /// Worst errors of the kernels' mathematics against the standard library, and what the mouth's
 /// movement looks like, for one instruction set.
 struct KernelErrors {
-  double sine, cosine, powerOfTwo, logarithm; ///< relative for the power of two
-  double steepest;   ///< largest step of the sine over a turn, times the turn
-  double shareBelow; ///< of the turn in which the sine is negative
+  double sine, cosine, logarithm;
+  double powerOfTwo, peakWarp; ///< relative
+  double steepest;             ///< largest step of the sine over a turn, times the turn
+  double shareBelow;           ///< of the turn in which the sine is negative
 };
 
 KernelErrors measureBaseline();
