@@ -82,7 +82,7 @@ class RotaryEngine::Frame {
   std::atomic<std::uint32_t> m_pending{0};
   std::atomic<double> m_wantedBypass{0.0};
   std::atomic<double> m_bypassJump{kNoJump}; ///< level to which a switch-on jumps
-  std::atomic<std::uint32_t> m_stopPresses{0};
+  std::atomic<std::uint32_t> m_stopPresses{0}, m_stopReleases{0};
   std::atomic<double> m_wantedHostRate{44100.0};
   std::atomic<CpuMode> m_cpuMode{CpuMode::LowCpu};
   std::atomic<double> m_hornPhase{0.0};
@@ -96,7 +96,7 @@ class RotaryEngine::Frame {
   double m_bypassLevel = 0.0;
   double m_bypassTarget = 0.0;
   double m_fadeCoefficient = 0.0;
-  std::uint32_t m_seenStopPresses = 0;
+  std::uint32_t m_seenStopPresses = 0, m_seenStopReleases = 0;
   bool m_speakersBypassed = false;
   bool m_toneChanged = false; ///< the tone and colour filters wait for the next block
   std::array<double, static_cast<std::size_t>(Amplifier::Tone::Count)> m_toneDb{};

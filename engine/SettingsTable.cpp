@@ -195,9 +195,9 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
 void RotaryEngine::Frame::set(Setting setting, double value) noexcept {
   if (!std::isfinite(value)) return;
   const SettingsTable::Row& row = SettingsTable::row(setting);
-  // A press that is released before the next block still brakes and starts the motors.
-  if (setting == Setting::Stop && value >= 0.5)
-    m_stopPresses.fetch_add(1, std::memory_order_relaxed);
+  // What is undone before the next block still brakes and starts the motors.
+  if (setting == Setting::Stop)
+    (value >= 0.5 ? m_stopPresses : m_stopReleases).fetch_add(1, std::memory_order_relaxed);
   const double limited = std::clamp(value, row.lowest, row.highest);
   if (setting == Setting::Bypass) m_wantedBypass.store(limited, std::memory_order_relaxed);
   m_desk.write(setting, limited);
@@ -210,8 +210,12 @@ void RotaryEngine::Frame::takeSettings() noexcept {
 
 void RotaryEngine::Frame::applyStop(double v) noexcept {
   const std::uint32_t presses = m_stopPresses.load(std::memory_order_relaxed);
-  if (presses != m_seenStopPresses && v < 0.5) m_cabinet.setStop(1.0);
+  const std::uint32_t releases = m_stopReleases.load(std::memory_order_relaxed);
+  const bool stops = v >= 0.5;
+  if (stops ? releases != m_seenStopReleases : presses != m_seenStopPresses)
+    m_cabinet.setStop(stops ? 0.0 : 1.0);
   m_seenStopPresses = presses;
+  m_seenStopReleases = releases;
   m_cabinet.setStop(v);
 }
 
