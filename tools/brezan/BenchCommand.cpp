@@ -1,14 +1,11 @@
+#include "tools/brezan/BlockTimes.h"
 #include "tools/brezan/Commands.h"
-
+#include "tools/brezan/Growth.h"
 #include "tools/brezan/Interrupt.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/ProgressBar.h"
 #include "tools/brezan/Table.h"
-#include "tools/brezan/Workload.h"
 
-#include <algorithm>
-#include <chrono>
-#include <ctime>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -16,115 +13,124 @@ namespace qlx::tools {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr double kWarmUpSeconds = 0.5;
-constexpr int kCreations = 9;
-
 struct BenchOptions {
   std::string plugin;
   bool json = false;
+  bool growth = false;
+  std::string picture;
   double seconds = 4.0;
 };
 
 struct Measured {
   WorkloadCase what;
-  double cpuNs;    ///< processor time of a host sample, whatever else the machine does
-  double medianNs; ///< time of a host sample of the median block, by the clock
-  double worstNs;  ///< time of a host sample of the slowest block, by the clock
-  double share() const { return cpuNs * 1e-9 * what.rate; }
+  BlockTimes times;
+  double share() const { return times.cpuNs * 1e-9 * what.rate; }
+  double unevenness() const { return times.worstUs / times.medianUs; }
 };
 
-double median(std::vector<double>& values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
+struct Report {
+  std::vector<Measured> cases;
+  double creationMs;
+  std::optional<std::size_t> instanceBytes;
+};
 
-Measured measure(const std::filesystem::path& plugin, const WorkloadCase& what, double seconds) {
-  Workload work(plugin, what);
-  for (long long i = work.stepsIn(kWarmUpSeconds); i > 0; --i) work.step();
-  std::vector<double> blocks(static_cast<std::size_t>(work.stepsIn(seconds)));
-  const std::clock_t begun = std::clock();
-  for (double& block : blocks) {
-    const auto begin = Clock::now();
-    work.step();
-    block = std::chrono::duration<double, std::nano>(Clock::now() - begin).count() /
-            Workload::kBlockFrames;
-  }
-  const double cpu = 1e9 * static_cast<double>(std::clock() - begun) / CLOCKS_PER_SEC /
-                     static_cast<double>(blocks.size()) / Workload::kBlockFrames;
-  const double worst = *std::max_element(blocks.begin(), blocks.end());
-  return {what, cpu, median(blocks), worst};
-}
-
-double creationMilliseconds(const std::filesystem::path& plugin) {
-  const PluginHost loaded(plugin); // so that the library's own loading does not count
-  std::vector<double> times(kCreations);
-  for (double& time : times) {
-    const auto begin = Clock::now();
-    const PluginHost host(plugin);
-    time = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-  }
-  return median(times);
-}
-
-void printTable(const std::vector<Measured>& all, double creation) {
-  Table table({"rate", "mode", "use", "CPU ns/sample", "median", "worst block", "% of a core"});
-  for (const Measured& m : all)
-    table.add({fixed(m.what.rate, 0), m.what.modeName(), m.what.useName(), fixed(m.cpuNs, 1),
-               fixed(m.medianNs, 1), fixed(m.worstNs, 1), fixed(100.0 * m.share(), 2)});
+void printTable(const Report& report) {
+  Table table({"rate", "mode", "use", "CPU ns/sample", "% of a core", "median block us",
+               "worst block us", "worst/median"});
+  for (const Measured& m : report.cases)
+    table.add({fixed(m.what.rate, 0), m.what.modeName(), m.what.useName(), fixed(m.times.cpuNs, 1),
+               fixed(100.0 * m.share(), 2), fixed(m.times.medianUs, 2), fixed(m.times.worstUs, 2),
+               fixed(m.unevenness(), 2)});
   table.print(std::cout);
   std::cout << "\nBlocks of " << Workload::kBlockFrames
-            << " frames; median and worst block by the clock in ns per sample.\nCreating an "
-               "instance takes "
-            << fixed(creation, 2) << " ms.\n";
+            << " frames, each the shortest of several identical runs.\n";
+  for (const Measured& m : report.cases)
+    if (m.what.use == Use::GeometryRebuilt)
+      std::cout << "Worst block while the geometry is rebuilt, " << fixed(m.what.rate, 0) << " Hz "
+                << m.what.modeName() << ": " << fixed(m.times.worstUs / 1000.0, 3) << " ms.\n";
+  std::cout << "Creating an instance takes " << fixed(report.creationMs, 2) << " ms; its memory is "
+            << (report.instanceBytes
+                    ? fixed(static_cast<double>(*report.instanceBytes) / 1e6, 2) + " MB"
+                    : std::string("not known"))
+            << ".\n";
 }
 
-void printJson(const std::vector<Measured>& all, double creation) {
+void printJson(const Report& report) {
   nlohmann::ordered_json json = {{"blockFrames", Workload::kBlockFrames},
-                                 {"creationMilliseconds", creation},
+                                 {"creationMilliseconds", report.creationMs},
+                                 {"instanceBytes", nullptr},
                                  {"cases", nlohmann::ordered_json::array()}};
-  for (const Measured& m : all)
+  if (report.instanceBytes) json["instanceBytes"] = *report.instanceBytes;
+  for (const Measured& m : report.cases)
     json["cases"].push_back({{"rate", m.what.rate},
                              {"mode", m.what.modeName()},
                              {"use", m.what.useName()},
-                             {"cpuNsPerSample", m.cpuNs},
-                             {"medianNsPerSample", m.medianNs},
-                             {"worstBlockNsPerSample", m.worstNs},
-                             {"shareOfCore", m.share()}});
+                             {"cpuNsPerSample", m.times.cpuNs},
+                             {"shareOfCore", m.share()},
+                             {"medianBlockMicroseconds", m.times.medianUs},
+                             {"worstBlockMicroseconds", m.times.worstUs},
+                             {"worstOverMedian", m.unevenness()}});
   std::cout << json.dump(2) << '\n';
 }
 
-void bench(const BenchOptions& options) {
-  const std::filesystem::path plugin = locatePlugin(options.plugin);
+Report measureCases(WorkloadPlan& plan, double seconds) {
+  ProgressBar progress;
+  Report report;
+  // First of all, while no freed memory lies about for the instances to be had without growing.
+  report.instanceBytes = instanceBytes(plan);
+  report.creationMs = creationMilliseconds(plan.pluginFile);
   const std::vector<WorkloadCase> cases = workloadCases();
-  std::vector<Measured> all;
-  double creation = 0.0;
-  {
-    ProgressBar progress;
-    creation = creationMilliseconds(plugin);
-    for (const WorkloadCase& what : cases) {
+  for (const WorkloadCase& what : cases) {
+    const auto played = [&](double part) {
       throwIfInterrupted();
-      all.push_back(measure(plugin, what, options.seconds));
-      progress.show(static_cast<double>(all.size()) / static_cast<double>(cases.size()));
-    }
+      progress.show((static_cast<double>(report.cases.size()) + part) /
+                    static_cast<double>(cases.size()));
+    };
+    const BlockTimes times = measureBlocks(plan, what, seconds, played);
+    report.cases.push_back({what, times});
   }
-  if (options.json)
-    printJson(all, creation);
-  else
-    printTable(all, creation);
+  return report;
+}
+
+Growth measureGrowthVisibly(WorkloadPlan& plan, double seconds) {
+  ProgressBar progress;
+  return measureGrowth(plan, seconds, [&progress](double part) {
+    throwIfInterrupted();
+    progress.show(part);
+  });
+}
+
+void bench(const BenchOptions& options) {
+  WorkloadPlan plan(locatePlugin(options.plugin));
+  if (options.growth) {
+    const Growth growth = measureGrowthVisibly(plan, options.seconds);
+    if (!options.picture.empty()) drawGrowth(growth, options.picture);
+    printGrowth(growth, std::cout);
+    return;
+  }
+  const Report report = measureCases(plan, options.seconds);
+  options.json ? printJson(report) : printTable(report);
 }
 
 } // namespace
 
 void addBenchCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("bench", "Measure the plug-in's processor time");
+  CLI::App* command = program.add_subcommand(
+      "bench", "Measure the plug-in's processor time, over rates, modes and kinds of use");
   auto options = std::make_shared<BenchOptions>();
   addPluginOption(*command, options->plugin);
   command->add_option("--seconds", options->seconds, "Seconds of sound in each case (4)")
       ->check(CLI::Range(0.01, 600.0));
-  command->add_flag("--json", options->json, "Print JSON instead of a table");
+  CLI::Option* json = command->add_flag("--json", options->json, "Print JSON instead of a table");
+  CLI::Option* growth = command
+                            ->add_flag("--growth", options->growth,
+                                       "Measure instead how it grows: 1 to 64 instances on one "
+                                       "core and on two, block sizes, sample rates")
+                            ->excludes(json);
+  command->add_option("--picture", options->picture, "With --growth: draw it into this PNG file")
+      ->needs(growth);
+  command->footer("QLX_ISA=baseline in the environment makes the plug-in use the code for every "
+                  "x86-64 processor instead of the best for this one.");
   command->callback([options] { bench(*options); });
 }
 

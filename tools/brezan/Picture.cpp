@@ -1,11 +1,10 @@
 #include "tools/brezan/Picture.h"
 
-#include "tools/brezan/PngFile.h"
+#include "tools/brezan/Canvas.h"
 #include "tools/brezan/Spectrogram.h"
 #include "tools/brezan/Table.h"
 
 #include <algorithm>
-#include <cairo/cairo.h>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -14,15 +13,6 @@
 namespace qlx::tools {
 
 namespace {
-
-struct Colour {
-  double red, green, blue;
-};
-struct Box {
-  double x, y, width, height;
-  double right() const { return x + width; }
-  double bottom() const { return y + height; }
-};
 
 constexpr int kWidth = 1640;
 constexpr int kHeight = 980;
@@ -35,12 +25,6 @@ constexpr double kBrightestDb = -12.0;
 constexpr double kLowestHz = 30.0;
 constexpr double kHighestHz = 14000.0;
 constexpr double kLevelWindowSeconds = 0.03;
-
-constexpr Colour kPaper{0.985, 0.98, 0.97};
-constexpr Colour kInk{0.16, 0.15, 0.17};
-constexpr Colour kFaint{0.84, 0.82, 0.79};
-constexpr Colour kLeft{0.16, 0.40, 0.62};
-constexpr Colour kRight{0.83, 0.42, 0.14};
 
 constexpr Colour leverColour(LeverState state) {
   switch (state) {
@@ -65,29 +49,9 @@ Colour heat(double part) {
           mix(kHeat[i].blue, kHeat[i + 1].blue)};
 }
 
-struct SurfaceFree {
-  void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-};
-struct ContextFree {
-  void operator()(cairo_t* context) const { cairo_destroy(context); }
-};
-using Surface = std::unique_ptr<cairo_surface_t, SurfaceFree>;
-using Context = std::unique_ptr<cairo_t, ContextFree>;
-
-enum class Align { Left, Centre, Right };
-
-class Painter {
+class Painter : public Canvas {
  public:
-  explicit Painter(const PictureSound& sound)
-      : m_sound(sound), m_surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight)),
-        m_context(cairo_create(m_surface.get())) {
-    cairo_select_font_face(cr(), "Liberation Sans", CAIRO_FONT_SLANT_NORMAL,
-                           CAIRO_FONT_WEIGHT_NORMAL);
-    colour(kPaper);
-    cairo_paint(cr());
-  }
-
-  void draw() {
+  explicit Painter(const PictureSound& sound) : Canvas(kWidth, kHeight), m_sound(sound) {
     text(kLeverBox.x, 44, m_sound.title, 22, Align::Left, true);
     lever();
     level();
@@ -97,53 +61,7 @@ class Painter {
     heatLegend();
   }
 
-  void save(const std::filesystem::path& path) { savePng(m_surface.get(), path); }
-
  private:
-  cairo_t* cr() { return m_context.get(); }
-  void colour(const Colour& c, double opacity = 1.0) {
-    cairo_set_source_rgba(cr(), c.red, c.green, c.blue, opacity);
-  }
-  void fill(const Box& box) {
-    cairo_rectangle(cr(), box.x, box.y, box.width, box.height);
-    cairo_fill(cr());
-  }
-  void line(double x0, double y0, double x1, double y1, double width = 1.0) {
-    cairo_set_line_width(cr(), width);
-    cairo_move_to(cr(), x0, y0);
-    cairo_line_to(cr(), x1, y1);
-    cairo_stroke(cr());
-  }
-  void frame(const Box& box) {
-    colour(kInk);
-    cairo_set_line_width(cr(), 1.0);
-    cairo_rectangle(cr(), box.x - 0.5, box.y - 0.5, box.width + 1, box.height + 1);
-    cairo_stroke(cr());
-  }
-  double textWidth(const std::string& words, double size) {
-    cairo_set_font_size(cr(), size);
-    cairo_text_extents_t extents;
-    cairo_text_extents(cr(), words.c_str(), &extents);
-    return extents.x_advance;
-  }
-  void text(double x, double y, const std::string& words, double size = 14,
-            Align align = Align::Left, bool bold = false, const Colour& c = kInk) {
-    cairo_select_font_face(cr(), "Liberation Sans", CAIRO_FONT_SLANT_NORMAL,
-                           bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-    const double width = textWidth(words, size);
-    colour(c);
-    cairo_move_to(cr(), align == Align::Left ? x : x - (align == Align::Right ? width : width / 2),
-                  y);
-    cairo_show_text(cr(), words.c_str());
-  }
-  void uprightText(double x, double y, const std::string& words) {
-    cairo_save(cr());
-    cairo_translate(cr(), x, y);
-    cairo_rotate(cr(), -1.5707963267948966);
-    text(0, 0, words, 14, Align::Centre);
-    cairo_restore(cr());
-  }
-
   double timeX(double seconds) const {
     return kLeverBox.x + kLeverBox.width * seconds / m_sound.seconds();
   }
@@ -164,8 +82,6 @@ class Painter {
   void heatLegend();
 
   const PictureSound& m_sound;
-  Surface m_surface;
-  Context m_context;
 };
 
 // A band in the colour of what the lever says, from mark to mark.
@@ -186,7 +102,7 @@ void Painter::lever() {
 }
 
 void Painter::level() {
-  colour({1, 1, 1});
+  colour(kWhite);
   fill(kLevelBox);
   for (int db = 0; db >= static_cast<int>(kLowestDb); db -= 12) {
     colour(kFaint);
@@ -195,12 +111,12 @@ void Painter::level() {
   }
   uprightText(34, kLevelBox.y + kLevelBox.height / 2, "Level in dBFS");
   const bool stereo = m_sound.channels.size() > 1;
-  levelCurve(m_sound.channels[0], kLeft);
-  if (stereo) levelCurve(m_sound.channels[1], kRight);
+  levelCurve(m_sound.channels[0], kBlue);
+  if (stereo) levelCurve(m_sound.channels[1], kOrange);
   frame(kLevelBox);
   const double y = kLevelBox.y + 18;
-  text(kLevelBox.right() + 14, y, stereo ? "left" : "mono", 14, Align::Left, true, kLeft);
-  if (stereo) text(kLevelBox.right() + 14, y + 20, "right", 14, Align::Left, true, kRight);
+  text(kLevelBox.right() + 14, y, stereo ? "left" : "mono", 14, Align::Left, true, kBlue);
+  if (stereo) text(kLevelBox.right() + 14, y + 20, "right", 14, Align::Left, true, kOrange);
 }
 
 void Painter::levelCurve(const std::vector<double>& channel, const Colour& c) {
@@ -236,7 +152,9 @@ void Painter::spectrum() {
   const SpectrogramRange range{static_cast<int>(kSpectrumBox.width),
                                static_cast<int>(kSpectrumBox.height), kLowestHz, kHighestHz};
   const Spectrogram levels = spectrogram(middle, m_sound.rate, range);
-  const Surface image(cairo_image_surface_create(CAIRO_FORMAT_RGB24, range.columns, range.rows));
+  const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> image(
+      cairo_image_surface_create(CAIRO_FORMAT_RGB24, range.columns, range.rows),
+      cairo_surface_destroy);
   unsigned char* data = cairo_image_surface_get_data(image.get());
   const int stride = cairo_image_surface_get_stride(image.get());
   for (int row = 0; row < range.rows; ++row) {
@@ -313,9 +231,7 @@ void Painter::heatLegend() {
 void drawPicture(const PictureSound& sound, const std::filesystem::path& path) {
   if (sound.channels.empty() || sound.channels.front().empty())
     throw std::runtime_error("there is no sound to draw");
-  Painter painter(sound);
-  painter.draw();
-  painter.save(path);
+  Painter(sound).save(path);
 }
 
 } // namespace qlx::tools

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,16 @@ std::vector<std::filesystem::path> pluginFolders();
 
 /// File name of the plug-in on this system.
 std::string pluginFileName();
+
+/// Main memory that this process occupies now, in bytes; nothing when the system does not tell.
+std::optional<std::size_t> residentBytes();
+
+/// Processor time that the calling thread has used, in seconds.
+double threadCpuSeconds();
+
+/// Keeps the calling thread on one of the processors that this process may use, counted from 0.
+/// False when that cannot be had.
+bool pinThread(int processor);
 
 /// True when standard error is a terminal that can redraw a line.
 bool errorStreamIsTerminal();

@@ -2,7 +2,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
+#include <fstream>
+#include <sched.h>
 #include <sstream>
 #include <stdexcept>
 #include <unistd.h>
@@ -39,6 +42,32 @@ std::vector<fs::path> pluginFolders() {
 }
 
 std::string pluginFileName() { return "QLXBrezan.so"; }
+
+std::optional<std::size_t> residentBytes() {
+  std::ifstream pages("/proc/self/statm");
+  std::size_t total = 0, resident = 0;
+  if (!(pages >> total >> resident)) return std::nullopt;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+double threadCpuSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+bool pinThread(int processor) {
+  cpu_set_t usable;
+  if (sched_getaffinity(0, sizeof usable, &usable) != 0) return false;
+  for (int cpu = 0; cpu < CPU_SETSIZE; ++cpu) {
+    if (!CPU_ISSET(cpu, &usable) || processor-- != 0) continue;
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(cpu, &one);
+    return sched_setaffinity(0, sizeof one, &one) == 0;
+  }
+  return false;
+}
 
 bool errorStreamIsTerminal() {
   const char* kind = std::getenv("TERM");
