@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <numbers>
 #include <span>
 
@@ -42,6 +43,21 @@ struct OnePole {
   }
 };
 
+/// Runs two low-passes over a signal each, in place; together they take the time of one.
+inline void processPair(OnePole& a, double* runA, double poleA, OnePole& b, double* runB,
+                        double poleB, std::size_t n) noexcept {
+  const double restA = 1.0 - poleA, restB = 1.0 - poleB;
+  double yA = a.state, yB = b.state;
+  for (std::size_t k = 0; k < n; ++k) {
+    yA = yA * poleA + runA[k] * restA;
+    yB = yB * poleB + runB[k] * restB;
+    runA[k] = yA;
+    runB[k] = yB;
+  }
+  a.state = flushed(yA);
+  b.state = flushed(yB);
+}
+
 /// Pole of a one-pole low-pass at cut-off f (impulse invariance).
 inline double lowPassPole(double hz, double sampleRate) noexcept {
   return std::exp(-kTwoPi * hz / sampleRate);
@@ -64,6 +80,30 @@ inline double wrappedOnce(double turns) noexcept {
   if (turns < 0.0) return turns + 1.0;
   if (turns > 1.0) return turns - 1.0;
   return turns;
+}
+
+/// Phases (0 .. 1) of n samples, each before its step of scale x speed, and the phase behind them.
+/// A steady speed takes no sample-by-sample sum.
+inline void advanceTurns(double& phase, double scale, std::span<const double> speeds,
+                         std::span<double> phases) noexcept {
+  const std::size_t n = speeds.size();
+  const auto wrapped = [](double x) {
+    x -= x >= 1.0 ? 1.0 : 0.0;
+    return x + (x < 0.0 ? 1.0 : 0.0);
+  };
+  if (n > 0 && speeds.front() == speeds.back()) {
+    const double step = scale * speeds.front();
+    for (std::size_t i = 0; i < n; ++i)
+      phases[i] = wrapped(phase + static_cast<double>(static_cast<int>(i)) * step);
+    phase = wrapped(phase + static_cast<double>(static_cast<int>(n)) * step);
+    return;
+  }
+  double at = phase;
+  for (std::size_t i = 0; i < n; ++i) {
+    phases[i] = at;
+    at = wrapped(at + scale * speeds[i]);
+  }
+  phase = at;
 }
 
 } // namespace qlx::engine

@@ -105,8 +105,8 @@ void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunB
     drumReturn[k] = drum[k] * 4.0;
     hornReturn[k] = horn[k] * 4.0;
   }
-  m_drumSmoother.process({drumReturn.data(), size}, m_drumPole);
-  m_hornSmoother.process({hornReturn.data(), size}, m_hornPole);
+  processPair(m_drumSmoother, drumReturn.data(), m_drumPole, m_hornSmoother, hornReturn.data(),
+              m_hornPole, size);
 
   Path paths[] = {{m_drumReturn, Smoothed::DrumToHornDelay, {}},
                   {m_port, Smoothed::PortToHornDelay, {}},

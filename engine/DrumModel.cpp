@@ -160,13 +160,17 @@ void DrumModel::addStaticRay(const RotorTrack& track, const SoundLine& line, int
                                          weight[2] * tap[j + 2] + weight[3] * tap[j + 3];
   const auto until = static_cast<std::size_t>(std::min(track.nextUpdate(0), n));
   const auto size = static_cast<std::size_t>(n);
-  m_staticLowPass.process({value.data(), until}, m_staticPole);
-  if (until < size) {
-    m_staticPole = m_wantedStaticPole;
-    m_staticLowPass.process({value.data() + until, size - until}, m_staticPole);
+  // Low-pass and splitter in one go; the second follows the first by the level alone.
+  double smooth = m_staticLowPass.state, bass = m_staticLowBand.state;
+  for (std::size_t k = 0; k < size; ++k) {
+    if (k == until) m_staticPole = m_wantedStaticPole;
+    smooth = smooth * m_staticPole + value[k] * (1.0 - m_staticPole);
+    value[k] = smooth * level;
+    bass = bass * m_splitterPole + value[k] * (1.0 - m_splitterPole);
+    low[k] = bass;
   }
-  for (std::size_t k = 0; k < size; ++k) low[k] = value[k] = value[k] * level;
-  m_staticLowBand.process({low.data(), size}, m_splitterPole);
+  m_staticLowPass.state = flushed(smooth);
+  m_staticLowBand.state = flushed(bass);
   for (std::size_t k = 0; k < size; ++k)
     sum[k] += low[k] * lowGain + (value[k] - low[k]) * m_settings.staticGain;
 }

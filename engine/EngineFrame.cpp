@@ -260,8 +260,7 @@ void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const Ru
     dryLeft[k] = inputGain[k] * s.in0[k] * 0.5;
     dryRight[k] = inputGain[k] * s.in1[k] * 0.5;
   }
-  m_dryLeft.process({dryLeft.data(), size}, m_dryPole);
-  m_dryRight.process({dryRight.data(), size}, m_dryPole);
+  processPair(m_dryLeft, dryLeft.data(), m_dryPole, m_dryRight, dryRight.data(), m_dryPole, size);
   if (m_state == State::Running && m_muteLevel == 0.0 && m_bypassLevel == 0.0 &&
       m_bypassTarget == 0.0) {
     std::copy_n(wetLeft.begin(), size, s.out0.begin());

@@ -92,16 +92,9 @@ void RotorMotion::advance(std::span<double> angles, std::span<double> speeds) no
     }
   }
   m_currentSpeed = speed;
-  double phase = m_phase;
-  const auto direction = static_cast<double>(m_direction);
-  for (std::size_t i = 0; i < angles.size(); ++i) {
-    const double angle = phase + m_phaseOffset;
-    angles[i] = angle - (angle >= 1.0 ? 1.0 : 0.0);
-    phase += direction * speeds[i];
-    phase -= phase >= 1.0 ? 1.0 : 0.0;
-    phase += phase < 0.0 ? 1.0 : 0.0;
-  }
-  m_phase = phase;
+  advanceTurns(m_phase, static_cast<double>(m_direction), speeds, angles);
+  if (m_phaseOffset == 0.0) return;
+  for (double& angle : angles) angle += m_phaseOffset - (angle + m_phaseOffset >= 1.0 ? 1.0 : 0.0);
 }
 
 } // namespace qlx::engine

@@ -22,11 +22,6 @@ constexpr double kHornBandHz = 1100.0;
 constexpr double kDrumBandHz = 1000.0;
 constexpr double kDrumTurnOffset = -0.0014204545454545455;
 
-void advanceCyclic(double& phase, double step) {
-  phase += step;
-  if (phase >= 1.0) phase -= 1.0;
-}
-
 } // namespace
 
 void SwitchSound::trigger() noexcept {
@@ -90,11 +85,30 @@ void RotorNoisePlayer::prepareBandPass(double sampleRate, double hz, double q) n
   m_bandPass.setInstantUpdate(false);
 }
 
-void RotorNoisePlayer::setBlend(Readings& readings, std::size_t i) const noexcept {
-  readings.slowGain[i] = m_slowVolume * m_blend.slow;
-  readings.fastGain[i] = m_fastVolume * m_blend.fast;
-  readings.slowHeard = readings.slowHeard || readings.slowGain[i] != 0.0;
-  readings.fastHeard = readings.fastHeard || readings.fastGain[i] != 0.0;
+RotorNoisePlayer::Gains RotorNoisePlayer::gainsFor(std::span<const double> speeds,
+                                                   NoiseBlend (NoiseSpeedRange::*law)(double)
+                                                       const noexcept) noexcept {
+  Gains gains;
+  if (speeds.front() == speeds.back()) {
+    if (speeds.front() != m_blendedSpeed) m_blend = (m_range.*law)(speeds.front());
+    m_blendedSpeed = speeds.front();
+    gains.slow.fill(m_slowVolume * m_blend.slow);
+    gains.fast.fill(m_fastVolume * m_blend.fast);
+  } else {
+    for (std::size_t i = 0; i < speeds.size(); ++i) {
+      const NoiseBlend blend = (m_range.*law)(speeds[i]);
+      gains.slow[i] = m_slowVolume * blend.slow;
+      gains.fast[i] = m_fastVolume * blend.fast;
+    }
+    m_blendedSpeed = -1.0;
+  }
+  const auto heard = [&](const RunBuffer& run) {
+    return std::any_of(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(speeds.size()),
+                       [](double gain) { return gain != 0.0; });
+  };
+  gains.slowHeard = heard(gains.slow);
+  gains.fastHeard = heard(gains.fast);
+  return gains;
 }
 
 void RotorNoisePlayer::addSwitchSound(std::span<double> run) noexcept {
@@ -147,26 +161,20 @@ void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
   constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
   const double place = micAngle / kHornFastTurns + m_turnOffset;
   const auto n = static_cast<int>(speeds.size());
-  Readings readings;
-  for (std::size_t i = 0; i < speeds.size(); ++i) {
-    if (speeds[i] != m_blendedSpeed) {
-      m_blendedSpeed = speeds[i];
-      m_blend = m_range.hornBlend(speeds[i]);
-    }
-    setBlend(readings, i);
-    readings.slowPosition[i] = m_slowPosition;
-    readings.fastPosition[i] = (m_fastPhase + place) * kFast;
-    m_slowPosition += m_slowStep;
-    if (m_slowPosition >= kSlow) m_slowPosition -= kSlow;
-    advanceCyclic(m_fastPhase, speeds[i] * (1.0 / kHornFastTurns));
+  const Gains gains = gainsFor(speeds, &NoiseSpeedRange::hornBlend);
+  RunBuffer position, sum{};
+  if (gains.slowHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i)
+      position[i] = m_slowPosition + static_cast<double>(static_cast<int>(i)) * m_slowStep;
+    m_kernels.loopRead(m_slowLoop.data(), kSlow, position.data(), gains.slow.data(), sum.data(), n);
   }
-  RunBuffer sum{};
-  if (readings.slowHeard)
-    m_kernels.loopRead(m_slowLoop.data(), kSlow, readings.slowPosition.data(),
-                       readings.slowGain.data(), sum.data(), n);
-  if (readings.fastHeard)
-    m_kernels.loopRead(m_fastLoop.data(), kFast, readings.fastPosition.data(),
-                       readings.fastGain.data(), sum.data(), n);
+  m_slowPosition += n * m_slowStep;
+  if (m_slowPosition >= kSlow) m_slowPosition -= kSlow;
+  advanceTurns(m_fastPhase, 1.0 / kHornFastTurns, speeds, {position.data(), speeds.size()});
+  if (gains.fastHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] = (position[i] + place) * kFast;
+    m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), sum.data(), n);
+  }
   std::copy_n(sum.begin(), n, out.begin());
   addSwitchSound(out);
 }
@@ -213,27 +221,21 @@ void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, d
   constexpr int kSlow = kDrumSlowLength, kFast = kDrumFastLength;
   const double place = micAngle / kDrumFastTurns + kDrumTurnOffset;
   const auto n = static_cast<int>(speeds.size());
-  Readings readings;
-  RunBuffer between{};
-  for (std::size_t i = 0; i < speeds.size(); ++i) {
-    if (speeds[i] != m_blendedSpeed) {
-      m_blendedSpeed = speeds[i];
-      m_blend = m_range.drumBlend(speeds[i]);
-    }
-    between[i] = m_range.between(speeds[i]);
-    setBlend(readings, i);
-    readings.slowPosition[i] = m_slowPhase * kSlow;
-    readings.fastPosition[i] = (place + m_fastPhase) * kFast;
-    advanceCyclic(m_fastPhase, speeds[i] * (1.0 / kDrumFastTurns));
-    advanceCyclic(m_slowPhase, speeds[i] * (1.0 / kDrumSlowTurns));
+  const Gains gains = gainsFor(speeds, &NoiseSpeedRange::drumBlend);
+  RunBuffer position, slow{}, fast{}, between{};
+  advanceTurns(m_slowPhase, 1.0 / kDrumSlowTurns, speeds, {position.data(), speeds.size()});
+  if (gains.slowHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] *= kSlow;
+    m_kernels.loopRead(m_slowLoop.data(), kSlow, position.data(), gains.slow.data(), slow.data(),
+                       n);
   }
-  RunBuffer slow{}, fast{};
-  if (readings.slowHeard)
-    m_kernels.loopRead(m_slowLoop.data(), kSlow, readings.slowPosition.data(),
-                       readings.slowGain.data(), slow.data(), n);
-  if (readings.fastHeard)
-    m_kernels.loopRead(m_fastLoop.data(), kFast, readings.fastPosition.data(),
-                       readings.fastGain.data(), fast.data(), n);
+  advanceTurns(m_fastPhase, 1.0 / kDrumFastTurns, speeds, {position.data(), speeds.size()});
+  if (gains.fastHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] = (position[i] + place) * kFast;
+    m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), fast.data(),
+                       n);
+  }
+  for (std::size_t i = 0; i < speeds.size(); ++i) between[i] = m_range.between(speeds[i]);
   m_kernels.noiseTreble(m_treble, between.data(), slow.data(), fast.data(), out.data(), n);
   addSwitchSound(out);
   finish(level, out);

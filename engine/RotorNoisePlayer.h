@@ -74,20 +74,22 @@ class RotorNoisePlayer {
   double gain(double level) const noexcept { return m_distanceGain * level; }
 
  protected:
-  /// Where the recordings are read and how loud, a sample of the stretch each.
-  struct Readings {
-    RunBuffer slowPosition, fastPosition, slowGain, fastGain;
-    bool slowHeard = false, fastHeard = false;
-  };
-
   RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
                    std::span<const float> fastLoop, std::span<const float> startStop, double bandHz,
                    double bandQ) noexcept;
 
+  /// How loud both recordings are, a sample of the stretch each.
+  struct Gains {
+    RunBuffer slow{}, fast{};
+    bool slowHeard = false, fastHeard = false;
+  };
+
+  /// Blend by the rotor's speeds; `law` is one of NoiseSpeedRange's.
+  Gains gainsFor(std::span<const double> speeds,
+                 NoiseBlend (NoiseSpeedRange::*law)(double) const noexcept) noexcept;
   void prepareBandPass(double sampleRate, double hz, double q) noexcept;
   void addSwitchSound(std::span<double> run) noexcept;
   void finish(double level, std::span<double> run) noexcept; ///< band-pass and level
-  void setBlend(Readings& readings, std::size_t i) const noexcept;
 
   const kernels::Kernels& m_kernels;
   std::span<const float> m_slowLoop;

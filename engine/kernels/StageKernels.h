@@ -78,7 +78,7 @@ void tube(const double* drive, double trackerShare, double& tracker, double* run
   // The asymmetry's DC is tracked through silence too, so that no thump follows it.
   double level = tracker;
   for (int j = 0; j < n; ++j) {
-    level += (driven[j] - level) * trackerShare;
+    level = level * (1.0 - trackerShare) + driven[j] * trackerShare;
     dc[j] = level;
   }
   tracker = level < 1e-24 && level > -1e-24 ? 0.0 : level;
