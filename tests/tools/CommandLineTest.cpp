@@ -83,6 +83,8 @@ TEST_F(CommandLine, everyBadInputGetsOneClearLine) {
       {"params --plugin missing.so", "no plug-in file 'missing.so'"},
       {"bench --plugin missing.so", "no plug-in file 'missing.so'"},
       {"bench @", "no parameter 'CPUmode'"},
+      {"bench @ --picture growth.png", "--growth"},
+      {"bench @ --growth --json", "--json"},
       {"organ out.txt", "kind of sound file"},
       {"picture missing.wav out.png", "cannot read 'missing.wav'"},
       {"picture in.wav none/out.png", "cannot write 'none/out.png'"},

@@ -31,9 +31,16 @@ void Canvas::line(double x0, double y0, double x1, double y1, double width) {
 }
 
 void Canvas::curve(std::span<const std::pair<double, double>> points, double width) {
+  cairo_new_path(cr()); // text leaves a point behind
   cairo_set_line_width(cr(), width);
   for (const auto& [x, y] : points) cairo_line_to(cr(), x, y);
   cairo_stroke(cr());
+}
+
+void Canvas::dot(double x, double y, double radius) {
+  cairo_new_path(cr());
+  cairo_arc(cr(), x, y, radius, 0.0, 2.0 * std::numbers::pi);
+  cairo_fill(cr());
 }
 
 void Canvas::frame(const Box& box) {

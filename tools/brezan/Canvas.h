@@ -38,6 +38,7 @@ class Canvas {
   void fill(const Box& box);
   void line(double x0, double y0, double x1, double y1, double width = 1.0);
   void curve(std::span<const std::pair<double, double>> points, double width);
+  void dot(double x, double y, double radius);
   void frame(const Box& box); ///< a line around the box
   double textWidth(const std::string& words, double size);
   /// `x` is where the words begin, have their middle or end; `y` is their base line.

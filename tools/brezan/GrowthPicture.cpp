@@ -17,10 +17,12 @@ constexpr Box kRatesBox{1170, 96, 420, 380};
 constexpr double kHeadroom = 1.15; // above the highest point
 constexpr double kDotRadius = 3.5;
 
+using Points = std::vector<std::pair<std::string, double>>; // a place's words, and the value
+
 struct Curve {
   std::string name;
   const Colour& colour;
-  std::vector<std::pair<std::string, double>> points; // the place's words, and the value
+  Points points;
 };
 
 /// The least round step of which at most six fit into `most`.
@@ -31,23 +33,23 @@ double roundStep(double most) {
   return 10.0 * decade;
 }
 
-/// Places stand evenly, each in the order of the longest curve; shorter curves end at the right.
+/// Places stand evenly, those of the longest curve; shorter curves end at the right like it.
 class Diagram {
  public:
   Diagram(Canvas& canvas, const Box& box, const std::vector<Curve>& curves)
       : m_canvas(canvas), m_box(box) {
     for (const Curve& curve : curves) {
-      m_places = std::max(m_places, curve.points.size());
+      if (curve.points.size() > m_places.size()) m_places = curve.points;
       for (const auto& [place, value] : curve.points) m_most = std::max(m_most, value);
     }
     m_most *= kHeadroom;
     canvas.colour(kWhite);
     canvas.fill(box);
     grid();
+    places();
     double nameY = box.y + 24;
     for (const Curve& curve : curves) {
       if (curve.points.empty()) continue;
-      if (curve.points.size() == m_places) places(curve);
       draw(curve);
       canvas.text(box.x + 14, nameY, curve.name, 14, Align::Left, true, curve.colour);
       nameY += 20;
@@ -64,7 +66,7 @@ class Diagram {
  private:
   double x(std::size_t place) const {
     return m_box.x +
-           m_box.width * (static_cast<double>(place) + 0.5) / static_cast<double>(m_places);
+           m_box.width * (static_cast<double>(place) + 0.5) / static_cast<double>(m_places.size());
   }
   double y(double value) const { return m_box.bottom() - m_box.height * value / m_most; }
 
@@ -78,29 +80,26 @@ class Diagram {
     }
   }
 
-  void places(const Curve& curve) {
-    for (std::size_t i = 0; i < m_places; ++i) {
+  void places() {
+    for (std::size_t i = 0; i < m_places.size(); ++i) {
       m_canvas.colour(kInk);
       m_canvas.line(x(i), m_box.bottom(), x(i), m_box.bottom() + 6);
-      m_canvas.text(x(i), m_box.bottom() + 24, curve.points[i].first, 13, Align::Centre);
+      m_canvas.text(x(i), m_box.bottom() + 24, m_places[i].first, 13, Align::Centre);
     }
   }
 
   void draw(const Curve& curve) {
     std::vector<std::pair<double, double>> points;
     for (std::size_t i = 0; i < curve.points.size(); ++i)
-      points.emplace_back(x(m_places - curve.points.size() + i), y(curve.points[i].second));
+      points.emplace_back(x(m_places.size() - curve.points.size() + i), y(curve.points[i].second));
     m_canvas.colour(curve.colour);
     m_canvas.curve(points, 2.0);
-    for (const auto& [atX, atY] : points) {
-      cairo_arc(m_canvas.cr(), atX, atY, kDotRadius, 0.0, 7.0);
-      cairo_fill(m_canvas.cr());
-    }
+    for (const auto& [atX, atY] : points) m_canvas.dot(atX, atY, kDotRadius);
   }
 
   Canvas& m_canvas;
   const Box& m_box;
-  std::size_t m_places = 0;
+  Points m_places; ///< of the longest curve
   double m_most = 0.0;
 };
 

@@ -1,0 +1,98 @@
+// What is measured, and that all of it is reported; not how fast it is.
+#include "tests/tools/CommandRun.h"
+#include "tools/brezan/Workload.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <regex>
+#include <set>
+#include <thread>
+
+using namespace qlx::tools;
+using namespace qlx::tests;
+
+namespace {
+
+class Bench : public testing::Test {
+ protected:
+  Bench() { setenv("XDG_CONFIG_HOME", m_folder.path().c_str(), 1); }
+
+  Finished bench(const std::string& options) const {
+    return run(BREZAN " bench --plugin " PLUGIN " --seconds 0.01 " + options);
+  }
+
+  TemporaryFolder m_folder;
+};
+
+using Sound = std::vector<float>; // left and right in turn
+
+Sound play(WorkloadPlan& plan, Use use, double seconds) {
+  Workload work(plan, {48000.0, true, use});
+  Sound sound;
+  for (long long i = work.stepsIn(seconds); i > 0; --i) {
+    work.step();
+    for (std::size_t k = 0; k < Workload::kBlockFrames; ++k)
+      for (const auto& channel : work.output()) sound.push_back(channel[k]);
+  }
+  return sound;
+}
+
+// Frames from `from` seconds on in which the cabinet is muted: one channel goes in, and only the
+// microphones make two of it.
+long long mutedFrames(const Sound& sound, double from) {
+  long long muted = 0;
+  for (auto i = 2 * static_cast<std::size_t>(48000.0 * from); i < sound.size(); i += 2)
+    if (sound[i] != 0.0F && sound[i] == sound[i + 1]) ++muted;
+  return muted;
+}
+
+} // namespace
+
+TEST_F(Bench, aUseIsTheSameWorkEachTimeAndUnlikeTheOthers) {
+  WorkloadPlan plan(PLUGIN);
+  std::set<Sound> sounds;
+  for (const Use use :
+       {Use::SteadyFast, Use::LeverMoving, Use::ParametersAutomated, Use::GeometryRebuilt}) {
+    const Sound sound = play(plan, use, 1.2);
+    EXPECT_EQ(sound, play(plan, use, 1.2));
+    EXPECT_TRUE(sounds.insert(sound).second);
+    EXPECT_EQ(mutedFrames(sound, 0.4) > 100, use == Use::GeometryRebuilt);
+  }
+}
+
+TEST_F(Bench, reportsEveryCase) {
+  const Finished got = bench("--json");
+  ASSERT_EQ(got.status, 0) << got.errors;
+  const auto report = nlohmann::json::parse(got.output);
+  std::set<std::string> names;
+  for (const auto& measured : report["cases"]) {
+    names.insert(measured["rate"].dump() + measured["mode"].dump() + measured["use"].dump());
+    EXPECT_GT(measured["cpuNsPerSample"], 0.0) << measured;
+    EXPECT_GT(measured["medianBlockMicroseconds"], 0.0) << measured;
+    EXPECT_GE(measured["worstOverMedian"], 1.0) << measured;
+  }
+  EXPECT_EQ(names.size(), workloadCases().size());
+  EXPECT_GT(report["creationMilliseconds"], 0.0);
+  // Rings, tables and filters: neither nothing nor the recordings once more.
+  EXPECT_GT(report["instanceBytes"], 100'000);
+  EXPECT_LT(report["instanceBytes"], 40'000'000);
+}
+
+TEST_F(Bench, growthHasAllItsRowsAndAPicture) {
+  const auto picture = m_folder / "growth.png";
+  const Finished got = bench("--growth --picture " + picture.string());
+  ASSERT_EQ(got.status, 0) << got.errors;
+  const auto rowsWith = [&got](const std::string& pattern) {
+    long long rows = 0;
+    std::istringstream lines(got.output);
+    for (std::string line; std::getline(lines, line);)
+      rows += std::regex_search(line, std::regex(pattern)) ? 1 : 0;
+    return rows;
+  };
+  EXPECT_EQ(rowsWith("^ *64 +1 +64 +48000 +Brilliant"), 1) << got.output;
+  EXPECT_EQ(rowsWith("^ *64 +2 "), std::thread::hardware_concurrency() > 1 ? 1 : 0);
+  EXPECT_EQ(rowsWith(" 1 +4096 +48000 +(Brilliant|LowCPU)"), 2) << got.output;
+  EXPECT_EQ(rowsWith(" 64 +192000 +(Brilliant|LowCPU)"), 2) << got.output;
+  EXPECT_TRUE(std::filesystem::exists(picture));
+}
