@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Instructions that not every x86-64 has may stand in the engine's kernels alone, which are chosen while the plug-in runs.
+# Usage: instruction_sets.sh QLXBrezan.so
+set -euo pipefail
+newer=$(objdump -d --no-show-raw-insn "$1" |
+  awk '/>:$/ { function_ = $2 } /%[yz]mm[0-9]|\tv[a-z0-9]+ / { print function_ }' | sort -u)
+outside=$(grep -v 'qlx6engine7kernels12_GLOBAL__N_' <<<"$newer" || true)
+if [ -n "$outside" ]; then
+  echo "functions outside the kernels that need a newer processor:"
+  c++filt <<<"$outside"
+  exit 1
+fi
+# The check itself works only if it sees the kernels.
+grep -q hornRays <<<"$newer" || { echo "no kernel for newer processors found in $1"; exit 1; }
+echo "instruction sets: newer ones in $(wc -l <<<"$newer") kernel functions only"
