@@ -104,8 +104,8 @@ void bench(const BenchOptions& options) {
   WorkloadPlan plan(locatePlugin(options.plugin));
   if (options.growth) {
     const Growth growth = measureGrowthVisibly(plan, options.seconds);
+    printGrowth(growth, std::cout); // first: a picture that can't be written costs no numbers
     if (!options.picture.empty()) drawGrowth(growth, options.picture);
-    printGrowth(growth, std::cout);
     return;
   }
   const Report report = measureCases(plan, options.seconds);

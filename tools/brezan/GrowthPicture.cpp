@@ -14,7 +14,7 @@ constexpr int kHeight = 560;
 constexpr Box kInstancesBox{90, 96, 420, 380};
 constexpr Box kBlocksBox{630, 96, 420, 380};
 constexpr Box kRatesBox{1170, 96, 420, 380};
-constexpr double kHeadroom = 1.15; // above the highest point
+constexpr double kHeadroom = 1.25; // above the highest point
 constexpr double kDotRadius = 3.5;
 
 using Points = std::vector<std::pair<std::string, double>>; // a place's words, and the value
