@@ -3,10 +3,10 @@
 #include "editor/RotaryEditor.h"
 #include "platform/FlushToZero.h"
 #include "platform/NativeWindow.h"
-#include "platform/SettingsStore.h"
 #include "plugin/FactoryPresets.h"
 #include "plugin/ParameterIndex.h"
 #include "plugin/ParameterLaws.h"
+#include "presets/PersistentSettings.h"
 #include "resources/NoiseRecordings.h"
 
 #include <algorithm>
@@ -27,9 +27,6 @@ constexpr std::string_view kEffectName = "QLX Brezan";
 constexpr std::string_view kProductName = "QLX Brezan - rotary speaker emulator";
 constexpr std::string_view kVendorName = "meridane.example";
 constexpr std::int32_t kVendorVersion = 1000;
-
-constexpr std::string_view kSettingsVendor = "Meridane";
-constexpr std::string_view kSettingsProduct = "QLXBRZ1";
 
 constexpr std::array<std::string_view, 6> kAbilities = {
     "offline", "plugAsChannelInsert", "1in1out", "1in2out", "2in2out", "receiveVstMidiEvent"};
@@ -90,8 +87,8 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
 
 void RotaryEffect::createEditor() {
   editor::RotaryEditor::Desktop desktop{
-      platform::nativeWindowSystem(), platform::openUserSettings(kSettingsVendor, kSettingsProduct),
-      platform::desktopFileSelector(), platform::desktopDocumentOpener()};
+      platform::nativeWindowSystem(), presets::openUserSettings(), platform::desktopFileSelector(),
+      platform::desktopDocumentOpener()};
   auto own = std::make_unique<editor::RotaryEditor>(*this, *this, std::move(desktop));
   own->setFormatter(&m_formatter);
   setPresetEditor(own.get());
