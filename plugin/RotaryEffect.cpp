@@ -86,9 +86,9 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
 }
 
 void RotaryEffect::createEditor() {
-  editor::RotaryEditor::Desktop desktop{
-      platform::nativeWindowSystem(), presets::openUserSettings(), platform::desktopFileSelector(),
-      platform::desktopDocumentOpener()};
+  editor::RotaryEditor::Desktop desktop{platform::nativeWindowSystem(), presets::openUserSettings(),
+                                        platform::desktopFileSelector(),
+                                        platform::desktopDocumentOpener()};
   auto own = std::make_unique<editor::RotaryEditor>(*this, *this, std::move(desktop));
   own->setFormatter(&m_formatter);
   setPresetEditor(own.get());
