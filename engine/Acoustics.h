@@ -75,13 +75,6 @@ inline double approachCoefficient(double seconds, double sampleRate) noexcept {
   return 1.0 - std::exp(-1.0 / (seconds * sampleRate));
 }
 
-/// Adds or subtracts one turn so that an angle at most one turn outside comes back to 0 .. 1.
-inline double wrappedOnce(double turns) noexcept {
-  if (turns < 0.0) return turns + 1.0;
-  if (turns > 1.0) return turns - 1.0;
-  return turns;
-}
-
 /// Phases (0 .. 1) of n samples, each before its step of scale x speed, and the phase behind them.
 /// A steady speed takes no sample-by-sample sum.
 inline void advanceTurns(double& phase, double scale, std::span<const double> speeds,

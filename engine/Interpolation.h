@@ -63,28 +63,10 @@ class MirroredRing {
   std::array<double, 2 * std::size_t{Size}> m_samples{};
 };
 
-/// Reads `ring` (stored twice in a row, `size` samples each) at position `pos`; a negative position
-/// is raised by whole lengths, one past the end wraps.
-double cubicRingRead(double pos, const double* ring, int size) noexcept;
-
 /// Reads table[0 .. last] at x; below 0 and above `last` the end values hold.
 double cubicTableRead(double x, const double* table, int last) noexcept;
 
-/// Reads a recording of `length` samples that is followed by copies of its first three, wrapping
-/// like cubicRingRead. The arithmetic is single precision; the position is not.
-float cubicLoopRead(double pos, const float* samples, int length) noexcept;
-
 /// Reads samples[0 .. last] once, the end values holding outside, in single precision.
 float cubicOneShotRead(double x, const float* samples, int last) noexcept;
-
-/// Value at `position` between entries of a table that closes on itself: the entry's index is taken
-/// modulo the number of intervals (N - 1), entry and successor are joined by a straight line.
-template <std::size_t N>
-double cyclicTableRead(const std::array<double, N>& table, double position) noexcept {
-  const auto whole = static_cast<std::size_t>(position);
-  const double fraction = position - static_cast<double>(whole);
-  const std::size_t i = whole % (N - 1);
-  return table[i] + (table[i + 1] - table[i]) * fraction;
-}
 
 } // namespace qlx::engine

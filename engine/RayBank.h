@@ -7,7 +7,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <limits>
+#include <numbers>
 
 namespace qlx::engine {
 
@@ -76,8 +77,8 @@ constexpr std::array<double, N + 1> continued(const std::array<double, N>& table
   return longer;
 }
 
-/// The ways in which a ray, seen from the track, arrives at a fixed delay of `samples`; writes the
-/// oldest of the four points of the stretch's first sample and the weights of all four.
+/// A sound that arrives at a fixed delay of `samples`: returns the oldest of the four points for
+/// the stretch's first sample and writes the weights of all four.
 inline const double* fixedTap(const SoundLine& line, int writeIndex, double samples,
                               std::array<double, 4>& weight) noexcept {
   double position = writeIndex - samples;

@@ -5,7 +5,7 @@
 namespace qlx::engine {
 
 // How a rotor's mouth colours a ray over the angle between the two, one turn from end to end; read
-// with cyclicTableRead.
+// along straight lines.
 
 /// Horn, resonance of the mouth: both ends face along the ray.
 inline constexpr std::array<double, 37> kHornPeakHz = {

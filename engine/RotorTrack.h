@@ -56,7 +56,6 @@ class RotorTrack {
     return {m_speeds.data(), static_cast<std::size_t>(n)};
   }
 
-  double sampleRate() const noexcept { return m_sampleRate; }
   double samplesPerMetre() const noexcept { return m_sampleRate * kInverseSpeedOfSound; }
 
  private:

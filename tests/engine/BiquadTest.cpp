@@ -1,5 +1,6 @@
 #include "engine/Biquad.h"
 #include "engine/Interpolation.h"
+#include "engine/RayBank.h"
 
 #include <gtest/gtest.h>
 
@@ -192,29 +193,53 @@ TEST(Biquad, FallsSilentWithoutSubnormals) {
 }
 
 TEST(Interpolation, CubicReadsGoThroughTheirPointsAndKeepParabolas) {
-  MirroredRing<16> ring;
-  for (int i = 0; i < 16; ++i) ring.write(i, 0.5 * i * i - 3 * i);
-  std::vector<double> table(ring.data(), ring.data() + 16);
+  std::vector<double> table;
+  for (int i = 0; i < 16; ++i) table.push_back(0.5 * i * i - 3 * i);
   for (double x = 1.0; x < 13.9; x += 0.13) {
     const double expected = 0.5 * x * x - 3 * x;
-    EXPECT_NEAR(cubicRingRead(x, ring.data(), 16), expected, 1e-12) << x;
     EXPECT_NEAR(cubicTableRead(x, table.data(), 15), expected, 1e-12) << x;
   }
   EXPECT_EQ(cubicTableRead(-0.5, table.data(), 15), table[0]);
   EXPECT_EQ(cubicTableRead(15.5, table.data(), 15), table[15]);
 }
 
-TEST(Interpolation, RingAndLoopWrapBothWays) {
-  MirroredRing<16> ring;
-  std::vector<float> loop(16 + 3);
-  for (int i = 0; i < 16; ++i) ring.write(i, std::sin(2 * kPi * i / 16));
+TEST(Interpolation, LoopsWrapBothWays) {
+  constexpr int kLength = 16;
+  std::vector<float> loop(kLength + 3);
   for (std::size_t i = 0; i < loop.size(); ++i)
-    loop[i] = static_cast<float>(std::sin(2 * kPi * static_cast<double>(i % 16) / 16));
-  for (double x = -40.3; x < 40; x += 0.37) {
-    const double inside = x - 16 * std::floor(x / 16);
-    EXPECT_NEAR(cubicRingRead(x, ring.data(), 16), cubicRingRead(inside, ring.data(), 16), 1e-12);
-    EXPECT_NEAR(cubicRingRead(x, ring.data(), 16), std::sin(2 * kPi * x / 16), 0.02);
-    EXPECT_NEAR(cubicLoopRead(x, loop.data(), 16), cubicRingRead(x, ring.data(), 16), 1e-6);
+    loop[i] = static_cast<float>(std::sin(2 * kPi * static_cast<double>(i % kLength) / kLength));
+  const auto point = [&](int i) {
+    return static_cast<double>(loop[static_cast<std::size_t>((i + 4 * kLength) % kLength)]);
+  };
+  for (double x = -15.9; x < 31.9; x += 0.37) {
+    RunBuffer position{}, gain{}, sum{};
+    position[2] = x;
+    gain[2] = 2.0;
+    sum[2] = 1.0;
+    kernels::chooseKernels().loopRead(loop.data(), kLength, position.data(), gain.data(),
+                                      sum.data(), 3);
+    const int whole = static_cast<int>(std::floor(x));
+    const double expected = CubicWeights<double>(x - whole)(point(whole - 1), point(whole),
+                                                            point(whole + 1), point(whole + 2));
+    EXPECT_NEAR(sum[2], 1.0 + 2.0 * expected, 1e-12) << x;
+    EXPECT_NEAR(expected, std::sin(2 * kPi * x / kLength), 0.02) << x;
+  }
+}
+
+TEST(Interpolation, FixedTapsWrapInTheirLine) {
+  SoundLine line;
+  for (int i = 0; i < kTrackSize; ++i) line.write(i, std::sin(2 * kPi * i / 64));
+  for (const int writeIndex : {0, 1, 2, 5, 100, 4094, 4095}) {
+    for (const double delay : {0.0, 0.3, 1.0, 2.75, 77.7, 3000.2}) {
+      std::array<double, 4> weight;
+      const double* tap = fixedTap(line, writeIndex, delay, weight);
+      for (const int j : {0, 63}) {
+        double value = 0.0;
+        for (int i = 0; i < 4; ++i) value += weight[static_cast<std::size_t>(i)] * tap[j + i];
+        EXPECT_NEAR(value, std::sin(2 * kPi * (writeIndex + j - delay) / 64), 1e-4)
+            << writeIndex << " - " << delay;
+      }
+    }
   }
 }
 
