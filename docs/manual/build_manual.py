@@ -102,6 +102,7 @@ def font_face(family, weight, file, characters):
 def page(text, version, parameters):
     for name, made in {"panel": panel(), "strip": strip(), "signal path": (HERE / "signal-path.svg").read_text("utf-8"),
                        "lever": f'<figure class="aside">{picture("tremolo.png", "The window at tremolo")}</figure>',
+                       "ardour pins": f'<figure class="wide">{picture("ardour-pins.png", "Pin Connections in Ardour")}</figure>',
                        "menu": f'<figure class="wide">{picture("menu.png", "The menu of presets")}</figure>',
                        "parameters": parameter_table(parameters)}.items():
         text = text.replace(f"[[{name}]]", made)
