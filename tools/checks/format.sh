@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Every C++ file of the project is formatted by .clang-format. Usage: format.sh ROOT
+# Every C++ file of the project is formatted by .clang-format. Usage: format.sh ROOT [-i]; -i formats them.
 set -euo pipefail
 cd "$1"
-find engine sdk platform gui presets midi plugin editor resources tools tests bench \
-  \( -name '*.h' -o -name '*.cpp' \) -print0 2>/dev/null | xargs -0 clang-format --dry-run --Werror
-echo "format: clean"
+mode=(--dry-run --Werror)
+[ "${2:-}" != -i ] || mode=(-i)
+find . \( -path ./build -o -path ./.git \) -prune -o \( -name '*.h' -o -name '*.cpp' \) -print0 |
+  xargs -0 -P "$(nproc)" -n 40 clang-format "${mode[@]}"
+echo "format: ${2:+made }clean"

@@ -1,4 +1,4 @@
-# Shared build rules of the rooms.
+# Shared build rules of the modules.
 
 # Flags of every target of ours. Floating point is left as the standard defines it: no contraction, no fast-math, so that
 # a render is the same on every machine.
@@ -15,24 +15,30 @@ if(QLX_SANITIZE)
   target_link_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE})
 endif()
 
-# qlx_room(name SOURCES ... [LINKS ...]): the static library qlx_<name> of one room.
-function(qlx_room name)
+# qlx_module(name SOURCES ... [LINKS ...]): the static library qlx_<name> of one module.
+function(qlx_module name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_library(qlx_${name} STATIC ${ARG_SOURCES})
   target_link_libraries(qlx_${name} PUBLIC qlx_options ${ARG_LINKS})
 endfunction()
 
-# qlx_test(name SOURCES ... [LINKS ...] [EVERY_PROCESSOR]): one GoogleTest program; each of its tests is a ctest entry.
-# EVERY_PROCESSOR: once more with the kernels that run on any x86-64.
+# qlx_test(name SOURCES ... [LINKS ...] [SLOW pattern ...] [EVERY_PROCESSOR]): one GoogleTest program; each of its tests is a
+# ctest entry with the label quick, those whose names match a pattern of GoogleTest's with the label slow.
+# EVERY_PROCESSOR: once more with the kernels that run on any x86-64; these are slow.
 function(qlx_test name)
-  cmake_parse_arguments(ARG "EVERY_PROCESSOR" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "EVERY_PROCESSOR" "" "SOURCES;LINKS;SLOW" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
   target_link_libraries(test_${name} PRIVATE qlx_options ${ARG_LINKS} GTest::gtest GTest::gmock GTest::gtest_main)
   include(GoogleTest)
-  gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 600)
+  list(JOIN ARG_SLOW : slow)
+  if(slow)
+    gtest_discover_tests(test_${name} TEST_PREFIX "${name}." TEST_FILTER "${slow}" TEST_LIST test_${name}_SLOW_TESTS
+      DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS slow)
+  endif()
+  gtest_discover_tests(test_${name} TEST_PREFIX "${name}." TEST_FILTER "-${slow}"
+    DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS quick)
   if(ARG_EVERY_PROCESSOR)
     gtest_discover_tests(test_${name} TEST_PREFIX "baseline.${name}." TEST_LIST test_${name}_BASELINE_TESTS
-      DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 ENVIRONMENT QLX_ISA=baseline)
+      DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS slow ENVIRONMENT QLX_ISA=baseline)
   endif()
 endfunction()

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks the walls between the rooms: which folder may include which, and that engine/ and sdk/ stand on the standard
-library alone. Usage: include_walls.py ROOT. Prints every door that should not be there; exit 1 if there is one."""
+"""Checks which module (top folder) includes which, and that engine/, sdk/ and others include no library but the standard
+one. Usage: dependencies.py ROOT. Prints every include that is not allowed; exit 1 if there is one."""
 import pathlib
 import re
 import sys
@@ -17,7 +17,7 @@ ALLOWED = {
     "editor": {"gui", "presets", "platform", "resources", "sdk", "plugin"},
     "tools": {"sdk", "engine", "platform", "gui", "resources", "presets"},
 }
-# Single headers through which a room may look into another.
+# Pairs of modules of which the first may include these headers of the second only.
 ONLY = {
     ("resources", "engine"): {"engine/Recordings.h"},
     ("tools", "engine"): {"engine/Recordings.h"},
@@ -33,8 +33,8 @@ POSIX = {"unistd.h", "dlfcn.h", "fcntl.h", "pthread.h", "poll.h", "signal.h"}
 
 
 def problems(root):
-    for room, allowed in ALLOWED.items():
-        for path in sorted((root / room).rglob("*")):
+    for module, allowed in ALLOWED.items():
+        for path in sorted((root / module).rglob("*")):
             if path.suffix not in {".h", ".cpp", ".S"}:
                 continue
             rel = path.relative_to(root)
@@ -48,24 +48,24 @@ def problems(root):
                     if not (root / target).is_file():
                         if not path.suffix == ".S":
                             yield f"{where}: {target} is not named from the root"
-                    elif other != room and other not in allowed:
-                        yield f"{where}: {room}/ must not include {other}/"
-                    elif (room, other) in ONLY and target not in ONLY[(room, other)]:
-                        yield f"{where}: {room}/ must not include {target}"
-                    elif (set(target.split("/")) & SYSTEM_FOLDERS and room != "platform"):
+                    elif other != module and other not in allowed:
+                        yield f"{where}: {module}/ must not include {other}/"
+                    elif (module, other) in ONLY and target not in ONLY[(module, other)]:
+                        yield f"{where}: {module}/ must not include {target}"
+                    elif (set(target.split("/")) & SYSTEM_FOLDERS and module != "platform"):
                         yield f"{where}: only platform/ knows the operating system"
                 elif system:
                     header = system.group(1)
-                    if room in STANDARD_ONLY and not STANDARD.match(header):
-                        yield f"{where}: {room}/ stands on the standard library, not on <{header}>"
-                    outside = room not in {"platform", "tools"}
+                    if module in STANDARD_ONLY and not STANDARD.match(header):
+                        yield f"{where}: {module}/ includes the standard library only, not <{header}>"
+                    outside = module not in {"platform", "tools"}
                     if outside and (header in POSIX or header.startswith(("sys/", "xcb", "X11/"))):
                         yield f"{where}: only platform/ may assume POSIX or a window system"
 
 
 def main():
     found = list(problems(pathlib.Path(sys.argv[1]).resolve()))
-    print("\n".join(found) if found else "walls: every include is through a door")
+    print("\n".join(found) if found else "dependencies: every include is allowed")
     return 1 if found else 0
 
 
