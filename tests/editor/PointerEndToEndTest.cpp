@@ -191,7 +191,7 @@ TEST(EditorByHand, ScreenshotsNeedNoDisplay) {
   readme << std::ifstream(README_PICTURE, std::ios::binary).rdbuf();
   EXPECT_TRUE(plain == readme.str())
       << "README shows another editor: brezan screenshot " README_PICTURE;
-  for (const char* options : {"--about", "--set Lever=1", "--set Bypass=On", "--control 1=99"}) {
+  for (const char* options : {"--about", "--set Lever=Tremolo", "--set Bypass=On", "--control 1=99"}) {
     EXPECT_NE(pictureWith(options), plain) << options;
   }
 }

@@ -19,7 +19,7 @@ constexpr double kRate = 1000.0;
 } // namespace
 
 TEST(Automation, readsLinesInOrderOfTime) {
-  const auto list = moves("# moves\n\n2.5 Mode BlueSky # late\r\n  1\tGain 0.25 0.5\n");
+  const auto list = moves("# moves\n\n2.5 Mode BlueSky # late\r\n  1\tGain norm:0.25 0.5\n");
   ASSERT_EQ(list.size(), 2U);
   EXPECT_EQ(list[0].seconds, 1.0);
   EXPECT_EQ(list[0].index, 0);
@@ -32,11 +32,11 @@ TEST(Automation, readsLinesInOrderOfTime) {
 TEST(Automation, namesTheLineThatIsWrong) {
   const std::pair<const char*, const char*> cases[] = {
       {"1 Gain\n", "line 1: a line is"},
-      {"# x\n\n1 Gain 0.5\nsoon Gain 1\n", "line 4: 'soon' is no time"},
-      {"-1 Gain 1\n", "line 1: '-1' is no time"},
-      {"1 Gain 1 slowly\n", "line 1: 'slowly' is no ramp"},
-      {"1 Gain 1 2 3\n", "line 1: too many words"},
-      {"9 Gain 1\n1 Volume 1\n", "line 2: no parameter 'Volume'"},
+      {"# x\n\n1 Gain norm:0.5\nsoon Gain 1\n", "line 4: 'soon' is no time"},
+      {"-1 Gain norm:1\n", "line 1: '-1' is no time"},
+      {"1 Gain norm:1 slowly\n", "line 1: 'slowly' is no ramp"},
+      {"1 Gain norm:1 2 3\n", "line 1: too many words"},
+      {"9 Gain norm:1\n1 Volume 1\n", "line 2: no parameter 'Volume'"},
       {"1 Mode Yellow\n", "line 1: 'Yellow' is no value"},
   };
   for (const auto& [text, words] : cases)
@@ -48,7 +48,7 @@ TEST(Automation, namesTheLineThatIsWrong) {
 TEST(Automation, rampsAreStraightAndEndExactly) {
   PluginHost host(TEST_EFFECT);
   host.setValue(0, 0.0F);
-  AutomationPlayer player(moves("0.1 Gain 1 0.2\n0.5 Gain 0.5\n"), kRate);
+  AutomationPlayer player(moves("0.1 Gain norm:1 0.2\n0.5 Gain norm:0.5\n"), kRate);
   for (long long now = 0; now < 600;) {
     const int frames = player.advance(host, now, 1000);
     const double seconds = static_cast<double>(now) / kRate;
@@ -74,7 +74,7 @@ TEST(Automation, rampsAreStraightAndEndExactly) {
 TEST(Automation, aNewMoveTakesOverARampUnderWay) {
   PluginHost host(TEST_EFFECT);
   host.setValue(0, 0.0F);
-  AutomationPlayer player(moves("0 Gain 1 1\n0.5 Gain 0 0.1\n"), kRate);
+  AutomationPlayer player(moves("0 Gain norm:1 1\n0.5 Gain norm:0 0.1\n"), kRate);
   for (long long now = 0; now < 500; now += player.advance(host, now, 1000)) {
   }
   player.advance(host, 500, 1000);

@@ -19,8 +19,8 @@ class CommandLine : public testing::Test {
     sound("surround.wav", 6, 100);
     write(m_folder / "text.wav", "words");
     write(m_folder / "bad.mid", "MThd and no more");
-    write(m_folder / "moves.txt", "0.01 Gain 0.25\n");
-    write(m_folder / "bad.txt", "0.01 Gain 0.25\n0.02 Gain loud\n");
+    write(m_folder / "moves.txt", "0.01 Gain norm:0.25\n");
+    write(m_folder / "bad.txt", "0.01 Gain norm:0.25\n0.02 Gain loud\n");
     write(m_folder / "state.bin", "short");
   }
 
@@ -107,10 +107,10 @@ TEST_F(CommandLine, rendersWithSettingsFromEverySource) {
     double sample;
   } cases[] = {
       {"", 0.25},
-      {"--set Gain=0.25", 0.125},
-      {"--set Gain=0.25 --set Gain=-12dB", 0.0625},
+      {"--set Gain=norm:0.25", 0.125},
+      {"--set Gain=norm:0.25 --set Gain=-12dB", 0.0625},
       {"--preset 1", 0.125},
-      {"--preset 'half level' --set Gain=1", 0.5},
+      {"--preset 'half level' --set Gain=6", 0.5},
       {"--double --block 1 --format double", 0.25},
       {"--state saved.bin", 0.125},
       {"--mono", 0.25},
@@ -134,7 +134,7 @@ TEST_F(CommandLine, runsAtAnotherRate) {
 }
 
 TEST_F(CommandLine, warnsWhenTheFormatCannotHoldThePeak) {
-  const std::string loud = "render @ in.wav out.wav --set Gain=1 --set Lever=1 --tail 0";
+  const std::string loud = "render @ in.wav out.wav --set Gain=norm:1 --set Lever=Tremolo --tail 0";
   EXPECT_THAT(brezan(loud).errors, HasSubstr("warning: the peak is above full scale"));
   EXPECT_EQ(brezan(loud + " --format float").errors, "");
 }

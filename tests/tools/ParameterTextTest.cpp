@@ -15,9 +15,9 @@ TEST(ParameterText, findsValues) {
     double tolerance;
   };
   const Case cases[] = {
-      {"Gain=0.25", 0, 0.25, 0},
-      {"gain=1", 0, 1.0, 0}, // a plain number is the value, not decibels
-      {"0=+0.5", 0, 0.5, 0},
+      {"Gain=norm:0.25", 0, 0.25, 0},
+      {"gain=6", 0, 0.9976, 0.003}, // a plain number is decibels as the display
+      {"0=+0", 0, 0.5, 0},
       {"Gain=-oo", 0, 0.0, 0},
       {"Gain=-6dB", 0, 0.2506, 0.003}, // 20 log10(2v)
       {"Gain=6 dB", 0, 0.9976, 0.003},
@@ -26,8 +26,8 @@ TEST(ParameterText, findsValues) {
       {"MODE=green", 1, 0.5, 0},
       {"Mode=Blue Sky", 1, 1.0, 0},
       {"Lever=Tremolo", 2, 1.0, 0},
-      {"Lever=50", 2, 0.5, 0}, // no value in 0..1, but a display
-      {"3=0.75", 3, 0.75, 0},
+      {"Lever=50", 2, 0.5, 0},
+      {"3=0.75", 3, 0.0075, 1e-6},
   };
   for (const Case& c : cases) {
     const ParameterValue got = parameters.assignment(c.text);
@@ -51,6 +51,7 @@ TEST(ParameterText, saysWhatWouldBeRight) {
       {"Gain=nan", "is no value of Gain"},
       {"Gain=1e999", "is no value of Gain"},
       {"Gain=6ms", "is no value of Gain"},
+      {"Gain=norm:1.5", "norm:0 to norm:1"},
   };
   for (const auto& [text, words] : cases)
     EXPECT_THAT(([&parameters, text = text] { parameters.assignment(text); }),

@@ -85,14 +85,57 @@ class PluginEndToEnd : public testing::Test {
 
 TEST_F(PluginEndToEnd, wordsAndAmountsFindTheirValues) {
   ParameterText parameters(PLUGIN);
-  const std::pair<const char*, double> cases[] = {
-      {"Type=Tube", 0.5},       {"Type=Solid", 1.0},       {"Setup=FrontRear", 0.6},
-      {"setup=Mono", 1.0},      {"Lever=Tremolo", 1.0},    {"Stop=Stopped", 1.0},
-      {"CPUmode=Brilliant", 1}, {"MIDIchl=Ch 3", 3 / 17.}, {"Size=5", 1.0},
-      {"Drive=-6dB", 0.35},     {"HFastSpd=7Hz", 0.7},     {"Bottom=-3dB", 0.375},
-      {"HHPF=Off", 0.0},        {"DLPF=Off", 1.0},         {"Bypass=On", 1.0}};
-  for (const auto& [text, value] : cases)
-    EXPECT_NEAR(static_cast<double>(parameters.assignment(text).value), value, 0.002) << text;
+  PluginHost host(PLUGIN);
+  const struct {
+    const char* text;
+    const char* shown;
+    double value;
+  } cases[] = {
+      {"Type=Tube", "Tube ", 0.5},
+      {"setup=Front Side", "FrontSide ", 0.2},
+      {"Lever=Tremolo", "Tremolo ", 1.0},
+      {"Lever=100", "Tremolo ", 1.0},
+      {"Lever=50%", "", 0.0},
+      {"Lever=1", "1 ", 0.01},
+      {"Stop=1", "Stopped ", 1.0},
+      {"Bypass=on", "On ", 1.0},
+      {"MIDIchl=Ch 3", "Ch 3 ", 3 / 17.0},
+      {"MIDIchl=16", "Ch 16 ", 16 / 17.0},
+      {"Size=1", "1 ", 0.0},
+      {"Size=5", "5 ", 1.0},
+      {"HSlowSpd=0.67", "0.67Hz", 0.067},
+      {"HSlowSpd=0.673", "0.67Hz", 0.0673}, // finer than the display
+      {"HFastSpd=400rpm", "6.67Hz", 2 / 3.0},
+      {"HAccel=0.5s", "500ms", 0.349485}, // log(5) / log(100)
+      {"HAccel=997", "997ms", 0.499348},
+      {"HAccel=3.2", "3.2s", 0.752575},
+      {"HAccel=500000", "", 0.0},
+      {"HDistance=65cm", "65cm", 0.5},
+      {"HDistance=0.65m", "65cm", 0.5},
+      {"HDistance=1.2", "1.20m", 1.2 / 1.3},
+      {"DLPF=1.2kHz", "1.20kHz", 0.389075}, // log(6) / log(100)
+      {"DLPF=997", "997Hz", 0.348832},
+      {"DLPF=Off", "Off ", 1.0},
+      {"HHPF=19", "", 0.0},
+      {"Drive=-6", "-6.0dB", 0.35},
+      {"Mech=-infdB", "-oodB", 0.0},
+      {"DGain=12dB", "12.0dB", 1.0},
+      {"Color=0.25", "0.2%", 0.0025},
+      {"Color=norm:0.25", "25.0%", 0.25},
+      {"34=norm:0.25", " ", 0.25},
+      {"34=0.25", "", 0.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    if (std::string(c.shown).empty()) {
+      EXPECT_THROW(parameters.assignment(c.text), std::runtime_error);
+      continue;
+    }
+    const ParameterValue got = parameters.assignment(c.text);
+    host.setValue(got.index, got.value);
+    EXPECT_EQ(host.display(got.index) + host.label(got.index), c.shown);
+    EXPECT_NEAR(static_cast<double>(got.value), c.value, 5e-4);
+  }
 }
 
 TEST_F(PluginEndToEnd, presetsAreChosenByNumber) {
@@ -122,8 +165,8 @@ TEST_F(PluginEndToEnd, thePedalAndTheBrakeMoveTheHorn) {
 }
 
 TEST_F(PluginEndToEnd, singleAndDoublePrecisionAgree) {
-  const std::vector<double> single = render(2.0, {}, "0.5 Drive 0.7 1\n", false);
-  const std::vector<double> full = render(2.0, {}, "0.5 Drive 0.7 1\n", true);
+  const std::vector<double> single = render(2.0, {}, "0.5 Drive norm:0.7 1\n", false);
+  const std::vector<double> full = render(2.0, {}, "0.5 Drive norm:0.7 1\n", true);
   ASSERT_EQ(single.size(), full.size());
   double error = 0.0;
   double power = 0.0;

@@ -88,7 +88,7 @@ TEST_F(PresetsCommand, filesOfAllLayoutsAreLoadedAndSavedBitForBit) {
 TEST_F(PresetsCommand, onePresetIsTakenOutChangedAndPutElsewhere) {
   auto bank = sharingBank(300);
   given("all.qlb", Builder().bankImage(bank, 7).bytes());
-  EXPECT_EQ(presets("save five.qlx --from all.qlb --index 5 --set Drive=0.5").status, 0);
+  EXPECT_EQ(presets("save five.qlx --from all.qlb --index 5 --set Drive=norm:0.5").status, 0);
   bank[5].values[kDrive] = 0.5F;
   const Bytes five = Builder().presetImage(bank[5]).bytes();
   EXPECT_EQ(saved("five.qlx"), five);

@@ -39,10 +39,11 @@ std::optional<Move> move(const TimedMidi& message) {
 std::optional<Move> move(const AutomationLine& line) {
   const std::string name = folded(line.parameter);
   const std::string word = folded(line.value);
-  const double value =
-      asNumber(word).value_or(word == "tremolo" || word == "stopped"
-                                  ? 1.0
-                                  : (word == "chorale" || word == "running" ? 0.0 : 0.5));
+  double value = 0.5;
+  if (word == "tremolo" || word == "stopped") value = 1.0;
+  if (word == "chorale" || word == "running") value = 0.0;
+  if (word.starts_with("norm:")) value = asNumber(word.substr(5)).value_or(value);
+  if (const auto number = asNumber(word)) value = name == "lever" ? *number / 100.0 : *number;
   if (name == "lever") return Move{line.seconds, Part::Lever, leverAt(value), false};
   if (name == "stop") return Move{line.seconds, Part::Brake, LeverState::Slow, value >= 0.5};
   return std::nullopt;

@@ -17,17 +17,20 @@ struct ParameterValue {
   float value;
 };
 
-/// Turns what people type for parameters into indices and normalised values. Words ("Tube",
-/// "FrontRear") and amounts with a unit ("-6dB", "1.2s") are found by trying values on a spare
-/// instance of the effect and reading its displays, so that the rendering instance is not
-/// disturbed. Failures throw std::runtime_error that says what would have been right.
+/// Turns what people type for parameters into indices and normalised values. A number, with or
+/// without a unit, is what the effect's display shows ("-6", "-6dB", "1.2s" or "1200ms"); words are
+/// those of the display ("Tube", "Front Side"); "norm:0.25" is the normalised value itself. Values
+/// are found by trying them on a spare instance of the effect and reading its displays, so that the
+/// rendering instance is not disturbed. Failures throw std::runtime_error that says what would have
+/// been right.
 class ParameterText {
  public:
   explicit ParameterText(const std::filesystem::path& pluginFile);
 
   /// By name, upper and lower case alike, or by number.
   int index(std::string_view name);
-  /// A number in 0..1 is the normalised value itself; anything else is looked up.
+  /// The normalised value. A number between two that the display can show lies between their
+  /// values.
   float value(int index, std::string_view text);
   /// "NAME=VALUE".
   ParameterValue assignment(std::string_view text);
@@ -35,16 +38,21 @@ class ParameterText {
 
  private:
   struct Shown {
-    float value;
+    float first; ///< lowest value of the grid that shows this
+    float last;
     std::string display; ///< folded
     std::string label;   ///< folded
   };
+  /// All that the parameter shows, in the order of its values.
   const std::vector<Shown>& shown(int index);
-  /// The value whose display is `wanted`, with or without its unit.
-  std::optional<float> showing(int index, const std::string& wanted);
-  /// The value whose display comes nearest to an amount within the range.
-  std::optional<float> nearest(int index, double number, const std::string& unit);
+  std::optional<float> word(int index, const std::string& wanted);
+  std::optional<float> plainNumber(int index, double number, const std::string& text);
+  std::optional<float> numberOfWord(int index, double number);
+  /// The value that shows `amount`, which is in the unit `base`.
+  std::optional<float> showing(int index, double amount, const std::string& base);
+  std::optional<double> amountAt(int index, float value, const std::string& base);
   std::string hint(int index);
+  [[noreturn]] void refuse(int index, std::string_view text, const std::string& instead);
 
   PluginHost m_scratch;
   std::vector<std::string> m_names;

@@ -30,8 +30,10 @@ struct RenderOptions {
 };
 
 constexpr const char* kFooter =
-    R"(Values of --set and --automate are numbers in 0..1, or what the plug-in displays:
-  Type=Tube  Setup=FrontRear  Lever=Tremolo  Stop=Stopped  Drive=-6dB  HFastSpd=7Hz  DAccel=3.2s
+    R"(Values of --set and --automate are what the plug-in displays, with or without the unit, which
+may be another one of the same kind; norm:0 to norm:1 are the values that hosts store:
+  Type=Tube  Setup="Front Rear"  Lever=Tremolo  Size=3  Drive=-6dB  HFastSpd=400rpm  DAccel=3200ms
+  HDistance=0.65m  DLPF=1.2kHz  Amount=norm:0.25
 Lines of an automation file, '#' begins a comment:
   seconds parameter value [ramp]     ramp: seconds of a straight move to the value
 Times of automation and MIDI count from the first frame of IN.
@@ -62,6 +64,18 @@ void print(const RenderReport& report, const std::string& output) {
   std::cout << '\n';
 }
 
+/// "set Drive 3.0 dB, Type Tube" of what --set gave.
+std::string whatWasSet(PluginHost& host, const ParameterText& parameters,
+                       const std::vector<ParameterValue>& given) {
+  std::string words;
+  for (const ParameterValue& one : given) {
+    const std::string label = host.label(one.index);
+    words += (words.empty() ? "set " : ", ") + parameters.name(one.index) + ' ' +
+             host.display(one.index) + (label == " " ? "" : ' ' + label);
+  }
+  return words;
+}
+
 void render(RenderOptions options) {
   options.render.outputs = options.mono ? 1 : 2;
   const std::filesystem::path plugin = locatePlugin(options.plugin);
@@ -70,7 +84,7 @@ void render(RenderOptions options) {
   if (options.render.useDouble && !host.hasDouble())
     throw std::runtime_error("the plug-in has no double precision processing");
   ParameterText parameters(plugin);
-  options.start.apply(host, parameters);
+  const std::string settings = whatWasSet(host, parameters, options.start.apply(host, parameters));
   std::vector<AutomationMove> moves;
   if (!options.automation.empty()) {
     std::ifstream in = openToRead(options.automation);
@@ -89,6 +103,7 @@ void render(RenderOptions options) {
   }
   output.finish();
   if (!options.saveState.empty()) saveState(host, options.saveState);
+  if (!settings.empty()) std::cout << settings << '\n';
   print(report, options.output);
   if (output.clipped())
     std::cerr << "brezan: warning: the peak is above full scale and was cut; lower a level or use "

@@ -26,21 +26,26 @@ int presetNumber(PluginHost& host, const std::string& wanted) {
 
 void StartingPoint::addOptions(CLI::App& command) {
   command.add_option("--preset", preset, "Preset, by number from 0 or by name");
-  command.add_option("--set", settings, "NAME=VALUE, may be given again and again")
+  command
+      .add_option("--set", settings,
+                  "NAME=VALUE as the plug-in displays it, may be given again and again")
       ->allow_extra_args(false);
   command.add_option("--state", state, "Start from a state saved with 'render --save-state'");
 }
 
-void StartingPoint::apply(PluginHost& host, ParameterText& parameters) const {
+std::vector<ParameterValue> StartingPoint::apply(PluginHost& host,
+                                                 ParameterText& parameters) const {
   if (!state.empty()) {
     std::ifstream in = openToRead(state);
     host.setState({std::istreambuf_iterator<char>(in), {}});
   }
   if (!preset.empty()) host.selectPreset(presetNumber(host, preset));
+  std::vector<ParameterValue> given;
   for (const std::string& setting : settings) {
-    const ParameterValue wanted = parameters.assignment(setting);
-    host.setValue(wanted.index, wanted.value);
+    given.push_back(parameters.assignment(setting));
+    host.setValue(given.back().index, given.back().value);
   }
+  return given;
 }
 
 } // namespace qlx::tools

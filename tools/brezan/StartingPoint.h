@@ -19,8 +19,8 @@ struct StartingPoint {
   /// The options --state, --preset and --set, alike in every command that has them.
   void addOptions(CLI::App& command);
 
-  /// Throws std::runtime_error.
-  void apply(PluginHost& host, ParameterText& parameters) const;
+  /// Answers what --set gave, in its order. Throws std::runtime_error.
+  std::vector<ParameterValue> apply(PluginHost& host, ParameterText& parameters) const;
 };
 
 } // namespace qlx::tools
