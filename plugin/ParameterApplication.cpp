@@ -82,7 +82,7 @@ void ParameterApplication::applyLever(float v) {
     set(Setting::Lever, 1.0 - static_cast<double>(v));
   }
   // Who reaches for the lever wants the rotors to turn; a recalled preset only brings it along.
-  if (m_effect.isPresetLoading()) return;
+  if (m_effect.isApplyingPreset()) return;
   if (isEngaged(value(kStop))) m_effect.setParameterAutomated(kStop, 0.0F);
 }
 

@@ -130,10 +130,12 @@ void RotaryEffect::processDoubleReplacing(double** inputs, double** outputs, std
 
 template <typename Sample>
 void RotaryEffect::processBlock(Sample** inputs, Sample** outputs, std::int32_t frames) {
+  // A host with one channel may hand over a single pointer: the layout decides before the pointer
+  // is read.
   const bool secondInput =
-      isInputConnected(1) && inputs[1] != nullptr && m_stereoInput.load(std::memory_order_relaxed);
-  const bool secondOutput = isOutputConnected(1) && outputs[1] != nullptr &&
-                            m_stereoOutput.load(std::memory_order_relaxed);
+      isInputConnected(1) && m_stereoInput.load(std::memory_order_relaxed) && inputs[1] != nullptr;
+  const bool secondOutput = isOutputConnected(1) &&
+                            m_stereoOutput.load(std::memory_order_relaxed) && outputs[1] != nullptr;
   const Sample* const in0 = inputs[0];
   Sample* const out0 = outputs[0];
   Sample* const out1 = secondOutput ? outputs[1] : nullptr;

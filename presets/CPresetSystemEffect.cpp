@@ -3,14 +3,18 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "presets/CPresetSystemEditor.h"
+#include "presets/CutText.h"
 
 namespace qlx::presets {
 namespace {
 
 static_assert(std::atomic<std::int32_t>::is_always_lock_free);
-static_assert(std::atomic<bool>::is_always_lock_free);
+
+constexpr std::int32_t kLeverParameter = 2;
+constexpr std::int32_t kStopParameter = 4;
 
 constexpr bool isSlot(std::int32_t index) { return index >= 0 && index < kNumPresetSlots; }
 constexpr bool isParameter(std::int32_t index) {
@@ -32,7 +36,9 @@ CPresetSystemEffect::CPresetSystemEffect(sdk::HostCallback host)
 }
 
 void CPresetSystemEffect::setProgramName(const char* name) {
-  const std::string text(name, std::find(name, name + kPresetNameBytes, '\0'));
+  // One byte more than a name holds tells whether the cut falls inside a character.
+  const std::string_view head(name, std::find(name, name + kPresetNameBytes + 1, '\0'));
+  const std::string text(cutText(head, kPresetNameBytes));
   PresetSlot slot;
   slot.setNameText(text);
   m_presetSlots.setName(getCurrentPreset(), slot.name);
@@ -94,21 +100,28 @@ std::int32_t CPresetSystemEffect::getCurrentPreset() const {
   return m_currentPreset.load(std::memory_order_relaxed);
 }
 
-void CPresetSystemEffect::selectPreset(std::int32_t index) {
-  m_presetLoading.store(true, std::memory_order_relaxed);
-  m_currentPreset.store(index, std::memory_order_relaxed);
-  // One parameter may move another and with it the slot, as Lever releases Stop: what counts is
-  // what the slot held before.
-  const PresetSlot slot = getPresetSlot(index);
+void CPresetSystemEffect::applySlot(std::int32_t index) {
+  const ThreadMarks::Scope applying(m_applying);
+  const float lever = m_presetSlots.value(index, kLeverParameter);
+  const float stop = m_presetSlots.value(index, kStopParameter);
   for (std::int32_t p = 0; p < kNumPresetParameters; ++p) {
-    const float value = slot.values[static_cast<std::size_t>(p)];
+    // Lever and Stop belong together, so they are taken together. Of all others the newest counts:
+    // another thread may have just stored it.
+    const float value = p == kLeverParameter  ? lever
+                        : p == kStopParameter ? stop
+                                              : m_presetSlots.value(index, p);
     if (isNormalised(value)) setParameter(p, value);
   }
+}
+
+void CPresetSystemEffect::selectPreset(std::int32_t index) {
+  const ThreadMarks::Scope loading(m_loading);
+  m_currentPreset.store(index, std::memory_order_relaxed);
+  applySlot(index);
   // Hosts take the gesture as the sign that the project has to be saved.
   updateDisplay();
   beginEdit(0);
   endEdit(0);
-  m_presetLoading.store(false, std::memory_order_relaxed);
 }
 
 void CPresetSystemEffect::renameCurrentPreset(const char* name) {

@@ -8,6 +8,7 @@
 #include "presets/LegacyPresetImage.h"
 #include "presets/PresetBank.h"
 #include "presets/PresetData.h"
+#include "presets/ThreadMarks.h"
 #include "sdk/AudioEffectX.h"
 
 namespace qlx::presets {
@@ -35,8 +36,8 @@ class CPresetSystemEffect : public sdk::AudioEffectX {
   void setParameter(std::int32_t index, float value) override { storeParameter(index, value); }
 
   virtual std::int32_t getCurrentPreset() const;
-  /// Makes slot `index` (0..31) current and applies its values that lie in 0..1 through
-  /// setParameter.
+  /// Makes slot `index` (0..31) current, applies its values that lie in 0..1 through setParameter
+  /// and tells the host.
   virtual void selectPreset(std::int32_t index);
   /// Null only tells the host to look again.
   virtual void renameCurrentPreset(const char* name);
@@ -54,9 +55,12 @@ class CPresetSystemEffect : public sdk::AudioEffectX {
   void storeParameter(std::int32_t index, float value);
   /// The same for parameters that all presets share.
   void storeParameterInAllSlots(std::int32_t index, float value);
-  /// True while a preset is being applied: changes then come from the slot and need not go back to
-  /// it. Any thread.
-  bool isPresetLoading() const { return m_presetLoading.load(std::memory_order_relaxed); }
+  /// Whether the calling thread is inside selectPreset: what it changes comes from the slot and
+  /// need not go back to it. What other threads change meanwhile is stored as always. Any thread.
+  bool isPresetLoading() const { return m_loading.holdsThisThread(); }
+  /// Whether the calling thread is applying a slot's values, the part of selectPreset before the
+  /// host is told. Any thread.
+  bool isApplyingPreset() const { return m_applying.holdsThisThread(); }
 
   PresetSlot getPresetSlot(std::int32_t index) const { return m_presetSlots.slot(index); }
   void setPresetSlot(std::int32_t index, const PresetSlot& slot) {
@@ -75,6 +79,7 @@ class CPresetSystemEffect : public sdk::AudioEffectX {
 
  private:
   std::int32_t loadLegacyBankChunk(const LegacyChunkData& data);
+  void applySlot(std::int32_t index);
 
   static constexpr std::size_t kChunkBytes =
       kChunkHeadBytes + imageBytes(kNumPresetSlots, kNumPresetParameters);
@@ -82,7 +87,8 @@ class CPresetSystemEffect : public sdk::AudioEffectX {
   PresetBank m_presetSlots;
   PresetSlot m_templatePreset;
   std::atomic<std::int32_t> m_currentPreset{0};
-  std::atomic<bool> m_presetLoading{false};
+  ThreadMarks m_loading;
+  ThreadMarks m_applying;
   std::vector<std::uint8_t> m_chunkBuffer; ///< what the host was last given
   CPresetSystemEditor* m_presetEditor = nullptr;
 };

@@ -10,6 +10,7 @@ namespace qlx::sdk {
 
 static_assert(std::atomic<float>::is_always_lock_free);
 static_assert(std::atomic<std::int32_t>::is_always_lock_free);
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 namespace {
 
@@ -244,6 +245,7 @@ void AudioEffect::setEditor(std::unique_ptr<AEffGUIEditor> editor) noexcept {
 std::intptr_t AudioEffect::callHost(HostOpcode opcode, std::int32_t index, std::intptr_t value,
                                     void* ptr, float opt) {
   if (m_host == nullptr) return 0;
+  if (opcode != HostOpcode::Version && !m_handedOver.load(std::memory_order_relaxed)) return 0;
   return m_host(&m_record, static_cast<std::int32_t>(opcode), index, value, ptr, opt);
 }
 

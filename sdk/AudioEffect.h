@@ -27,8 +27,12 @@ class AudioEffect {
   AudioEffect(const AudioEffect&) = delete;
   AudioEffect& operator=(const AudioEffect&) = delete;
 
-  /// What the entry point hands to the host; the object then lives until the host sends Close.
-  EffectRecord* getRecord() noexcept { return &m_record; }
+  /// What the entry point hands to the host; the object then lives until the host sends Close. From
+  /// now on the host is told of things.
+  EffectRecord* getRecord() noexcept {
+    m_handedOver.store(true, std::memory_order_relaxed);
+    return &m_record;
+  }
 
   /// Answers one request of the host; unknown ones with 0. Close is not among them: it comes in
   /// through the record only.
@@ -82,7 +86,9 @@ class AudioEffect {
   /// editor.
   void destroyEditor() noexcept { m_editor.reset(); }
 
-  /// Calls the host; answers 0 without one.
+  /// Calls the host; answers 0 without one. Until the record has been handed over the host is only
+  /// asked for its version and every other request answered with 0: a host has no place yet for
+  /// what concerns an effect under construction, and some crash.
   std::intptr_t callHost(HostOpcode opcode, std::int32_t index = 0, std::intptr_t value = 0,
                          void* ptr = nullptr, float opt = 0.0F);
 
@@ -101,6 +107,7 @@ class AudioEffect {
 
   EffectRecord m_record{};
   HostCallback m_host;
+  std::atomic<bool> m_handedOver{false};
   std::atomic<float> m_sampleRate{44100.0F};
   std::atomic<std::int32_t> m_blockSize{1024};
   std::unique_ptr<AEffGUIEditor> m_editor;

@@ -6,9 +6,11 @@
 
 #include <array>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qlx::plugin::test {
@@ -28,9 +30,10 @@ class EffectFixture : public ::testing::Test {
   EffectFixture() {
     news().clear();
     connected() = true;
+    whileUpdating() = nullptr;
     ::setenv("XDG_CONFIG_HOME", m_home.path().c_str(), 1);
     effect = std::make_unique<RotaryEffect>(&host);
-    news().clear();
+    effect->getRecord();
   }
 
   static std::vector<HostNews>& news() {
@@ -40,6 +43,11 @@ class EffectFixture : public ::testing::Test {
   static bool& connected() {
     static bool answer = true;
     return answer;
+  }
+  /// What the host does, once, while it is told that names and displays have changed.
+  static std::function<void()>& whileUpdating() {
+    static std::function<void()> action;
+    return action;
   }
   static std::vector<HostNews> automated() {
     std::vector<HostNews> list;
@@ -64,6 +72,9 @@ class EffectFixture : public ::testing::Test {
     const auto request = static_cast<sdk::HostOpcode>(opcode);
     if (request == sdk::HostOpcode::PinConnected) return connected() ? 0 : 1;
     news().push_back({request, index, opt});
+    if (request == sdk::HostOpcode::UpdateDisplay && whileUpdating()) {
+      std::exchange(whileUpdating(), nullptr)();
+    }
     return 0;
   }
 

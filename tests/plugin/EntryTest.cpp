@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
@@ -16,11 +16,13 @@ using sdk::EffectRecord;
 using sdk::EntryFunction;
 
 std::intptr_t version = 2400;
+std::vector<sdk::HostOpcode> requests;
 
 /// Asked for its version it answers; otherwise it calls the effect back, as some hosts do.
 std::intptr_t host(EffectRecord* effect, std::int32_t opcode, std::int32_t /*index*/,
                    std::intptr_t /*value*/, void* /*ptr*/, float /*opt*/) {
-  if (opcode == static_cast<std::int32_t>(sdk::HostOpcode::Version)) return version;
+  requests.push_back(static_cast<sdk::HostOpcode>(opcode));
+  if (requests.back() == sdk::HostOpcode::Version) return version;
   if (effect != nullptr) {
     effect->dispatcher(effect, 10, 0, 0, nullptr, 48000.0F);
     effect->dispatcher(effect, 11, 0, 128, nullptr, 0.0F);
@@ -33,6 +35,7 @@ class EntryTest : public ::testing::Test {
  protected:
   EntryTest() {
     version = 2400;
+    requests.clear();
     ::setenv("XDG_CONFIG_HOME", (m_home / "config").c_str(), 1);
     m_library = ::dlopen(PLUGIN, RTLD_NOW | RTLD_LOCAL);
     if (m_library == nullptr) ADD_FAILURE() << ::dlerror();
@@ -66,6 +69,16 @@ TEST_F(EntryTest, NothingIsMadeForAHostWithoutVersion) {
   version = 0;
   EXPECT_EQ(entry("VSTPluginMain")(host), nullptr);
   EXPECT_EQ(entry("VSTPluginMain")(nullptr), nullptr);
+}
+
+TEST_F(EntryTest, TheHostIsAskedForItsVersionOnlyUntilItHasTheRecord) {
+  EffectRecord* const effect = entry("VSTPluginMain")(host);
+  ASSERT_NE(effect, nullptr);
+  EXPECT_THAT(requests, testing::Each(sdk::HostOpcode::Version));
+  requests.clear();
+  effect->dispatcher(effect, 12, 0, 1, nullptr, 0.0F);
+  EXPECT_THAT(requests, testing::ElementsAre(sdk::HostOpcode::WantMidi));
+  close(effect);
 }
 
 TEST_F(EntryTest, ScannersLeaveNoTrace) {

@@ -1,3 +1,4 @@
+#include "resources/NoiseRecordings.h"
 #include "tests/plugin/EffectFixture.h"
 #include "tests/plugin/RecordingEngine.h"
 
@@ -223,6 +224,15 @@ TEST_F(ParameterApplicationTest, TheLeverReleasesTheBrake) {
   EXPECT_EQ(log().last(S::Stop), 0.0);
   EXPECT_EQ(effect->getParameter(kStop), 0.0F);
   EXPECT_THAT(automated(), ElementsAre(HostNews{sdk::HostOpcode::Automate, kStop, 0.0F}));
+}
+
+TEST_F(ParameterApplicationTest, TheBrakeTakesTheLeversPlaceAlong) {
+  midi::MidiLever pedal(*effect, kLever);
+  engine::RotaryEngine rotors(resources::noiseRecordings(), *log().placement);
+  ParameterApplication fresh(*effect, rotors, pedal);
+  fresh.apply(*parameterRow(kStop), 1.0F);
+  fresh.apply(*parameterRow(kLever), 0.0F); // where it starts
+  EXPECT_EQ(log().last(S::Lever), std::nullopt);
 }
 
 TEST_F(ParameterApplicationTest, CpuModeActsWhenItsWordChanges) {

@@ -154,6 +154,27 @@ TEST(PresetStore, NamesAreCutAsTheHostSeesThem) {
   }
 }
 
+TEST(PresetStore, HostNamesAreCutBetweenCharacters) {
+  struct Case {
+    std::string name;
+    std::string shown; ///< at most 24 bytes
+    std::string kept;  ///< at most 23
+  };
+  const std::string text(30, 'a');
+  const Case cases[] = {
+      {text.substr(0, 21) + "éé", text.substr(0, 21) + "é", text.substr(0, 21) + "é"},
+      {text.substr(0, 22) + "éé", text.substr(0, 22) + "é", text.substr(0, 22)},
+      {text.substr(0, 23) + "éé", text.substr(0, 23), text.substr(0, 23)},
+      {text.substr(0, 24) + "é", text.substr(0, 24), text.substr(0, 23)}};
+  for (const Case& c : cases) {
+    PresetRig rig;
+    std::string buffer = c.name;
+    rig.dispatch(EffectOpcode::SetProgramName, 0, 0, buffer.data());
+    EXPECT_EQ(rig.panel.nameField, c.shown);
+    EXPECT_EQ(rig.slot(rig.effect.getCurrentPreset()).nameText(), c.kept);
+  }
+}
+
 TEST(PresetStore, SelectingAppliesWhatLiesInRangeAndKeepsEdits) {
   PresetRig rig;
   auto slot = makeSlot(60);

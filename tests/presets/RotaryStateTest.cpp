@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 #include <span>
+#include <stdexcept>
 #include <thread>
 
 namespace qlx::plugin::test {
@@ -143,6 +144,55 @@ TEST_F(RotaryState, SharedParametersStayWhateverPresetIsChosen) {
       }
     }
   }
+}
+
+TEST_F(RotaryState, PedalAndKnobCountWhileTheHostIsToldOfARecall) {
+  sdk::MidiEvent wheel{};
+  wheel.type = sdk::kMidiEventType;
+  wheel.midiData[0] = static_cast<char>(0xB0);
+  wheel.midiData[1] = 1;
+  wheel.midiData[2] = 127;
+  sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&wheel), nullptr}};
+  effect->setParameter(kLever, 0.25F);
+  effect->setParameter(kStop, 1.0F);
+  whileUpdating() = [&] {
+    EXPECT_EQ(effect->getParameter(kStop), 1.0F);
+    std::thread([&] {
+      EXPECT_FALSE(effect->isPresetLoading());
+      effect->processEvents(&events);
+      effect->setParameter(kDrive, 0.625F);
+    }).join();
+    EXPECT_TRUE(effect->isPresetLoading());
+  };
+  effect->selectPreset(3);
+  RotaryEffect next(nullptr);
+  ASSERT_EQ(setChunk(next, chunkOf(*effect)), 0);
+  const Values expected{{kLever, 1.0F}, {kStop, 0.0F}, {kDrive, 0.625F}};
+  for (const auto& [index, value] : expected) {
+    EXPECT_EQ(effect->getParameter(index), value) << index;
+    EXPECT_EQ(next.getParameter(index), value) << index;
+  }
+}
+
+TEST_F(RotaryState, LeverOutOfTheHostsAnswerReleasesTheBrake) {
+  effect->setParameter(kStop, 1.0F);
+  whileUpdating() = [&] {
+    // A recall within a recall: neither its end nor its own lever changes what the outer one does.
+    effect->selectPreset(5);
+    EXPECT_TRUE(effect->isPresetLoading());
+    EXPECT_EQ(effect->getParameter(kStop), 1.0F);
+    effect->setParameter(kLever, 0.75F);
+  };
+  effect->selectPreset(3);
+  EXPECT_FALSE(effect->isPresetLoading());
+  EXPECT_EQ(effect->getParameter(kStop), 0.0F);
+}
+
+TEST_F(RotaryState, ARecallThatIsThrownOutOfIsOver) {
+  whileUpdating() = [] { throw std::runtime_error("host"); };
+  EXPECT_THROW(effect->selectPreset(3), std::runtime_error);
+  effect->setParameter(kDrive, 0.625F);
+  EXPECT_EQ(effect->getPresetSlot(3).values[kDrive], 0.625F);
 }
 
 } // namespace

@@ -16,7 +16,10 @@ using ::testing::IsEmpty;
 /// Calls as a host does: through the record alone.
 class EffectRecordTest : public ::testing::Test {
  protected:
-  EffectRecordTest() { RecordingHost::reset(); }
+  EffectRecordTest() {
+    RecordingHost::reset();
+    effect.getRecord();
+  }
 
   std::intptr_t send(EffectOpcode opcode, std::int32_t index = 0, std::intptr_t value = 0,
                      void* ptr = nullptr, float opt = 0.0F) {
@@ -37,6 +40,19 @@ TEST_F(EffectRecordTest, RecordDescribesTheEffect) {
   EXPECT_EQ(send(EffectOpcode::GetVstVersion), 2400);
   EXPECT_EQ(send(EffectOpcode::GetPlugCategory), 1);
   EXPECT_EQ(send(EffectOpcode::Identify), 0x4E764566);
+}
+
+TEST_F(EffectRecordTest, NothingIsToldBeforeTheRecordIsHandedOver) {
+  RecordingHost::answer = [](EffectRecord*, std::int32_t) { return 1; };
+  ProbeEffect fresh;
+  fresh.beginEdit(1);
+  fresh.setParameterAutomated(1, 0.5F);
+  EXPECT_TRUE(fresh.isInputConnected(1));
+  EXPECT_THAT(RecordingHost::calls, IsEmpty());
+  fresh.getRecord();
+  fresh.beginEdit(1);
+  EXPECT_FALSE(fresh.isInputConnected(1));
+  EXPECT_EQ(RecordingHost::calls.size(), 2U);
 }
 
 TEST_F(EffectRecordTest, CloseDestroysTheEffect) {
