@@ -3,6 +3,8 @@
 #include "plugin/ParameterFormatter.h"
 #include "plugin/ParameterLaws.h"
 
+#include <cmath>
+
 namespace qlx::editor {
 
 namespace {
@@ -31,7 +33,9 @@ void formatRotorSpeed(float value, char* text, void* formatter) {
 
 void formatRampTime(float value, char* text, void* formatter) {
   withFormatter(formatter, text, [value](const ParameterFormatter& format) {
-    const float seconds = plugin::timeLaw(value);
+    // In double precision up to the last step, unlike the law that the motors and the host's
+    // display follow: an odd half of a millisecond may round the other way.
+    const auto seconds = static_cast<float>(std::pow(100.0, value) * 0.1);
     return inUnit(format.time(seconds), format.timeUnit(seconds));
   });
 }

@@ -47,7 +47,8 @@ RotaryEditor::RotaryEditor(presets::CPresetSystemEffect& effect, const EffectRea
   m_rectangle.right = static_cast<std::int16_t>(m_background->width());
 }
 
-RotaryEditor::~RotaryEditor() { RotaryEditor::close(); }
+// A name that is being typed would go into presets that are about to be gone.
+RotaryEditor::~RotaryEditor() { dropWindow(); }
 
 bool RotaryEditor::getRect(sdk::EditRectangle** rectangle) {
   *rectangle = &m_rectangle;
@@ -79,6 +80,11 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent) {
 }
 
 void RotaryEditor::close() {
+  acceptTypedName();
+  dropWindow();
+}
+
+void RotaryEditor::dropWindow() {
   CPresetSystemEditor::close();
   m_controls = nullptr;
   setFrame(nullptr);
@@ -141,11 +147,14 @@ void RotaryEditor::toggleLever() {
   getEffect()->setParameterAutomated(plugin::kLever, fast ? 0.0F : 1.0F);
 }
 
+// Speed moves the lever: a host that records by gestures has to see the lever's, too.
 void RotaryEditor::controlBeginEdit(gui::CControl& control) {
   presetStore().beginEdit(control.getTag());
+  if (control.getTag() == plugin::kSpeed) presetStore().beginEdit(plugin::kLever);
 }
 
 void RotaryEditor::controlEndEdit(gui::CControl& control) {
+  if (control.getTag() == plugin::kSpeed) presetStore().endEdit(plugin::kLever);
   presetStore().endEdit(control.getTag());
 }
 

@@ -34,6 +34,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   bool getRect(sdk::EditRectangle** rectangle) override;
   /// False when there is no parent, or no window can be had in it. An open window is closed first.
   bool open(void* parent) override;
+  /// Accepts a name that is being typed.
   void close() override;
   void idle() override;
   bool picture(const sdk::EditorPicture& request) override;
@@ -47,6 +48,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
 
  private:
   bool openIn(const platform::WindowSystem& windows, void* parent);
+  void dropWindow();
   void showMirrored();
   void showReadout();
   void toggleLever();

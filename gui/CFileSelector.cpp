@@ -4,6 +4,7 @@
 #include "gui/CFrame.h"
 #include "gui/CMessageBox.h"
 #include "gui/DialogLook.h"
+#include "gui/FileListModel.h"
 #include "gui/ShortenedText.h"
 #include "platform/Files.h"
 
@@ -15,12 +16,6 @@ namespace {
 
 bool saves(const platform::FileRequest& request) {
   return request.style == platform::FileRequest::Style::Save;
-}
-
-/// A dot in front only hides a file.
-bool hasAnyExtension(const std::string& name) {
-  const std::size_t dot = name.rfind('.');
-  return dot != std::string::npos && dot > 0;
 }
 
 } // namespace
@@ -70,7 +65,8 @@ void CFileSelector::take(Paths paths, bool askedAlready) {
   if (saves(m_request) && paths.size() == 1) {
     std::string& path = paths.front();
     const std::string name = platform::splitPath(path).name;
-    const bool complete = name.empty() || m_request.types.empty() || hasAnyExtension(name);
+    const bool complete = name.empty() || m_request.types.empty() ||
+                          hasExtension(name, m_request.types.front().extension);
     if (!complete) path += "." + m_request.types.front().extension;
     if ((!askedAlready || !complete) && platform::fileExists(path)) return askToReplace(path);
   }

@@ -11,8 +11,9 @@ class CFrame;
 class CView;
 
 /// Asks for a file with the desktop's own dialog or, where there is none that works, with a list
-/// inside the window. A name typed for saving gets the extension of the first type if it has none,
-/// and no file is chosen for overwriting that the user hasn't been asked about.
+/// inside the window. A name typed for saving gets the extension of the first type unless it ends
+/// in it, whatever other dots it holds, and no file is chosen for overwriting that the user hasn't
+/// been asked about.
 class CFileSelector final : public platform::FileSelector {
  public:
   /// @param desktop asks before overwriting the very file that it answers; null: no dialogs there

@@ -28,6 +28,16 @@ std::unique_ptr<CView> CTextEdit::newCopy() const {
   return std::unique_ptr<CView>(new CTextEdit(*this));
 }
 
+void CTextEdit::setText(std::string_view text) {
+  if (m_box == nullptr) return CTextLabel::setText(text);
+  const bool untouched = m_box->model.text() == m_box->before;
+  m_box->before = text;
+  if (!untouched) return;
+  CTextLabel::setText(text);
+  m_box->model.setText(text);
+  moved();
+}
+
 void CTextEdit::beginTextEdit() {
   if (m_box != nullptr || getFrame() == nullptr) return;
   m_box = std::make_unique<Box>(m_inputLimit);
@@ -55,7 +65,7 @@ void CTextEdit::removed() {
 }
 
 void CTextEdit::edited() {
-  setText(firstCharacters(m_box->model.text(), m_fieldLimit));
+  CTextLabel::setText(firstCharacters(m_box->model.text(), m_fieldLimit));
   moved();
 }
 

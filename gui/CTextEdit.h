@@ -39,6 +39,10 @@ class CTextEdit : public CTextLabel {
   void setInputLimit(std::size_t characters) { m_inputLimit = characters; }
   void setFieldLimit(std::size_t characters) { m_fieldLimit = characters; }
 
+  /// A text that comes while the user is typing is what Escape brings back; until something has
+  /// been typed the box shows it, too.
+  void setText(std::string_view text);
+
   /// Starts and ends editing as a click, Enter and Escape do.
   void beginTextEdit();
   void endTextEdit(bool accept);

@@ -119,6 +119,10 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
   /// without getting more of them.
   void setFrame(std::shared_ptr<gui::CFrame> frame);
 
+  /// Takes over a name that is being typed. The host hears of it and may close the window
+  /// meanwhile.
+  void acceptTypedName();
+
   /// Whether this is the thread that opened the window that is open.
   bool isWindowThread() const {
     return m_panelThread.load(std::memory_order_relaxed) == std::this_thread::get_id();

@@ -26,6 +26,12 @@ bool CPresetSystemEditor::open(void* /*parent*/) {
   return true;
 }
 
+void CPresetSystemEditor::acceptTypedName() {
+  if (m_panelView == nullptr || !isWindowThread()) return;
+  const auto frame = getFrame(); // the name field's, until it is through
+  m_panelView->acceptName();
+}
+
 void CPresetSystemEditor::setFrame(std::shared_ptr<gui::CFrame> frame) {
   if (m_frame != nullptr) m_frame->getWindow().setListener(nullptr);
   m_frame = std::move(frame);

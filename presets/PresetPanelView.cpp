@@ -108,6 +108,8 @@ const std::string& PresetPanelView::nameField() const { return m_nameField->getT
 
 const std::string& PresetPanelView::entryTitle(int index) const { return m_menu->getEntry(index); }
 
+void PresetPanelView::acceptName() { m_nameField->endTextEdit(true); }
+
 void PresetPanelView::releaseManualButton() { m_manualButton->release(); }
 
 void PresetPanelView::showMessage(const std::string& title, const std::string& text) {

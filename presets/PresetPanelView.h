@@ -55,6 +55,8 @@ class PresetPanelView final : public PresetPanel {
   const std::string& nameField() const;
   /// `index` of a slot.
   const std::string& entryTitle(int index) const;
+  /// Ends the typing of a name as Enter does.
+  void acceptName();
   /// The press of the manual button is over.
   void releaseManualButton();
   /// A message over the window with a button to close it. Nothing while another one is shown.

@@ -30,6 +30,7 @@ const TextCase kTexts[] = {
     {formatRotorSpeed, 0.1F, "1.00 Hz"},
     {formatRotorSpeed, 1.0F, "10.00 Hz"},
     {formatRampTime, 0.0F, "100 ms"},
+    {formatRampTime, 0.282037F, "366 ms"}, // 366.5 ms as near as single precision comes
     {formatRampTime, 0.349485F, "500 ms"},
     {formatRampTime, 0.4999F, "1000 ms"},
     {formatRampTime, 0.5F, "1.0 s"},

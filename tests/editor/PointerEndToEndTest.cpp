@@ -137,7 +137,7 @@ constexpr HandGesture kGestures[] = {
     {"right button", "mousemove 186 224 mousedown 3 mousemove 196 204 mouseup 3", ""},
     {"stop", "mousemove 372 365 click 1", "(4 4=0 4=1000 )4 4:1000"},
     // The lever releases the brake.
-    {"speed", "mousemove 343 366 click 1", "(3 4=0 2=1000 )3 2:1000 4:0"},
+    {"speed", "mousemove 343 366 click 1", "(3 (2 4=0 2=1000 )2 )3 2:1000 4:0"},
     {"lever", "mousemove 357 187 mousedown 1 mousemove 357 244 mouseup 1", "(2 2=500 )2 2:500"},
     {"key up", "key Up", "(2 2=484 )2 2:484"},
     {"key down", "key Down", "(2 2=500 )2 2:500"},

@@ -186,7 +186,7 @@ TEST_F(OpenEditor, OtherControlsSendTheirs) {
 
 TEST_F(OpenEditor, SpeedTogglesTheLever) {
   const std::pair<float, const char*> rows[] = {
-      {0.3F, "(3 2=1000"}, {0.5F, "(3 2=0"}, {0.0F, "(3 2=1000"}, {1.0F, "(3 2=0"}};
+      {0.3F, "(3 (2 2=1000"}, {0.5F, "(3 (2 2=0"}, {0.0F, "(3 (2 2=1000"}, {1.0F, "(3 (2 2=0"}};
   for (const auto& [lever, expected] : rows) {
     rig.effect.setParameter(kLever, lever);
     rig.press(343, 366);
@@ -194,7 +194,7 @@ TEST_F(OpenEditor, SpeedTogglesTheLever) {
     EXPECT_EQ(heard(), expected);
     rig.release(343, 366);
     rig.editor->idle();
-    EXPECT_EQ(heard(), ")3");
+    EXPECT_EQ(heard(), ")2 )3");
     EXPECT_EQ(rig.effect.getParameter(kSpeed), 0.0F);
   }
 }

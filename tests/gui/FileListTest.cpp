@@ -201,7 +201,9 @@ TEST_F(FileSelectors, CompleteNamesAndAskBeforeOverwriting) {
       {kDesktop, "take 10", kReplace, "take 10.qlx"},      // about another file
       {kDesktop, "take 10", kKeep, "..."},
       {kDesktop, "new", kNotAsked, "new.qlx"},
-      {kDesktop, "notes.txt", kNotAsked, "notes.txt"},
+      {kDesktop, "NEW.QLX", kNotAsked, "NEW.QLX"},
+      {kDesktop, "notes.txt", kNotAsked, "notes.txt.qlx"},
+      {kList, "Solo 2.5", kNotAsked, "Solo 2.5.qlx"},
       {kDesktop, ".qlx", kNotAsked, ".qlx.qlx"},
       {kList, "new", kNotAsked, "new.qlx"},
       {kList, "take 10", kReplace, "take 10.qlx"},

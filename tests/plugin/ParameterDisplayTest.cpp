@@ -47,7 +47,7 @@ const std::vector<Shown> kEnds = {
     {kDLPF, 0.0F, "200", "Hz"}, {kDLPF, 0.5F, "2.00", "kHz"}, {kDLPF, 0.999F, "19.91", "kHz"}, {kDLPF, 1.0F, "Off", " "},
     {kHDistance, 0.0F, "0", "cm"}, {kHDistance, 0.5F, "65", "cm"}, {kHDistance, 0.51F, "66", "cm"},
     {kHDistance, 0.77F, "1.00", "m"}, {kHDistance, 1.0F, "1.30", "m"}, {kDDistance, -0.1F, "0", "cm"},
-    {kHAccel, 0.0F, "100", "ms"}, {kHDecel, 0.349485F, "500", "ms"}, {kDAccel, 0.650514F, "2.0", "s"}, {kDDecel, 1.0F, "10.0", "s"},
+    {kHAccel, 0.0F, "100", "ms"}, {kHAccel, 0.282037F, "367", "ms"}, {kHDecel, 0.349485F, "500", "ms"}, {kDAccel, 0.650514F, "2.0", "s"}, {kDDecel, 1.0F, "10.0", "s"},
     {kHornLPFCutHigh, 1.0F, "20.00", "kHz"},
 };
 

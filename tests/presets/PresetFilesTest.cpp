@@ -101,7 +101,7 @@ TEST_F(PresetFiles, ChosenPathsAreTakenApart) {
   for (const Case& test :
        {Case{root + "sub/a.qlx", root + "sub/", "a.qlx"}, Case{"b", root + "sub/", "b.qlx"},
         Case{root + "v1.5/c", root + "v1.5/", "c.qlx"}, Case{root + ".hidden", root, ".hidden.qlx"},
-        Case{"sub/old.bak", root + "sub/", "old.bak"}}) {
+        Case{"sub/old.bak", root + "sub/", "old.bak.qlx"}}) {
     run(kSavePreset, {test.path});
     EXPECT_EQ(rig.editor->fileLocations().presetDirectory, test.directory) << test.path;
     EXPECT_EQ(rig.editor->fileLocations().presetFileName, test.name) << test.path;

@@ -1,7 +1,7 @@
 #include "gui/CMenuList.h"
 #include "gui/CMessageBox.h"
 #include "gui/COptionMenu.h"
-#include "gui/CTextLabel.h"
+#include "gui/CTextEdit.h"
 #include "presets/PersistentSettings.h"
 #include "tests/editor/EditorRig.h"
 
@@ -184,6 +184,35 @@ TEST_F(PanelTest, NamingCanBeAbandonedAndEndsWithTheFocus) {
   rig.editor->idle();
   EXPECT_EQ(storedName(), "kept");
   EXPECT_EQ(titleOfCurrentEntry(), "kept");
+}
+
+TEST_F(PanelTest, ClosingTheWindowAcceptsTheNameBeingTyped) {
+  for (const bool closedTwice : {false, true}) {
+    const std::string name = closedTwice ? "twice" : "once";
+    rig.click(200, 561);
+    type(name);
+    if (closedTwice) rig.effect.onAutomate = [&] { rig.editor->close(); };
+    rig.editor->close();
+    EXPECT_EQ(storedName(), name);
+    rig.effect.onAutomate = [] {};
+    rig.open();
+    EXPECT_EQ(nameField(), name);
+  }
+}
+
+TEST_F(PanelTest, NamesFromTheStoreWhileOneIsTypedAreWhatEscapeBringsBack) {
+  const auto* const field = dynamic_cast<gui::CTextEdit*>(&control(149));
+  rig.click(200, 561);
+  rig.editor->showPresetName("before typing");
+  EXPECT_EQ(nameField(), "before typing");
+  type("x");
+  EXPECT_EQ(nameField(), "x") << "the new name was selected";
+  rig.editor->showPresetName("while typing");
+  type("y");
+  EXPECT_EQ(nameField(), "xy");
+  EXPECT_TRUE(field->isEditingText());
+  press(VirtualKey::kEscape);
+  EXPECT_EQ(nameField(), "while typing");
 }
 
 TEST_F(PanelTest, FileButtonsOpenTheirDialogs) {
