@@ -1,5 +1,5 @@
-/* The editor's images and font as read-only data: a directory of (number, distance of the PNG file from
-   the directory, length), then the files. The assembler finds them in the include path. */
+/* The editor's images and font as read-only data: a directory of (number, distance of the file from the
+   directory, length), then the files: two device-independent bitmaps, PNG all others. The assembler finds them in the include path. */
 
 #ifdef _WIN32
         .section .rdata, "dr"
@@ -29,7 +29,11 @@
 
         .macro  file number
 .Limage\number:
+        .if     \number == 19899 || \number == 19990
+        .incbin "resources/images/\number\().bmp"
+        .else
         .incbin "resources/images/\number\().png"
+        .endif
 .Lend\number:
         .endm
 

@@ -7,8 +7,8 @@
 /// is loaded, any thread.
 namespace qlx::resources {
 
-/// The PNG file of an image by its resource number, for example 4000; empty when there is no such
-/// image.
+/// The file of an image by its resource number, for example 4000; empty when there is no such
+/// image. 19899 and 19990 are device-independent bitmaps with their file header, all others PNG.
 std::span<const std::byte> findImage(int number);
 
 /// The TrueType file of the editor's text: a sans serif with the metrics of Arial.

@@ -1,3 +1,4 @@
+#include "gui/CBitmap.h"
 #include "resources/images/Images.h"
 #include "tools/artwork/ArtworkSet.h"
 #include "tools/artwork/Layout.h"
@@ -9,12 +10,34 @@
 #include <cstdlib>
 #include <map>
 #include <numbers>
+#include <span>
 #include <vector>
 
 namespace qlx::artwork {
 namespace {
 
-Picture embedded(int number) { return Picture::decode(resources::findImage(number)); }
+bool isBitmap(std::span<const std::byte> file) {
+  return file.size() > 2 && file[0] == std::byte{'B'} && file[1] == std::byte{'M'};
+}
+
+/// Bitmaps by the editor's decoder, which knows them without alpha.
+Picture embedded(int number) {
+  const auto file = resources::findImage(number);
+  if (!isBitmap(file)) return Picture::decode(file);
+  const auto bitmap =
+      gui::CBitmap::decode({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  if (bitmap == nullptr) return {};
+  Picture picture(bitmap->width(), bitmap->height());
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      const std::uint32_t word = bitmap->pixels().row(y)[x];
+      for (std::size_t c = 0; c < 4; ++c) {
+        picture.at(x, y)[c] = static_cast<std::uint8_t>(word >> (c == 3 ? 24 : 16 - 8 * c));
+      }
+    }
+  }
+  return picture;
+}
 
 /// Perceived brightness of a pixel, 0..255.
 double brightness(const Picture::Pixel& p) { return 0.30 * p[0] + 0.59 * p[1] + 0.11 * p[2]; }
@@ -50,6 +73,8 @@ TEST_P(Images, HaveTheControlsSizes) {
   const Picture picture = embedded(GetParam().number);
   EXPECT_EQ(picture.width(), GetParam().width);
   EXPECT_EQ(picture.height(), GetParam().height);
+  EXPECT_EQ(isBitmap(resources::findImage(GetParam().number)),
+            GetParam().number == 19899 || GetParam().number == 19990);
 }
 
 // The C library picks its sine and power functions by processor; their last bits differ, and a

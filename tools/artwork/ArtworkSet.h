@@ -23,6 +23,7 @@ struct Artwork {
   int frameHeight;
   int frames;
   void (*draw)(Frame&);
+  const char* extension = ".png"; ///< of its file: ".png", or ".bmp" for an image without alpha
 };
 
 /// Every image of the editor, by ascending number.

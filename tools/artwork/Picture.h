@@ -29,7 +29,8 @@ class Picture {
   /// What falls outside either picture is left out.
   void composite(const Picture& source, int sourceTop, int width, int height, int x, int y);
 
-  /// Writes an 8-bit RGBA PNG. Throws std::runtime_error when the file cannot be written.
+  /// Writes an 8-bit RGBA PNG or, where the name ends in ".bmp", a device-independent bitmap of 24
+  /// bits. Throws std::runtime_error when the file cannot be written, or a bitmap would lose alpha.
   void save(const std::filesystem::path& file) const;
 
   /// Reads any PNG as 8-bit RGBA. Throws std::runtime_error when it is not one.

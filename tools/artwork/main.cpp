@@ -11,14 +11,14 @@ namespace {
 
 constexpr const char* kUsage =
     "Draws the editor's images.\n"
-    "  draw_artwork FONTS images FOLDER [SCALE]     every image as FOLDER/<number>.png\n"
+    "  draw_artwork FONTS images FOLDER [SCALE]     every image under its number\n"
     "  draw_artwork FONTS preview FILE.png [KNOBS LEVER ROTORS [lit]]   the window put together\n";
 
 void drawAll(const qlx::artwork::Lettering& lettering, const std::filesystem::path& folder,
              int scale) {
   for (const auto& artwork : qlx::artwork::artworkSet()) {
     qlx::artwork::drawn(artwork, lettering, scale)
-        .save(folder / (std::to_string(artwork.number) + ".png"));
+        .save(folder / (std::to_string(artwork.number) + artwork.extension));
   }
 }
 
