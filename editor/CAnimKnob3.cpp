@@ -33,7 +33,7 @@ std::int32_t CAnimKnob3::frameFor(float value) const {
 }
 
 void CAnimKnob3::draw(gui::CDrawContext& context) {
-  drawBackground(context, {0.0, frameFor(getValue()) * getHeightOfOneImage()});
+  drawBackground(context, {0.0, frameFor(drawnValue()) * getHeightOfOneImage()});
   setDirty(false);
 }
 

@@ -2,11 +2,8 @@
 
 #include "editor/CAbout.h"
 #include "gui/CDrawContext.h"
-#include "gui/CFrame.h"
 
 namespace qlx::editor {
-
-using gui::CMouseEventResult;
 
 namespace {
 
@@ -19,29 +16,19 @@ constexpr gui::CPoint kVersionSize{80.0, 15.0};
 
 CSplashScreenMyView::CSplashScreenMyView(const gui::CRect& size, CAbout& owner,
                                          const gui::CPoint& versionPoint)
-    : CControl(size, nullptr, 0, owner.getBackground()), m_owner(owner),
-      m_versionPoint(versionPoint) {}
+    : CSplashView(owner, size), m_versionPoint(versionPoint) {}
 
 std::unique_ptr<gui::CView> CSplashScreenMyView::newCopy() const {
   return std::unique_ptr<gui::CView>(new CSplashScreenMyView(*this));
 }
 
 void CSplashScreenMyView::draw(gui::CDrawContext& context) {
-  drawBackground(context);
+  CSplashView::draw(context);
   context.setFont(kVersionFont);
   context.setFontColor(kVersionColour);
   const gui::CPoint corner = getViewSize().topLeft() + m_versionPoint;
   const gui::CPoint end = corner + kVersionSize;
   context.drawString(kVersion, {corner.x, corner.y, end.x, end.y}, gui::CHoriTxtAlign::kLeftText);
-  setDirty(false);
-}
-
-CMouseEventResult CSplashScreenMyView::onMouseDown(const gui::CPoint& /*where*/,
-                                                   const gui::CButtonState& buttons) {
-  if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
-  m_owner.unSplash();
-  getFrame()->removeModalView();
-  return CMouseEventResult::kHandled;
 }
 
 } // namespace qlx::editor

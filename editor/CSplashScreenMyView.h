@@ -1,13 +1,13 @@
 #pragma once
 
-#include "gui/CControl.h"
+#include "gui/CSplashScreen.h"
 
 namespace qlx::editor {
 
 class CAbout;
 
-/// The about screen: a picture with the version written on it, closed by a click.
-class CSplashScreenMyView final : public gui::CControl {
+/// The about screen: a picture with the version written on it, closed by a click or Escape.
+class CSplashScreenMyView final : public gui::CSplashView {
  public:
   /// Shows the picture of `owner`, which lives as long as the frame.
   CSplashScreenMyView(const gui::CRect& size, CAbout& owner, const gui::CPoint& versionPoint);
@@ -17,13 +17,10 @@ class CSplashScreenMyView final : public gui::CControl {
   }
   std::unique_ptr<gui::CView> newCopy() const override;
   void draw(gui::CDrawContext& context) override;
-  gui::CMouseEventResult onMouseDown(const gui::CPoint& where,
-                                     const gui::CButtonState& buttons) override;
 
  private:
   CSplashScreenMyView(const CSplashScreenMyView&) = default;
 
-  CAbout& m_owner;
   gui::CPoint m_versionPoint;
 };
 

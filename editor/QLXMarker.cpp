@@ -54,7 +54,7 @@ void QLXMarker::draw(gui::CDrawContext& context) {
                          static_cast<double>(m_offscreen->height())};
   m_offscreen->clear();
   m_offscreen->context().drawBitmap(*m_strip, whole);
-  if (m_handle != nullptr) m_offscreen->context().drawBitmap(*m_handle, handlePlace());
+  if (m_handle != nullptr) m_offscreen->context().drawBitmap(*m_handle, handlePlace(drawnValue()));
   m_offscreen->copyTo(context, m_copyRect);
   setDirty(false);
 }

@@ -6,7 +6,7 @@ using gui::CMouseEventResult;
 
 void QLXOnOffButton::draw(gui::CDrawContext& context) {
   if (getBackground() != nullptr) {
-    const bool on = getValue() >= 0.5F;
+    const bool on = drawnValue() >= 0.5F;
     drawBackground(context, {0.0, on ? getBackground()->height() / 2.0 : 0.0});
   }
   setDirty(false);

@@ -41,7 +41,7 @@ std::int32_t QLXVerticalSwitch::frameFor(float value) const {
 }
 
 void QLXVerticalSwitch::draw(gui::CDrawContext& context) {
-  drawBackground(context, {0.0, frameFor(getValue()) * getHeightOfOneImage()});
+  drawBackground(context, {0.0, frameFor(drawnValue()) * getHeightOfOneImage()});
   setDirty(false);
 }
 

@@ -14,7 +14,7 @@ std::unique_ptr<CView> CAnimKnob::newCopy() const {
 }
 
 void CAnimKnob::draw(CDrawContext& context) {
-  drawBackground(context, {0.0, getFrameTop(getValueNormalized())});
+  drawBackground(context, {0.0, getFrameTop(normalized(drawnValue()))});
   setDirty(false);
 }
 

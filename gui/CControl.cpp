@@ -67,9 +67,11 @@ void CControl::setDirty(bool dirty) {
   if (!dirty && !isRendering()) m_shownValue.store(getValue(), std::memory_order_relaxed);
 }
 
-void CControl::latch() {
-  CView::latch();
-  m_shownValue.store(getValue(), std::memory_order_relaxed);
+void CControl::latch(Drawing drawing) {
+  CView::latch(drawing);
+  // A part has to go with the rest of the control that stays on the screen.
+  m_drawnValue = drawing == Drawing::kPart ? getOldValue() : getValue();
+  if (drawing == Drawing::kWhole) m_shownValue.store(m_drawnValue, std::memory_order_relaxed);
 }
 
 void CControl::collectDirty(DirtyRegion& region) {

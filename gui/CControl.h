@@ -72,7 +72,10 @@ class CControl : public CView {
 
  protected:
   CControl(const CControl& other);
-  void latch() override;
+  void latch(Drawing drawing) override;
+  /// The value to draw. While the frame draws, it stays what it was at the beginning, whatever
+  /// another thread sets meanwhile, so that getOldValue() is what the screen really shows.
+  float drawnValue() const { return isRendering() ? m_drawnValue : getValue(); }
   /// Whether the control looks the same with either value.
   virtual bool looksAlike(float a, float b) const { return a == b; }
   /// 0 at the minimum, 1 at the maximum.
@@ -83,6 +86,7 @@ class CControl : public CView {
  private:
   std::atomic<float> m_value{0.0F};
   std::atomic<float> m_shownValue{0.0F};
+  float m_drawnValue = 0.0F;
   float m_minimum = 0.0F;
   float m_maximum = 1.0F;
   float m_defaultValue = 0.0F;

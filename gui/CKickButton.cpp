@@ -13,7 +13,7 @@ std::unique_ptr<CView> CKickButton::newCopy() const {
 }
 
 void CKickButton::draw(CDrawContext& context) {
-  drawBackground(context, {0.0, getValue() != 0.0F ? getHeightOfOneImage() : 0.0});
+  drawBackground(context, {0.0, drawnValue() != 0.0F ? getHeightOfOneImage() : 0.0});
   setDirty(false);
 }
 

@@ -30,7 +30,7 @@ std::unique_ptr<CView> CMovieBitmap::newCopy() const {
 }
 
 void CMovieBitmap::draw(CDrawContext& context) {
-  drawBackground(context, {0.0, getFrameTop(getValueNormalized())});
+  drawBackground(context, {0.0, getFrameTop(normalized(drawnValue()))});
   setDirty(false);
 }
 

@@ -11,7 +11,7 @@ std::unique_ptr<CView> COnOffButton::newCopy() const {
 }
 
 void COnOffButton::draw(CDrawContext& context) {
-  const bool on = getValue() >= (getMin() + getMax()) * 0.5F;
+  const bool on = drawnValue() >= (getMin() + getMax()) * 0.5F;
   if (getBackground() != nullptr)
     drawBackground(context, {0.0, on ? getBackground()->height() / 2.0 : 0.0});
   setDirty(false);

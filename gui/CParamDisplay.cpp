@@ -30,7 +30,7 @@ bool CParamDisplay::looksAlike(float a, float b) const {
 }
 
 void CParamDisplay::draw(CDrawContext& context) {
-  const Text text = textFor(getValue());
+  const Text text = textFor(drawnValue());
   drawBack(context);
   drawText(context, text.data());
   setDirty(false);

@@ -16,7 +16,7 @@ std::unique_ptr<CView> CRockerSwitch::newCopy() const {
 }
 
 void CRockerSwitch::draw(CDrawContext& context) {
-  const float value = getValue();
+  const float value = drawnValue();
   const int frame = value < 0.0F ? 0 : (value > 0.0F ? 2 : 1);
   drawBackground(context, {0.0, frame * getHeightOfOneImage()});
   setDirty(false);

@@ -4,35 +4,36 @@
 
 namespace qlx::gui {
 
-namespace {
+CSplashView::CSplashView(CSplashScreen& owner, const CRect& size)
+    : CControl(size, nullptr, 0, owner.getBackground()), m_owner(owner) {
+  setBackOffset(owner.getBackOffset());
+}
 
-// The picture over the frame; a click anywhere on it closes it.
-class CSplashPicture final : public CControl {
- public:
-  CSplashPicture(CSplashScreen& owner, const CRect& size)
-      : CControl(size, nullptr, 0, owner.getBackground()), m_owner(owner) {
-    setBackOffset(owner.getBackOffset());
-  }
+std::unique_ptr<CView> CSplashView::newCopy() const {
+  return std::unique_ptr<CView>(new CSplashView(*this));
+}
 
-  std::unique_ptr<CView> newCopy() const override {
-    return std::make_unique<CSplashPicture>(m_owner, getViewSize());
-  }
-  void draw(CDrawContext& context) override {
-    drawBackground(context);
-    setDirty(false);
-  }
-  CMouseEventResult onMouseDown(const CPoint& /*where*/, const CButtonState& buttons) override {
-    if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
-    m_owner.unSplash();
-    getFrame()->removeModalView();
-    return CMouseEventResult::kHandledDontNeedMoves;
-  }
+void CSplashView::draw(CDrawContext& context) {
+  drawBackground(context);
+  setDirty(false);
+}
 
- private:
-  CSplashScreen& m_owner;
-};
+CMouseEventResult CSplashView::onMouseDown(const CPoint& /*where*/, const CButtonState& buttons) {
+  if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
+  close();
+  return CMouseEventResult::kHandledDontNeedMoves;
+}
 
-} // namespace
+bool CSplashView::onKeyDown(const CKeyCode& key) {
+  if (key.virtualKey != VirtualKey::kEscape) return false;
+  close();
+  return true;
+}
+
+void CSplashView::close() {
+  m_owner.unSplash();
+  getFrame()->removeModalView();
+}
 
 CSplashScreen::CSplashScreen(const CRect& size, CControlListener* listener, std::int32_t tag,
                              CBitmapRef picture, const CRect& screen, const CPoint& offset)
@@ -48,8 +49,7 @@ void CSplashScreen::draw(CDrawContext& /*context*/) { setDirty(false); }
 
 CMouseEventResult CSplashScreen::onMouseDown(const CPoint& /*where*/, const CButtonState& buttons) {
   if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
-  if (getFrame()->setModalView(std::make_unique<CSplashPicture>(*this, m_screen)))
-    setValue(getMax());
+  if (getFrame()->setModalView(std::make_unique<CSplashView>(*this, m_screen))) setValue(getMax());
   return CMouseEventResult::kHandledDontNeedMoves;
 }
 

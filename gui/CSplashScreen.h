@@ -4,8 +4,33 @@
 
 namespace qlx::gui {
 
-/// An area that shows a picture over the frame when clicked, until the picture is clicked. Value 1
-/// while it is shown, else 0. Draws nothing itself.
+class CSplashScreen;
+
+/// The picture of a splash screen: a modal view that a left click anywhere in the frame closes, and
+/// Escape.
+class CSplashView : public CControl {
+ public:
+  /// `owner` lives as long as the frame.
+  CSplashView(CSplashScreen& owner, const CRect& size);
+
+  std::unique_ptr<CView> newCopy() const override;
+  void draw(CDrawContext& context) override;
+  /// The whole frame: beside the picture there would be nothing to click but what it covers up.
+  bool hitTest(const CPoint& /*where*/) const override { return true; }
+  CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
+  bool onKeyDown(const CKeyCode& key) override;
+
+ protected:
+  CSplashView(const CSplashView&) = default;
+
+ private:
+  void close();
+
+  CSplashScreen& m_owner;
+};
+
+/// An area that shows a picture over the frame when clicked, until the next click or Escape. Value
+/// 1 while it is shown, else 0. Draws nothing itself.
 class CSplashScreen : public CControl {
  public:
   /// `screen` is where the picture is shown.

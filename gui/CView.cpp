@@ -57,11 +57,14 @@ void CView::setVisible(bool visible) {
 
 void CView::render(CDrawContext& context) {
   m_rendering = true;
-  // Before drawing: what another thread sets meanwhile makes the view dirty again.
+  Drawing drawing = Drawing::kAside;
   if (m_frame != nullptr && m_frame->isScreen(context)) {
     const CRect onScreen = CRect::of(m_size.touchedPixels()).intersect(m_frame->getViewSize());
-    if (CRect::of(context.getClip()).contains(onScreen)) latch();
+    const bool whole = CRect::of(context.getClip()).contains(onScreen);
+    drawing = whole ? Drawing::kWhole : Drawing::kPart;
   }
+  // Before drawing: what another thread sets meanwhile makes the view dirty again.
+  latch(drawing);
   draw(context);
   m_rendering = false;
 }

@@ -94,8 +94,16 @@ class CView : public CBaseObject {
   /// Copies the settings; the copy is in no container.
   CView(const CView& other);
 
-  /// What is on the screen after this drawing is what is set now.
-  virtual void latch() { m_dirty.store(false, std::memory_order_relaxed); }
+  /// What a drawing that is about to begin is for.
+  enum class Drawing : unsigned char {
+    kWhole, ///< all of the view on the screen
+    kPart,  ///< a part of it; the rest of the screen keeps what it shows
+    kAside, ///< a picture that nobody sees
+  };
+  /// Fixes what the drawing shows. After a whole one the screen is up to date.
+  virtual void latch(Drawing drawing) {
+    if (drawing == Drawing::kWhole) m_dirty.store(false, std::memory_order_relaxed);
+  }
   bool isRendering() const { return m_rendering; }
 
  private:

@@ -19,8 +19,8 @@ CPSRockerSwitch::CPSRockerSwitch(const gui::CRect& size, gui::CControlListener* 
 
 void CPSRockerSwitch::draw(gui::CDrawContext& context) {
   int frame = 0;
-  if (getValue() != 0.0F) {
-    frame = frameOfSide(getValue(), 3);
+  if (const float side = drawnValue(); side != 0.0F) {
+    frame = frameOfSide(side, 3);
   } else if (m_hoverSide != 0.0F) {
     frame = frameOfSide(m_hoverSide, 1);
   }

@@ -6,7 +6,7 @@ using gui::CButtonState;
 using gui::CMouseEventResult;
 
 void CSaveLoadButton::draw(gui::CDrawContext& context) {
-  const int frame = getValue() != 0.0F ? 2 : (m_hover ? 1 : 0);
+  const int frame = drawnValue() != 0.0F ? 2 : (m_hover ? 1 : 0);
   drawBackground(context, {0.0, frame * getHeightOfOneImage()});
   setDirty(false);
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <thread>
 
@@ -285,7 +286,7 @@ TEST_F(OpenEditor, MarkersAndLampsFollowTheEffect) {
   EXPECT_EQ(shows(0.1, 0.2, true, 0, 0), shows(0.5, 0.5, false, 0, 0));
 }
 
-TEST_F(OpenEditor, AboutScreenStopsTheMarkersUntilItIsClicked) {
+TEST_F(OpenEditor, AboutScreenStopsTheMarkersUntilItIsClosed) {
   const auto before = rig.picture();
   rig.mouse(WindowEventType::kMouseDown, 100, 165, platform::kPointerRight);
   rig.editor->idle();
@@ -297,17 +298,26 @@ TEST_F(OpenEditor, AboutScreenStopsTheMarkersUntilItIsClicked) {
   rig.effect.horn = 0.25;
   rig.effect.sustain = 1.0;
   rig.editor->idle();
-  rig.click(369, 543); // Bypass, beside the screen
   rig.mouse(WindowEventType::kMouseDown, 40, 75, platform::kPointerRight);
   rig.editor->idle();
   EXPECT_EQ(rig.picture(), about);
   EXPECT_EQ(heard(), "");
-  rig.click(40, 75); // over a knob
-  rig.editor->idle();
-  EXPECT_EQ(heard(), "");
-  const auto after = rig.picture();
-  EXPECT_NE(after, about);
-  EXPECT_NE(after, before);
+  const std::function<void()> closings[]{
+      [this] { rig.click(40, 75); },   // over a knob
+      [this] { rig.click(369, 543); }, // Bypass, below the screen
+      [this] { rig.key(VirtualKey::kEscape); },
+  };
+  for (const auto& close : closings) {
+    if (rig.frame().getModalView() == nullptr) rig.click(100, 165);
+    ASSERT_NE(rig.frame().getModalView(), nullptr);
+    close();
+    rig.editor->idle();
+    rig.editor->idle();
+    EXPECT_EQ(heard(), "");
+    const auto after = rig.picture();
+    EXPECT_NE(after, about);
+    EXPECT_NE(after, before);
+  }
   rig.effect.horn = 0.0;
   rig.effect.sustain = 0.0;
   rig.editor->idle();

@@ -8,6 +8,7 @@
 #include "tests/gui/FrameFixture.h"
 
 #include <cstring>
+#include <functional>
 
 namespace qlx::gui::test {
 
@@ -151,18 +152,61 @@ TEST_F(Controls, SplashCoversUntilClicked) {
       kPlace, nullptr, 7, testStrip(150, 90, 1), CRect{0, 0, 150, 90}));
   auto& below =
       frame->addView(std::make_unique<COnOffButton>(CRect{60, 10, 80, 30}, &recorder, 8, nullptr));
+  auto& beside = frame->addView(
+      std::make_unique<COnOffButton>(CRect{160, 90, 190, 99}, &recorder, 9, nullptr));
   press(20, 20, kRight);
   EXPECT_EQ(frame->getModalView(), nullptr);
   click(20, 20);
   EXPECT_EQ(splash.getValue(), 1.0F);
   EXPECT_EQ(shownFrame(120, 80), 0);
-  click(180, 95);
-  EXPECT_NE(frame->getModalView(), nullptr) << "beside it";
-  click(70, 20);
-  EXPECT_EQ(below.getValue(), 0.0F) << "the press belongs to the picture";
-  EXPECT_EQ(frame->getModalView(), nullptr);
-  EXPECT_EQ(splash.getValue(), 0.0F);
-  EXPECT_EQ(shown(), redrawnWhole());
+  press(70, 20, kRight);
+  key(VirtualKey::kReturn);
+  EXPECT_NE(frame->getModalView(), nullptr);
+  const std::function<void()> closings[]{[this] { click(70, 20); }, [this] { click(180, 95); },
+                                         [this] { key(VirtualKey::kEscape); }};
+  for (const auto& close : closings) {
+    close();
+    EXPECT_EQ(below.getValue() + beside.getValue(), 0.0F) << "the press is the picture's";
+    EXPECT_EQ(frame->getModalView(), nullptr);
+    EXPECT_EQ(splash.getValue(), 0.0F);
+    EXPECT_EQ(shown(), redrawnWhole());
+    click(20, 20);
+  }
+}
+
+/// A control whose value another thread changes and restores while it is being drawn.
+template <class Base>
+class Disturbed : public Base {
+ public:
+  using Base::Base;
+  void draw(CDrawContext& context) override {
+    const float value = this->getValue();
+    if (disturbed) this->setValue(1.0F);
+    Base::draw(context);
+    this->setValue(value);
+  }
+  bool disturbed = true;
+};
+
+template <class Base, class... Args>
+void expectUndisturbed(FrameFixture& fixture, const char* name, Args&&... args) {
+  auto& control =
+      fixture.frame->addView(std::make_unique<Disturbed<Base>>(std::forward<Args>(args)...));
+  fixture.frame->idle();
+  control.disturbed = false;
+  EXPECT_EQ(fixture.shown(), fixture.redrawnWhole()) << name;
+  fixture.frame->removeView(control);
+}
+
+TEST_F(Controls, WhatIsDrawnIsTheValueOnRecord) {
+  const CBitmapRef two = testStrip(40, 20, 2);
+  const CBitmapRef three = testStrip(40, 20, 3);
+  expectUndisturbed<CKickButton>(*this, "kick", kPlace, nullptr, 1, 20.0, two);
+  expectUndisturbed<COnOffButton>(*this, "on/off", kPlace, nullptr, 1, two);
+  expectUndisturbed<CMovieBitmap>(*this, "movie", kPlace, nullptr, 1, two);
+  expectUndisturbed<CAnimKnob>(*this, "knob", kPlace, nullptr, 1, 2, 20.0, two);
+  expectUndisturbed<CRockerSwitch>(*this, "rocker", kPlace, nullptr, 1, 20.0, three);
+  expectUndisturbed<CParamDisplay>(*this, "display", kPlace);
 }
 
 TEST_F(Controls, CopiesHaveTheSettingsButNoPlace) {

@@ -227,6 +227,33 @@ TEST_F(Frames, ValueSetDuringDrawingIsDrawnNext) {
   EXPECT_FALSE(control.isDirty());
 }
 
+// Changes another control's value once, when it is drawn itself.
+class SetsAnotherWhileDrawing : public CView {
+ public:
+  using CView::CView;
+  std::unique_ptr<CView> newCopy() const override { return nullptr; }
+  void draw(CDrawContext& /*context*/) override {
+    if (CControl* control = std::exchange(target, nullptr)) control->setValue(1.0F);
+  }
+  CControl* target = nullptr;
+};
+
+TEST_F(Frames, ValueSetBeforeAPartIsDrawnReachesAllOfTheControl) {
+  for (const float next : {1.0F, 0.0F}) {
+    auto& first = frame->addView(std::make_unique<SetsAnotherWhileDrawing>(CRect{0, 0, 40, 20}));
+    auto& movie = frame->addView(
+        std::make_unique<CMovieBitmap>(CRect{40, 0, 80, 20}, nullptr, 1, testStrip(40, 20, 2)));
+    frame->idle();
+    first.target = &movie;
+    frame->invalidRect({0, 0, 60, 20}); // half of the movie
+    frame->idle();
+    EXPECT_EQ(movie.getValue(), 1.0F);
+    movie.setValue(next);
+    frame->idle();
+    for (const int x : {45, 75}) EXPECT_EQ(shownFrame(x, 10), static_cast<int>(next)) << x;
+  }
+}
+
 TEST_F(Frames, ValuesComeFromAnotherThreadWhileDrawing) {
   std::vector<CControl*> controls;
   for (int i = 0; i < 4; ++i)

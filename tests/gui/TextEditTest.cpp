@@ -214,6 +214,11 @@ TEST_F(TextEdits, LongTextScrollsWithTheCaret) {
   EXPECT_NE(shown(), atEnd);
   key(kEnd);
   EXPECT_EQ(shown(), atEnd);
+  for (int i = 0; i < 5; ++i) key(kBack);
+  const auto shortened = shown();
+  key(kHome);
+  key(kEnd);
+  EXPECT_EQ(shown(), shortened) << "deleting leaves no gap at the right edge";
 }
 
 TEST_F(TextEdits, ClosingTheWindowMidEditTellsNobody) {
