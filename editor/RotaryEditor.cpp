@@ -9,6 +9,7 @@
 #include "resources/images/Images.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 
 namespace qlx::editor {
@@ -107,8 +108,9 @@ void RotaryEditor::showReadout() {
   // With the amplifier alone no rotor is heard, so the lights stay out of their slots.
   constexpr float kOutOfSight = 0.5F;
   const bool bypassed = m_readout.speakersBypassed();
-  m_controls->hornMarker().setValue(bypassed ? kOutOfSight : markerValue(m_readout.hornPhase()));
-  m_controls->drumMarker().setValue(bypassed ? kOutOfSight : markerValue(m_readout.drumPhase()));
+  const auto now = std::chrono::steady_clock::now();
+  m_controls->hornMarker().setValue(bypassed ? kOutOfSight : markerValue(m_readout.hornPhase(now)));
+  m_controls->drumMarker().setValue(bypassed ? kOutOfSight : markerValue(m_readout.drumPhase(now)));
   m_controls->modulationLamp().setValue(m_readout.modWheelActivity());
   m_controls->sustainLamp().setValue(static_cast<float>(m_readout.sustainState()));
 }

@@ -331,8 +331,10 @@ void RotaryEngine::Frame::process(const Sample* in0, const Sample* in1, Sample* 
     }
     done += s.n;
   }
-  m_hornPhase.store(m_cabinet.hornTrack().motion.phase(), std::memory_order_relaxed);
-  m_drumPhase.store(m_cabinet.drumTrack().motion.phase(), std::memory_order_relaxed);
+  const RotorMotion& horn = m_cabinet.hornTrack().motion;
+  const RotorMotion& drum = m_cabinet.drumTrack().motion;
+  m_rotors.store({horn.phase(), horn.phaseSpeed()}, {drum.phase(), drum.phaseSpeed()},
+                 RotorReadout::Clock::now(), frames / m_hostRate);
 }
 
 template void RotaryEngine::Frame::process(const float*, const float*, float*, float*,

@@ -5,6 +5,7 @@
 #include "engine/ControlDesk.h"
 #include "engine/RateConverter.h"
 #include "engine/RotaryEngine.h"
+#include "engine/RotorReadout.h"
 
 #include <atomic>
 
@@ -23,8 +24,7 @@ class RotaryEngine::Frame {
   void setCpuMode(CpuMode mode) noexcept { m_cpuMode.store(mode, std::memory_order_relaxed); }
   void switchOff() noexcept;
   void switchOn() noexcept;
-  double hornPhase() const noexcept { return m_hornPhase.load(std::memory_order_relaxed); }
-  double drumPhase() const noexcept { return m_drumPhase.load(std::memory_order_relaxed); }
+  const RotorReadout& rotors() const noexcept { return m_rotors; }
   double hostRate() const noexcept { return m_publishedHostRate.load(std::memory_order_relaxed); }
 
   // The thread that processes.
@@ -85,8 +85,7 @@ class RotaryEngine::Frame {
   std::atomic<std::uint32_t> m_stopPresses{0}, m_stopReleases{0};
   std::atomic<double> m_wantedHostRate{44100.0};
   std::atomic<CpuMode> m_cpuMode{CpuMode::LowCpu};
-  std::atomic<double> m_hornPhase{0.0};
-  std::atomic<double> m_drumPhase{0.0};
+  RotorReadout m_rotors;
   std::atomic<double> m_publishedHostRate{44100.0};
 
   // Audio thread from here on.

@@ -33,9 +33,13 @@ void RotaryEngine::process(const double* in0, const double* in1, double* out0, d
   m_frame->process(in0, in1, out0, out1, frames);
 }
 
-double RotaryEngine::hornPhase() const noexcept { return m_frame->hornPhase(); }
+double RotaryEngine::hornPhase(std::chrono::steady_clock::time_point now) const noexcept {
+  return m_frame->rotors().hornPhase(now);
+}
 
-double RotaryEngine::drumPhase() const noexcept { return m_frame->drumPhase(); }
+double RotaryEngine::drumPhase(std::chrono::steady_clock::time_point now) const noexcept {
+  return m_frame->rotors().drumPhase(now);
+}
 
 double RotaryEngine::hostRate() const noexcept { return m_frame->hostRate(); }
 

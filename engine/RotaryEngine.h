@@ -4,6 +4,7 @@
 #include "engine/Recordings.h"
 #include "engine/Setting.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -66,9 +67,10 @@ class RotaryEngine {
   void process(const double* in0, const double* in1, double* out0, double* out1,
                int frames) noexcept;
 
-  /// Rotor phases in turns, 0 <= phase < 1, as of the end of the last block; for displays.
-  double hornPhase() const noexcept;
-  double drumPhase() const noexcept;
+  /// Rotor phases at `now` in turns, 0 <= phase < 1, carried on from the end of the last block by
+  /// at most one block; for displays.
+  double hornPhase(std::chrono::steady_clock::time_point now) const noexcept;
+  double drumPhase(std::chrono::steady_clock::time_point now) const noexcept;
 
   /// The host rate that the engine works with, Hz.
   double hostRate() const noexcept;

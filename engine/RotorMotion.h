@@ -43,6 +43,8 @@ class RotorMotion {
   void advance(std::span<double> angles, std::span<double> speeds) noexcept;
 
   double phase() const noexcept { return m_phase; } ///< turns, 0 <= phase < 1
+  /// Change of the phase in turns a second: negative for a rotor that turns backwards.
+  double phaseSpeed() const noexcept { return static_cast<double>(m_direction) * currentSpeedHz(); }
   double currentSpeedHz() const noexcept { return m_currentSpeed * m_sampleRate; }
   double targetSpeedHz() const noexcept { return m_targetSpeedHz; }
   SpeedState speedState() const noexcept { return m_speedState; }

@@ -51,8 +51,12 @@ class RotaryEffect final : public presets::CPresetSystemEffect, public editor::E
   std::int32_t getVendorVersion() override;
   std::int32_t canDo(const char* text) override;
 
-  double hornPhase() const noexcept override { return m_engine.hornPhase(); }
-  double drumPhase() const noexcept override { return m_engine.drumPhase(); }
+  double hornPhase(std::chrono::steady_clock::time_point now) const noexcept override {
+    return m_engine.hornPhase(now);
+  }
+  double drumPhase(std::chrono::steady_clock::time_point now) const noexcept override {
+    return m_engine.drumPhase(now);
+  }
   bool speakersBypassed() const noexcept override;
   float modWheelActivity() const noexcept override { return m_midiLever.modWheelActivity(); }
   double sustainState() const noexcept override { return m_midiLever.sustainState(); }

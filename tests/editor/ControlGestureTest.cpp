@@ -317,6 +317,24 @@ TEST_F(LeverTest, ArrowKeysMoveByOneFrame) {
   }
 }
 
+TEST_F(LeverTest, MovesThereAndBackBetweenTwoRedrawsAreTold) {
+  RecordingListener knobListener;
+  CAnimKnob3 knob({20, 53, 64, 97}, &knobListener, 17, 101, 44, numberedStrip(44, 44, 101), {}, {});
+  knob.setDragFactor(0.25F);
+  knob.setValue(0.5F);
+  lever.setValue(1.0F);
+  pictureOf(knob);
+  pictureOf(lever);
+  knob.onMouseDown({40, 70}, kLeft);
+  lever.onMouseDown({350, 187}, kLeft);
+  for (const double moved : {25.0, 0.0}) {
+    knob.onMouseMoved({40 + moved, 70}, kLeft);
+    lever.onMouseMoved({350, 187 + moved / 25 * 57}, kLeft);
+  }
+  EXPECT_EQ(knobListener.log, "(600 500");
+  EXPECT_EQ(listener.log, "(500 1000");
+}
+
 TEST_F(LeverTest, FirstFrameIsTheTop) {
   const std::pair<float, int> rows[] = {{1.0F, 0}, {0.0F, 64}, {0.5F, 32}, {0.99F, 1}, {0.995F, 0}};
   for (const auto& [value, frame] : rows) {

@@ -38,8 +38,9 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
     return m_values.at(static_cast<std::size_t>(index)).load(std::memory_order_relaxed);
   }
 
-  double hornPhase() const noexcept override { return horn; }
-  double drumPhase() const noexcept override { return drum; }
+  using Moment = std::chrono::steady_clock::time_point;
+  double hornPhase(Moment /*now*/) const noexcept override { return horn; }
+  double drumPhase(Moment /*now*/) const noexcept override { return drum; }
   bool speakersBypassed() const noexcept override { return bypassed; }
   float modWheelActivity() const noexcept override { return modulation; }
   double sustainState() const noexcept override { return sustain; }

@@ -1,5 +1,6 @@
 #include "engine/RotorMotion.h"
 #include "engine/RotorNoisePlayer.h"
+#include "engine/RotorReadout.h"
 #include "engine/RotorTrack.h"
 #include "tests/engine/EngineFixture.h"
 
@@ -7,12 +8,15 @@
 
 #include <cmath>
 #include <numbers>
+#include <thread>
 
 namespace qlx::engine {
 namespace {
 
 using Event = RotorMotion::Event;
 using Direction = RotorMotion::Direction;
+
+double turnsBetween(double a, double b) { return std::abs(std::remainder(a - b, 1.0)); }
 
 RotorMotion motor(Direction direction, double rate = 22050) {
   RotorMotion m(direction);
@@ -204,6 +208,87 @@ TEST(HornNoisePlayer, SwitchSoundPlaysOnceAtEveryRateAndRestarts) {
     play(player, 0, rate, length / 2);
     player.trigger();
     EXPECT_NEAR(power(play(player, 0, rate, length)) / rate, first, 0.15 * first);
+  }
+}
+
+// --- Read-out for displays ---
+
+using Clock = RotorReadout::Clock;
+
+Clock::time_point at(double seconds) {
+  return Clock::time_point(
+      std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds)));
+}
+
+TEST(RotorReadout, PicturesMoveByEqualStepsWhateverTheBlock) {
+  for (const double block : {64 / 44100.0, 512 / 44100.0, 2048 / 44100.0, 0.25}) {
+    RotorReadout readout;
+    const double hornSpeed = -6.77, drumSpeed = 0.93;
+    const auto phaseAt = [](double speed, double t) { return speed * t - std::floor(speed * t); };
+    int stored = 0;
+    for (int idle = 30; idle < 330; ++idle) {
+      const double now = idle / 60.0;
+      for (; stored * block <= now; ++stored) {
+        const double end = stored * block;
+        readout.store({phaseAt(hornSpeed, end), hornSpeed}, {phaseAt(drumSpeed, end), drumSpeed},
+                      at(end), block);
+      }
+      EXPECT_LT(turnsBetween(readout.hornPhase(at(now)), hornSpeed * now), 1e-6) << block;
+      EXPECT_LT(turnsBetween(readout.drumPhase(at(now)), drumSpeed * now), 1e-6) << block;
+    }
+    // The audio has stopped.
+    const double end = (stored - 1) * block;
+    const double last = drumSpeed * (end + block);
+    EXPECT_LT(turnsBetween(readout.drumPhase(at(end + 100.0)), last), 1e-6) << block;
+    EXPECT_LT(turnsBetween(readout.drumPhase(at(end - 100.0)), drumSpeed * end), 1e-6) << block;
+  }
+}
+
+TEST(RotorReadout, ReaderNeverMixesTwoBlocks) {
+  RotorReadout readout;
+  // Every entry says by itself that the phase is 0.25 at ten seconds.
+  const auto store = [&readout](int i) {
+    const double time = i % 1000 / 128.0, speed = i % 37 - 18;
+    const double phase = 0.25 - speed * (10 - time);
+    const RotorReadout::Rotor rotor{phase - std::floor(phase), speed};
+    readout.store(rotor, rotor, at(time), 20.0 + i % 3);
+  };
+  store(0);
+  std::atomic<bool> done{false};
+  std::thread audio([&] {
+    for (int i = 0; !done; ++i) store(i);
+  });
+  double worst = 0.0;
+  for (int i = 0; i < 100000; ++i)
+    worst = std::max({worst, turnsBetween(readout.hornPhase(at(10)), 0.25),
+                      turnsBetween(readout.drumPhase(at(10)), 0.25)});
+  done = true;
+  audio.join();
+  EXPECT_LT(worst, 1e-9);
+}
+
+TEST(RotorReadout, EngineStoresWhatLeadsToTheNextBlock) {
+  for (const double lever : {1.0, 0.0}) {
+    for (const int block : {512, 2048}) {
+      test::EngineFixture f;
+      f.engine.set(Setting::Lever, lever);
+      f.engine.request(kPendingFullReset);
+      f.settle(0.5);
+      const RotaryEngine& engine = f.engine;
+      const Clock::time_point before{}, later = Clock::now() + std::chrono::hours(1);
+      f.render(block, block, 0);
+      for (int i = 0; i < 20; ++i) {
+        const double horn = engine.hornPhase(later), drum = engine.drumPhase(later);
+        const auto start = Clock::now();
+        f.render(block, block, 0);
+        const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                            std::chrono::duration<double>((block + 1) / f.rate));
+        EXPECT_LT(turnsBetween(engine.hornPhase(before), horn), 1e-9);
+        EXPECT_LT(turnsBetween(engine.drumPhase(before), drum), 1e-9);
+        EXPECT_EQ(engine.hornPhase(start), engine.hornPhase(before)) << "stored after the block";
+        EXPECT_EQ(engine.hornPhase(end), engine.hornPhase(later));
+      }
+    }
   }
 }
 

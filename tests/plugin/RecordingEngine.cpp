@@ -50,8 +50,12 @@ void RotaryEngine::process(const float* /*in0*/, const float* /*in1*/, float* /*
                            float* /*out1*/, int /*frames*/) noexcept {}
 void RotaryEngine::process(const double* /*in0*/, const double* /*in1*/, double* /*out0*/,
                            double* /*out1*/, int /*frames*/) noexcept {}
-double RotaryEngine::hornPhase() const noexcept { return 0.25; }
-double RotaryEngine::drumPhase() const noexcept { return 0.75; }
+double RotaryEngine::hornPhase(std::chrono::steady_clock::time_point /*now*/) const noexcept {
+  return 0.25;
+}
+double RotaryEngine::drumPhase(std::chrono::steady_clock::time_point /*now*/) const noexcept {
+  return 0.75;
+}
 double RotaryEngine::hostRate() const noexcept { return 44100.0; }
 
 } // namespace qlx::engine
