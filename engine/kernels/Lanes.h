@@ -17,8 +17,12 @@ constexpr int kWidth = 2;
 
 using Lanes = double __attribute__((vector_size(kWidth * sizeof(double))));
 using LaneBits = long long __attribute__((vector_size(kWidth * sizeof(double))));
-using LanesInMemory = double
-    __attribute__((vector_size(kWidth * sizeof(double)), aligned(sizeof(double)), may_alias));
+/// Lanes at any address that a double may have. The attributes stand before the '=': there both
+/// compilers lower the alignment, behind the type clang ignores it.
+using LanesInMemory
+    __attribute__((vector_size(kWidth * sizeof(double)), aligned(sizeof(double)), may_alias)) =
+        double;
+static_assert(alignof(LanesInMemory) == alignof(double));
 
 inline Lanes load(const double* p) { return *reinterpret_cast<const LanesInMemory*>(p); }
 inline void store(double* p, Lanes x) { *reinterpret_cast<LanesInMemory*>(p) = x; }

@@ -61,8 +61,9 @@ struct Begun {
       for (int k = 0; k < kWidth; ++k) lanes[s][k] = s >= kSkew * (k / Group) ? -1 : 0;
   }
   LaneBits at(int s) const {
-    using BitsInMemory = long long __attribute__((vector_size(kWidth * sizeof(long long)),
-                                                  aligned(sizeof(long long)), may_alias));
+    using BitsInMemory __attribute__((vector_size(kWidth * sizeof(long long)),
+                                      aligned(sizeof(long long)), may_alias)) = long long;
+    static_assert(alignof(BitsInMemory) == alignof(long long));
     return *reinterpret_cast<const BitsInMemory*>(lanes[s < kLate ? s : kLate]);
   }
 };
