@@ -155,20 +155,30 @@ void noiseTreble(NoiseTreble& t, const double* between, const double* slow, cons
   sections.storeMemory(t);
 }
 
-/// Four neighbouring samples of a recording for each lane.
-inline Quad loadSamples(const float* loop, WholeLanes index) {
+/// Interpolates a recording behind the sample at `index` of each lane, as it is stored: in single
+/// precision.
+inline Lanes readSamples(const float* loop, WholeLanes index, Lanes fraction) {
   int at[kWidth];
   storeWhole(at, index);
 #if defined(__AVX2__) && defined(__FMA__)
-  __m128 a = _mm_loadu_ps(loop + at[0]), b = _mm_loadu_ps(loop + at[1]);
-  __m128 c = _mm_loadu_ps(loop + at[2]), d = _mm_loadu_ps(loop + at[3]);
-  _MM_TRANSPOSE4_PS(a, b, c, d);
-  return {_mm256_cvtps_pd(a), _mm256_cvtps_pd(b), _mm256_cvtps_pd(c), _mm256_cvtps_pd(d)};
+  const __m128 t = _mm256_cvtpd_ps(fraction);
+  __m128 p0 = _mm_loadu_ps(loop + at[0]), p1 = _mm_loadu_ps(loop + at[1]);
+  __m128 p2 = _mm_loadu_ps(loop + at[2]), p3 = _mm_loadu_ps(loop + at[3]);
+  _MM_TRANSPOSE4_PS(p0, p1, p2, p3);
 #else
+  // The upper two numbers of each are not used.
+  const __m128 t = _mm_cvtpd_ps(fraction);
   const __m128 a = _mm_loadu_ps(loop + at[0]), b = _mm_loadu_ps(loop + at[1]);
-  const __m128 low = _mm_unpacklo_ps(a, b), high = _mm_unpackhi_ps(a, b);
-  return {_mm_cvtps_pd(low), _mm_cvtps_pd(_mm_movehl_ps(low, low)), _mm_cvtps_pd(high),
-          _mm_cvtps_pd(_mm_movehl_ps(high, high))};
+  const __m128 p0 = _mm_unpacklo_ps(a, b), p1 = _mm_movehl_ps(p0, p0);
+  const __m128 p2 = _mm_unpackhi_ps(a, b), p3 = _mm_movehl_ps(p2, p2);
+#endif
+  const __m128 t2 = t * t, t3 = t2 * t;
+  const __m128 value = 0.5F * ((2.0F * t2 - t3 - t) * p0 + (3.0F * t3 - 5.0F * t2 + 2.0F) * p1 +
+                               (4.0F * t2 - 3.0F * t3 + t) * p2 + (t3 - t2) * p3);
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_cvtps_pd(value);
+#else
+  return _mm_cvtps_pd(value);
 #endif
 }
 
@@ -184,7 +194,7 @@ void loopRead(const float* loop, int length, const double* position, const doubl
     const WholeLanes here = truncated(at);
     const WholeLanes before = _mm_sub_epi32(here, _mm_set1_epi32(1));
     const WholeLanes index = _mm_add_epi32(before, _mm_and_si128(_mm_srai_epi32(before, 31), wrap));
-    const Lanes value = cubic(loadSamples(loop, index), at - asLanes(here));
+    const Lanes value = readSamples(loop, index, at - asLanes(here));
     store(sum + j, load(sum + j) + load(gain + j) * value);
   }
 }
