@@ -15,8 +15,19 @@ constexpr double kReflectionEdgeHz = 20000.0;
 /// Time constant of the poles' smoothing.
 constexpr double kPoleSeconds = 0.005;
 
-enum Lane : std::size_t { kHornDirect, kHornBack, kDrumDirect, kDrumBack };
-constexpr std::size_t kHornBackImage = 1, kDrumBackImage = 3;
+enum Lane : std::size_t {
+  kHornDirect,
+  kHornBack,
+  kDrumDirect,
+  kDrumBack,
+  kHornWallB,
+  kHornWallA,
+  kDrumWallB,
+  kDrumWallA
+};
+constexpr int kLanesWithoutSides = 4;
+/// Images of direct sound, back wall, wall B and wall A.
+constexpr std::array<std::size_t, 4> kHornImages = {0, 1, 6, 7}, kDrumImages = {0, 3, 1, 2};
 
 constexpr auto kHornHz = continued(kReducedHornHz);
 constexpr auto kDrumHz = continued(kReducedDrumHz);
@@ -27,13 +38,13 @@ constexpr double kIntervals = 18.0;
 ReducedModels::ReducedModels(const HornSettings& horn, const DrumSettings& drum,
                              const kernels::Kernels& kernels)
     : m_hornSettings(horn), m_drumSettings(drum), m_kernels(kernels) {
-  for (const std::size_t lane : {kHornDirect, kHornBack}) {
+  for (const std::size_t lane : {kHornDirect, kHornBack, kHornWallB, kHornWallA}) {
     // The horn's table runs against its angle.
     m_bank.cutoff[lane] = kHornHz.data();
     m_bank.cutoffPlace[lane] = kIntervals;
     m_bank.cutoffStep[lane] = -kIntervals;
   }
-  for (const std::size_t lane : {kDrumDirect, kDrumBack}) {
+  for (const std::size_t lane : {kDrumDirect, kDrumBack, kDrumWallB, kDrumWallA}) {
     m_bank.cutoff[lane] = kDrumHz.data();
     m_bank.cutoffPlace[lane] = 0.0;
     m_bank.cutoffStep[lane] = kIntervals;
@@ -61,7 +72,8 @@ void ReducedModels::updateDrumStaticPole() noexcept {
 
 void ReducedModels::clearLanes(std::size_t first) noexcept {
   for (double* memory : {m_bank.pole, m_bank.wantedPole, m_bank.lowPass, m_bank.rays.bounce})
-    std::fill_n(memory + first, 2, 0.0);
+    for (const std::size_t lane : {first, first + kLanesWithoutSides})
+      std::fill_n(memory + lane, 2, 0.0);
 }
 
 void ReducedModels::clearHorn() noexcept {
@@ -83,15 +95,18 @@ void ReducedModels::resetHornFilters() noexcept {
 
 void ReducedModels::rebuildHorn() noexcept {
   const CabinetSettings& cabinet = m_hornSettings.cabinet;
-  m_horn.rays.rebuild(hornImages(m_microphone, CabinetWalls(cabinet.flipSign < 0.0)), m_microphone,
-                      cabinet.amRadius);
+  const CabinetWalls walls(cabinet.flipSign < 0.0);
+  m_horn.region = microphoneRegion(m_microphone, walls);
+  m_horn.rays.rebuild(hornImages(m_microphone, walls), m_microphone, cabinet.amRadius);
   m_horn.attenuation.rebuild(cabinet, m_horn.rays);
   m_lanesFresh = false;
 }
 
 void ReducedModels::rebuildDrum() noexcept {
   const CabinetSettings& cabinet = m_drumSettings.cabinet;
-  m_drum.rays.rebuild(drumImages(m_microphone, drumWalls(cabinet)), m_microphone, cabinet.amRadius);
+  const CabinetWalls walls = drumWalls(cabinet);
+  m_drum.region = microphoneRegion(m_microphone, walls);
+  m_drum.rays.rebuild(drumImages(m_microphone, walls), m_microphone, cabinet.amRadius);
   m_drum.attenuation.rebuild(cabinet, m_drum.rays);
   m_lanesFresh = false;
 }
@@ -103,19 +118,25 @@ void ReducedModels::refreshLanes(const Source& horn, const Source& drum) noexcep
   m_bank.rays.base = horn.line.data();
   m_laneHornSettings = m_hornSettings;
   m_laneDrumSettings = m_drumSettings;
-  const auto set = [&](Lane lane, const Source& source, const Model& model,
-                       const CabinetSettings& cabinet, std::size_t image, double gain) {
-    RayPath path{cabinet, model.rays, model.attenuation, image};
-    path.shorter = m_microphone.distance - 2.0 * cabinet.fmRadius;
-    path.gain = image == 0 ? gain : gain * cabinet.reflectionCoeff;
-    path.bouncePole = image == 0 ? 0.0 : m_bouncePole;
-    setLane(m_bank.rays, lane, path, source.track, source.line);
+  const auto set = [&](const std::array<Lane, 4>& lanes, const Source& source, const Model& model,
+                       const CabinetSettings& cabinet, const std::array<std::size_t, 4>& images,
+                       double directGain, double bounceGain) {
+    const double bounced = bounceGain * cabinet.reflectionCoeff;
+    const std::array<double, 4> gain = {directGain, bounced,
+                                        model.region == MicrophoneRegion::SideB ? bounced : 0.0,
+                                        model.region == MicrophoneRegion::SideA ? bounced : 0.0};
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      RayPath path{cabinet, model.rays, model.attenuation, images[i]};
+      path.shorter = m_microphone.distance - 2.0 * cabinet.fmRadius;
+      path.gain = gain[i];
+      path.bouncePole = i == 0 ? 0.0 : m_bouncePole;
+      setLane(m_bank.rays, lanes[i], path, source.track, source.line);
+    }
   };
-  const CabinetSettings &ofHorn = m_hornSettings.cabinet, &ofDrum = m_drumSettings.cabinet;
-  set(kHornDirect, horn, m_horn, ofHorn, 0, m_hornSettings.rayGain[0]);
-  set(kHornBack, horn, m_horn, ofHorn, kHornBackImage, m_hornSettings.rayGain[1]);
-  set(kDrumDirect, drum, m_drum, ofDrum, 0, m_drumSettings.rayGain[0]);
-  set(kDrumBack, drum, m_drum, ofDrum, kDrumBackImage, m_drumSettings.rayGain[1]);
+  set({kHornDirect, kHornBack, kHornWallB, kHornWallA}, horn, m_horn, m_hornSettings.cabinet,
+      kHornImages, m_hornSettings.rayGain[0], m_hornSettings.rayGain[1]);
+  set({kDrumDirect, kDrumBack, kDrumWallB, kDrumWallA}, drum, m_drum, m_drumSettings.cabinet,
+      kDrumImages, m_drumSettings.rayGain[0], m_drumSettings.rayGain[1]);
 }
 
 void ReducedModels::addStaticRays(const Source& horn, const Source& drum, int n,
@@ -149,7 +170,10 @@ void ReducedModels::process(const Source& horn, const Source& drum, int n, RunBu
                             RunBuffer& drumOut) noexcept {
   refreshLanes(horn, drum);
   std::array<double, 2 * (kRun + 2)> pairs;
-  m_kernels.reducedRays(m_bank, horn.track.pass(n), drum.track.pass(n), pairs.data());
+  const bool noSides =
+      m_horn.region == MicrophoneRegion::Front && m_drum.region == MicrophoneRegion::Front;
+  m_kernels.reducedRays(m_bank, noSides ? kLanesWithoutSides : kernels::kReducedLanes,
+                        horn.track.pass(n), drum.track.pass(n), pairs.data());
   addStaticRays(horn, drum, n, pairs.data());
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
     hornOut[k] = pairs[2 * k];

@@ -8,10 +8,10 @@
 
 namespace qlx::engine {
 
-/// Horn and drum as the cross-talk paths hear them: direct ray, back wall and the static part, one
-/// low-pass each instead of the full filters, its pole following the mouth's angle within 5 ms; and
-/// a coarse body for the horn. Both are listened to straight in front at 1 m, where no side wall
-/// shows. Audio thread only.
+/// Horn and drum as the cross-talk paths hear them: direct ray, back wall, the side wall that shows
+/// and the static part, one low-pass each instead of the full filters, its pole following the
+/// mouth's angle within 5 ms; and a coarse body for the horn. Both are listened to straight in
+/// front at 1 m, from where with these cabinets' walls neither side wall shows. Audio thread only.
 class ReducedModels {
  public:
   ReducedModels(const HornSettings& horn, const DrumSettings& drum,
@@ -44,6 +44,7 @@ class ReducedModels {
   struct Model {
     Rays rays;
     AttenuationLaw attenuation;
+    MicrophoneRegion region = MicrophoneRegion::Front;
   };
 
   void clearLanes(std::size_t first) noexcept;

@@ -94,7 +94,9 @@ struct DrumBank {
   double lowestSine;
 };
 
-inline constexpr int kReducedLanes = 4; ///< horn direct, horn back wall, drum direct, drum back
+/// Horn direct, horn back wall, drum direct, drum back wall; then horn wall B, horn wall A, drum
+/// wall B, drum wall A.
+inline constexpr int kReducedLanes = 8;
 struct ReducedBank {
   alignas(64) RayLanes<kReducedLanes> rays;
   const double* cutoff[kReducedLanes]; ///< Hz over the mouth's angle, one turn and one entry more
@@ -205,8 +207,9 @@ struct Kernels {
   void (*hornRays)(HornBank& bank, int lanes, const RayPass& pass, double* pairs);
   /// Writes n samples of the drum's first `lanes` lanes.
   void (*drumRays)(DrumBank& bank, int lanes, const RayPass& pass, double* out);
-  /// Writes n pairs (horn, drum) of the reduced models' rays.
-  void (*reducedRays)(ReducedBank& bank, const RayPass& horn, const RayPass& drum, double* pairs);
+  /// Writes n pairs (horn, drum) of the reduced models' first `lanes` lanes, four or all.
+  void (*reducedRays)(ReducedBank& bank, int lanes, const RayPass& horn, const RayPass& drum,
+                      double* pairs);
   /// Puts the filters of all lanes where a stopped mouth that faces along the ray, or for the drum
   /// the last tuning, would leave them; their memory stays.
   void (*restHorn)(HornBank& bank);

@@ -264,14 +264,16 @@ void drumRays(DrumBank& bank, int lanes, const RayPass& pass, double* out) {
   }
 }
 
-void reducedRays(ReducedBank& bank, const RayPass& horn, const RayPass& drum, double* pairs) {
+void reducedRays(ReducedBank& bank, int lanes, const RayPass& horn, const RayPass& drum,
+                 double* pairs) {
   const int n = horn.n;
-  for (int lane = 0; lane < kReducedLanes; lane += kWidth) {
-    // The first two lanes belong to the horn, the others to the drum.
+  for (int i = 0; i < 2 * n; ++i) pairs[i] = 0.0;
+  for (int lane = 0; lane < lanes; lane += kWidth) {
+    // Of each four lanes the first two belong to the horn, the others to the drum.
     Beginning begin(horn.writeIndex);
     LaneBits ofDrum{};
     for (int k = 0; k < kWidth; ++k) {
-      if (lane + k < 2) continue;
+      if ((lane + k) % 4 < 2) continue;
       begin.index[k] = drum.writeIndex;
       ofDrum[k] = -1;
     }
@@ -312,9 +314,8 @@ void reducedRays(ReducedBank& bank, const RayPass& horn, const RayPass& drum, do
     store(bank.lowPass + lane, withoutTraces(state, 1e-24));
     bounce(bank.rays, lane, n, x, level, sum);
     for (int j = 0; j < n; ++j) {
-      double lanes[kWidth];
-      store(lanes, sum[j]);
-      for (int k = 0; k < kWidth; k += 2) pairs[2 * j + (lane + k) / 2] = lanes[k] + lanes[k + 1];
+      for (int k = 0; k < kWidth; k += 2)
+        pairs[2 * j + (lane + k) % 4 / 2] += sum[j][k] + sum[j][k + 1];
     }
   }
 }
