@@ -31,6 +31,7 @@ class EffectFixture : public ::testing::Test {
     news().clear();
     connected() = true;
     whileUpdating() = nullptr;
+    whenAutomated() = nullptr;
     ::setenv("XDG_CONFIG_HOME", m_home.path().c_str(), 1);
     effect = std::make_unique<RotaryEffect>(&host);
     effect->getRecord();
@@ -48,6 +49,11 @@ class EffectFixture : public ::testing::Test {
   static std::function<void()>& whileUpdating() {
     static std::function<void()> action;
     return action;
+  }
+  /// Called where the host is told of an automated parameter, on the thread that tells it.
+  static void (*&whenAutomated())() {
+    static void (*observer)() = nullptr;
+    return observer;
   }
   static std::vector<HostNews> automated() {
     std::vector<HostNews> list;
@@ -71,6 +77,7 @@ class EffectFixture : public ::testing::Test {
                             std::intptr_t /*value*/, void* /*ptr*/, float opt) {
     const auto request = static_cast<sdk::HostOpcode>(opcode);
     if (request == sdk::HostOpcode::PinConnected) return connected() ? 0 : 1;
+    if (request == sdk::HostOpcode::Automate && whenAutomated() != nullptr) whenAutomated()();
     news().push_back({request, index, opt});
     if (request == sdk::HostOpcode::UpdateDisplay && whileUpdating()) {
       std::exchange(whileUpdating(), nullptr)();
