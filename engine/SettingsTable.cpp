@@ -5,8 +5,9 @@
 
 namespace qlx::engine {
 
-/// One row per setting: its limits, wide enough for everything that controls can send and narrow
-/// enough for the engine to stay finite, and what the audio thread does with a new value.
+/// One row per setting: its limits and what the audio thread does with a new value. The limits
+/// leave room around all that controls reach within their range and are so narrow that the engine
+/// stays finite and that gains and filters are back within 100 ms after a value out of range.
 struct SettingsTable {
   using Frame = RotaryEngine::Frame;
 
@@ -21,7 +22,9 @@ struct SettingsTable {
 
 namespace {
 
-constexpr double kHighestGain = 1000.0;
+constexpr double kHighestGain = 5.0;    ///< controls reach 4
+constexpr double kHighestRayGain = 1.5; ///< controls reach 1
+constexpr double kHighestDb = 15.0;     ///< controls reach 12
 constexpr double kHighestHz = 100000.0;
 
 double panGain(double share) { return std::sin(share * kHalfPi); }
@@ -34,19 +37,19 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
   using S = Setting;
   using Sm = Smoothed;
   using Tone = Amplifier::Tone;
-  constexpr double g = kHighestGain;
+  constexpr double g = kHighestGain, r = kHighestRayGain, db = kHighestDb;
   static constexpr Row kRows[] = {
       {S::Bypass, 0, 1, [](F& f, double v) { f.m_bypassTarget = v; }},
       {S::SpeakersBypassed, 0, 1, [](F& f, double v) { f.m_speakersBypassed = v >= 0.5; }},
       {S::InputGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::InputGain, v); }},
       {S::AmplifierType, 0, 2,
        [](F& f, double v) { f.m_amplifier.setType(static_cast<Amplifier::Type>(static_cast<int>(v))); }},
-      {S::DriveGain, 0.001, g, [](F& f, double v) { f.m_settings.setTarget(Sm::DriveGain, v); }},
+      {S::DriveGain, 0.05, 20, [](F& f, double v) { f.m_settings.setTarget(Sm::DriveGain, v); }},
       {S::PostDriveGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::PostDriveGain, v); }},
-      {S::BottomGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::Bottom, v); }},
-      {S::LoMidGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::LoMid, v); }},
-      {S::PresenceGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::Presence, v); }},
-      {S::TopGainDb, -60, 60, [](F& f, double v) { f.setTone(Tone::Top, v); }},
+      {S::BottomGainDb, -db, db, [](F& f, double v) { f.setTone(Tone::Bottom, v); }},
+      {S::LoMidGainDb, -db, db, [](F& f, double v) { f.setTone(Tone::LoMid, v); }},
+      {S::PresenceGainDb, -db, db, [](F& f, double v) { f.setTone(Tone::Presence, v); }},
+      {S::TopGainDb, -db, db, [](F& f, double v) { f.setTone(Tone::Top, v); }},
 
       {S::Lever, -1, 2, [](F& f, double v) { f.m_cabinet.setLever(v); }},
       {S::Stop, 0, 1, [](F& f, double v) { f.applyStop(v); }},
@@ -72,16 +75,16 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
       {S::HornMic2Gain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::HornMic2Gain, v); }},
       {S::HornGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::HornGain, v); }},
       {S::HornFeedGain, -64, 64 * g, [](F& f, double v) { f.m_settings.setTarget(Sm::HornFeedGain, v); }},
-      {S::HornLevel, 0, g, [](F& f, double v) { f.m_cabinet.hornLevel = v; }},
+      {S::HornLevel, 0, 3, [](F& f, double v) { f.m_cabinet.hornLevel = v; }},
       {S::HornHighPassHz, 0, kHighestHz, [](F& f, double v) { f.setHornHighPass(v); }},
 
       {S::HornFmRadius, 0, 0.3, [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.fmRadius = v; }},
       {S::HornAmRadius, 0.05, 0.29, [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.amRadius = v; }},
-      {S::HornAttenuationExponent, 0, 4,
+      {S::HornAttenuationExponent, 0, 3,
        [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.attenuationExponent = v; }},
-      {S::HornAttenuationDistance, 0.01, 100,
+      {S::HornAttenuationDistance, 0.01, 20,
        [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.attenuationDistance = v; }},
-      {S::HornAttenuationFadeExponent, 0.05, 10,
+      {S::HornAttenuationFadeExponent, 0.2, 4,
        [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.attenuationFadeExponent = v; }},
       {S::HornReflectionCoeff, -0.2, 1.1,
        [](F& f, double v) { f.m_cabinet.hornSettings.cabinet.reflectionCoeff = v; }},
@@ -98,18 +101,18 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
       {S::HornFlip, -1, 1, [](F& f, double v) { f.m_cabinet.setHornFlip(v); }},
       {S::HornOpenBackMode, 0, 2,
        [](F& f, double v) { f.m_cabinet.hornSettings.openBackMode = static_cast<int>(v); }},
-      {S::HornRayGain1, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[0] = v; }},
-      {S::HornRayGain2, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[1] = v; }},
-      {S::HornRayGain3, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[2] = v; }},
-      {S::HornRayGain4, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[3] = v; }},
-      {S::HornRayGain5, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[4] = v; }},
-      {S::HornRayGain6, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[5] = v; }},
-      {S::HornRayGain7, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[6] = v; }},
-      {S::HornZAxisGain, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.zAxisGain = v; }},
-      {S::HornStaticGain, -g, g, [](F& f, double v) { f.m_cabinet.hornSettings.staticGain = v; }},
-      {S::HornAmpClip, -1, g, [](F& f, double v) { f.m_cabinet.hornSettings.ampClip = v; }},
-      {S::HornDistanceAmpClip, -1, g, [](F& f, double v) { f.m_cabinet.distanceAmpClip = v; }},
-      {S::HornFilterSaturation, 0, 10, [](F& f, double v) { f.m_cabinet.setHornSaturation(v); }},
+      {S::HornRayGain1, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[0] = v; }},
+      {S::HornRayGain2, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[1] = v; }},
+      {S::HornRayGain3, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[2] = v; }},
+      {S::HornRayGain4, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[3] = v; }},
+      {S::HornRayGain5, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[4] = v; }},
+      {S::HornRayGain6, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[5] = v; }},
+      {S::HornRayGain7, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.rayGain[6] = v; }},
+      {S::HornZAxisGain, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.zAxisGain = v; }},
+      {S::HornStaticGain, -r, r, [](F& f, double v) { f.m_cabinet.hornSettings.staticGain = v; }},
+      {S::HornAmpClip, -1, 2, [](F& f, double v) { f.m_cabinet.hornSettings.ampClip = v; }},
+      {S::HornDistanceAmpClip, -1, 2, [](F& f, double v) { f.m_cabinet.distanceAmpClip = v; }},
+      {S::HornFilterSaturation, 0, 1, [](F& f, double v) { f.m_cabinet.setHornSaturation(v); }},
 
       {S::DrumMicAngle, -1, 1, [](F& f, double v) { f.m_cabinet.drum().setMicAngle(v); }},
       {S::DrumMicDistance, 0.3, 8, [](F& f, double v) { f.m_cabinet.drum().setMicDistance(v); }},
@@ -119,11 +122,11 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
       {S::DrumLowPassHz, 0, kHighestHz, [](F& f, double v) { f.setDrumLowPass(v); }},
       {S::DrumFmRadius, 0, 0.3, [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.fmRadius = v; }},
       {S::DrumAmRadius, 0.05, 0.29, [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.amRadius = v; }},
-      {S::DrumAttenuationExponent, 0, 4,
+      {S::DrumAttenuationExponent, 0, 3,
        [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.attenuationExponent = v; }},
-      {S::DrumAttenuationDistance, 0.01, 100,
+      {S::DrumAttenuationDistance, 0.01, 20,
        [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.attenuationDistance = v; }},
-      {S::DrumAttenuationFadeExponent, 0.05, 10,
+      {S::DrumAttenuationFadeExponent, 0.2, 4,
        [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.attenuationFadeExponent = v; }},
       {S::DrumReflectionCoeff, -0.2, 1.1,
        [](F& f, double v) { f.m_cabinet.drumSettings.cabinet.reflectionCoeff = v; }},
@@ -144,34 +147,34 @@ const SettingsTable::Row& SettingsTable::row(Setting setting) noexcept {
        }},
       {S::DrumLowStaticGain, -1, g, [](F& f, double v) { f.m_cabinet.drumSettings.lowStaticGain = v; }},
       {S::DrumFlip, -1, 1, [](F& f, double v) { f.m_cabinet.setDrumFlip(v); }},
-      {S::DrumRayGain1, -g, g, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[0] = v; }},
-      {S::DrumRayGain2, -g, g, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[1] = v; }},
-      {S::DrumRayGain3, -g, g, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[2] = v; }},
-      {S::DrumRayGain4, -g, g, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[3] = v; }},
-      {S::DrumStaticGain, -g, g, [](F& f, double v) { f.m_cabinet.drumSettings.staticGain = v; }},
-      {S::DrumFilterSaturation, 0, 10, [](F& f, double v) { f.m_cabinet.setDrumSaturation(v); }},
+      {S::DrumRayGain1, -r, r, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[0] = v; }},
+      {S::DrumRayGain2, -r, r, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[1] = v; }},
+      {S::DrumRayGain3, -r, r, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[2] = v; }},
+      {S::DrumRayGain4, -r, r, [](F& f, double v) { f.m_cabinet.drumSettings.rayGain[3] = v; }},
+      {S::DrumStaticGain, -r, r, [](F& f, double v) { f.m_cabinet.drumSettings.staticGain = v; }},
+      {S::DrumFilterSaturation, 0, 1, [](F& f, double v) { f.m_cabinet.setDrumSaturation(v); }},
 
       {S::PortToHornGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::PortToHornGain, v); }},
       {S::PortToDrumGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::PortToDrumGain, v); }},
       {S::DrumToHornGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::DrumToHornGain, v); }},
       {S::HornToDrumGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::HornToDrumGain, v); }},
 
-      {S::RoomReturnGain, -1, g, [](F& f, double v) { f.m_settings.setTarget(Sm::RoomReturnGain, v); }},
-      {S::NoiseSendGain, -1, g, [](F& f, double v) { f.m_cabinet.noiseSendGain = v; }},
-      {S::RoomSize, 0.1, 20, [](F& f, double v) { f.m_cabinet.roomSettings.size = v; }},
-      {S::VirtualRoomSize, 0.01, 100, [](F& f, double v) { f.m_cabinet.roomSettings.virtualSize = v; }},
-      {S::RoomLeftRightDelay, 0, 100,
+      {S::RoomReturnGain, -0.03, 0.03 * g, [](F& f, double v) { f.m_settings.setTarget(Sm::RoomReturnGain, v); }},
+      {S::NoiseSendGain, -0.2, 1, [](F& f, double v) { f.m_cabinet.noiseSendGain = v; }},
+      {S::RoomSize, 0.1, 8, [](F& f, double v) { f.m_cabinet.roomSettings.size = v; }},
+      {S::VirtualRoomSize, 0.1, 8, [](F& f, double v) { f.m_cabinet.roomSettings.virtualSize = v; }},
+      {S::RoomLeftRightDelay, 0, 5,
        [](F& f, double v) { f.m_cabinet.roomSettings.leftRightDelay = v; }},
       {S::RoomMainCutoffHz, 20, kHighestHz,
        [](F& f, double v) { f.m_cabinet.roomSettings.mainCutoffHz = v; }},
-      {S::ColorMidGainDb, -60, 60, [](F& f, double v) { f.setColor(&Frame::m_colorMidDb, v); }},
-      {S::ColorLowGainDb, -60, 60, [](F& f, double v) { f.setColor(&Frame::m_colorLowDb, v); }},
+      {S::ColorMidGainDb, -db, db, [](F& f, double v) { f.setColor(&Frame::m_colorMidDb, v); }},
+      {S::ColorLowGainDb, -db, db, [](F& f, double v) { f.setColor(&Frame::m_colorLowDb, v); }},
 
-      {S::HornNoiseLevel, -1, g, [](F& f, double v) { f.m_cabinet.hornSettings.noiseLevel = v; }},
-      {S::DrumNoiseLevel, -1, 8 * g, [](F& f, double v) { f.m_cabinet.drumSettings.noiseLevel = v; }},
-      {S::HornSlowNoiseVolume, -1, g,
+      {S::HornNoiseLevel, -1, 4, [](F& f, double v) { f.m_cabinet.hornSettings.noiseLevel = v; }},
+      {S::DrumNoiseLevel, -1, 128, [](F& f, double v) { f.m_cabinet.drumSettings.noiseLevel = v; }},
+      {S::HornSlowNoiseVolume, -3, 5 * g,
        [](F& f, double v) { f.m_cabinet.forHornPlayers([v](auto& p) { p.setSlowVolume(v); }); }},
-      {S::HornFastNoiseVolume, -1, g,
+      {S::HornFastNoiseVolume, -4, 6.5 * g,
        [](F& f, double v) { f.m_cabinet.forHornPlayers([v](auto& p) { p.setFastVolume(v); }); }},
       {S::HornSwitchNoiseVolume, -1, g,
        [](F& f, double v) { f.m_cabinet.forHornPlayers([v](auto& p) { p.setSwitchVolume(v); }); }},
@@ -203,9 +206,12 @@ void RotaryEngine::Frame::set(Setting setting, double value) noexcept {
   m_desk.write(setting, limited);
 }
 
+void RotaryEngine::Frame::apply(Setting setting, double value) noexcept {
+  SettingsTable::row(setting).apply(*this, value);
+}
+
 void RotaryEngine::Frame::takeSettings() noexcept {
-  m_desk.collect(
-      [this](Setting setting, double v) { SettingsTable::row(setting).apply(*this, v); });
+  m_desk.collect([this](Setting setting, double v) { apply(setting, v); });
 }
 
 void RotaryEngine::Frame::applyStop(double v) noexcept {

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <gmock/gmock.h>
 #include <numbers>
+#include <random>
 #include <sys/mman.h>
 #include <thread>
 #include <unistd.h>
@@ -148,14 +149,43 @@ TEST_F(BypassedEffectTest, BothPrecisionsSoundAlike) {
   EXPECT_THAT(right, Follows(input.right));
 }
 
-TEST_F(BypassedEffectTest, TheHostsFloatingPointModeComesBack) {
-  const unsigned before = _mm_getcsr();
+/// Modes of the SSE and the x87 unit.
+struct FloatingPointModes {
+  unsigned sse = 0;
+  std::uint16_t x87 = 0;
+
+  static FloatingPointModes current() {
+    FloatingPointModes modes;
+    modes.sse = _mm_getcsr();
+    __asm__ volatile("fnstcw %0" : "=m"(modes.x87));
+    return modes;
+  }
+  void set() const {
+    _mm_setcsr(sse);
+    __asm__ volatile("fldcw %0" : : "m"(x87));
+  }
+};
+
+TEST_F(BypassedEffectTest, FloatingPointModesAreOurOwnInABlockAndTheHostsBehindIt) {
+  // A full reset tells the host, in the middle of a block, what the placement sets.
+  static FloatingPointModes inside;
+  inside = {};
+  whenAutomated() = [] { inside = FloatingPointModes::current(); };
+  effect->resume();
+  const FloatingPointModes before = FloatingPointModes::current();
   constexpr unsigned kRoundDown = 0x2000;
-  _mm_setcsr(before | kRoundDown);
-  process();
-  const unsigned after = _mm_getcsr();
-  _mm_setcsr(before);
-  EXPECT_EQ(after, before | kRoundDown);
+  constexpr std::uint16_t kDoublePrecision = 0x027F;
+  const FloatingPointModes ofHost{before.sse | kRoundDown, kDoublePrecision};
+  ofHost.set();
+  for (int i = 0; i < 20; ++i) process();
+  const FloatingPointModes after = FloatingPointModes::current();
+  before.set();
+  constexpr unsigned kFlushToZero = 0x8040, kSseModes = 0xFFC0;
+  constexpr std::uint16_t kExtendedPrecision = 0x037F;
+  EXPECT_EQ(inside.sse & kSseModes, kFlushToZero | 0x1F80U);
+  EXPECT_EQ(inside.x87, kExtendedPrecision);
+  EXPECT_EQ(after.sse, ofHost.sse);
+  EXPECT_EQ(after.x87, ofHost.x87);
 }
 
 class RotaryEffectTest : public EffectFixture {
@@ -313,6 +343,54 @@ TEST_F(RotaryEffectTest, TheAudioThreadAllocatesNothing) {
     effect->processReplacing(io, io, kFrames);
   }
   EXPECT_EQ(allocations.value(), 0);
+}
+
+/// What a host sends by mistake is over as soon as it sends sense: no gain and no filter remembers
+/// it for longer than a tenth of a second, whether or not the mute closes meanwhile.
+TEST_F(RotaryEffectTest, ValuesOutOfRangeAreSoonForgotten) {
+  std::vector<float> valid;
+  for (std::int32_t i = 0; i < kNumParameters; ++i) valid.push_back(effect->getParameter(i));
+  effect->resume();
+  std::mt19937 random(7);
+  std::uniform_real_distribution<float> uniform(-0.5F, 0.5F), exponent(-1.0F, 30.0F);
+  const auto outOfRange = [&] {
+    return std::pow(10.0F, exponent(random)) * (random() % 2 == 0 ? 1.0F : -1.0F);
+  };
+  const auto loudest = [&](double seconds) {
+    float peak = 0.0F;
+    Stereo block;
+    float* io[] = {block.left.data(), block.right.data()};
+    for (int done = 0; done < static_cast<int>(seconds * 44100); done += kFrames) {
+      for (std::size_t i = 0; i < block.left.size(); ++i)
+        block.left[i] = block.right[i] = uniform(random);
+      effect->processReplacing(io, io, kFrames);
+      for (const std::vector<float>* side : {&block.left, &block.right})
+        for (const float x : *side) peak = std::isfinite(x) ? std::max(peak, std::abs(x)) : 1e38F;
+    }
+    return peak;
+  };
+  const float undisturbed = loudest(1.0);
+  // Those that ask for no work behind the mute.
+  constexpr std::int32_t kUnmuted[] = {
+      5,  6,  7,  8,  9,   11,  12,  13,  15,  16,  19,  20,  22,  23,  26,  27, 29, 30,
+      37, 43, 46, 47, 48,  49,  50,  51,  52,  55,  56,  60,  61,  74,  75,  76, 85, 86,
+      89, 92, 95, 98, 102, 103, 105, 110, 111, 112, 113, 114, 115, 116, 117, 119};
+  for (int trial = 0; trial < 45; ++trial) {
+    const float same = outOfRange();
+    if (trial % 3 == 0) {
+      for (const std::int32_t i : kUnmuted)
+        effect->setParameter(i, trial % 2 == 0 ? same : outOfRange());
+    } else {
+      for (std::int32_t i = 0; i < kNumParameters; ++i)
+        effect->setParameter(i, trial % 3 == 1 ? same : outOfRange());
+      effect->setParameter(kBypass, 0.0F);
+    }
+    loudest(0.2);
+    for (std::int32_t i = 0; i < kNumParameters; ++i)
+      effect->setParameter(i, valid[static_cast<std::size_t>(i)]);
+    loudest(0.1);
+    EXPECT_LT(loudest(0.4), 4.0F * undisturbed) << "trial " << trial;
+  }
 }
 
 /// For the thread sanitizer as much as for the result: the host's threads meet in single values
