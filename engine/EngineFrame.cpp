@@ -7,9 +7,6 @@ namespace qlx::engine {
 
 namespace {
 
-/// Longest block for which the state machine takes one step; longer host blocks count as several.
-constexpr int kLongestBlock = 512;
-
 constexpr double kLowestHostRate = 22050.0;
 constexpr double kFadeSeconds =
     0.020000000949949026; // the single-precision number nearest to 20 ms
@@ -59,26 +56,34 @@ RotaryEngine::Frame::Frame(const Recordings& recordings, MicrophonePlacement& pl
 }
 
 void RotaryEngine::Frame::setHostRate(double hz) noexcept {
-  if (std::isfinite(hz) && hz > 0.0)
-    m_wantedHostRate.store(std::max(hz, kLowestHostRate), std::memory_order_relaxed);
+  if (!std::isfinite(hz) || hz <= 0.0) return;
+  const double wanted = std::max(hz, kLowestHostRate);
+  const double before = m_wantedHostRate.exchange(wanted, std::memory_order_relaxed);
+  // Some hosts change the rate without switching off and on; all that depends on it is made anew.
+  if (wanted != before && m_switchedOn.load(std::memory_order_relaxed))
+    request(kPendingResume | kPendingFullReset);
 }
 
-void RotaryEngine::Frame::switchOff() noexcept { request(kPendingResume); }
+void RotaryEngine::Frame::switchOff() noexcept {
+  m_switchedOn.store(false, std::memory_order_relaxed);
+  request(kPendingResume);
+}
 
 void RotaryEngine::Frame::switchOn() noexcept {
+  m_switchedOn.store(true, std::memory_order_relaxed);
   request(kPendingFullReset | kPendingHornMic1 | kPendingHornMic2 | kPendingReducedHorn |
           kPendingDrum | kPendingReducedDrum | kPendingCrossDelays);
   m_bypassJump.store(m_wantedBypass.load(std::memory_order_relaxed), std::memory_order_relaxed);
 }
 
 std::uint32_t RotaryEngine::Frame::take(std::uint32_t bits) noexcept {
-  return m_pending.fetch_and(~bits, std::memory_order_acquire) & bits;
+  return m_desk.takeWork(bits, [this](Setting setting, double v) { apply(setting, v); });
 }
 
 void RotaryEngine::Frame::performAllPendingWork() noexcept {
-  takeSettings();
-  applyPlacement();
   take(kAllPendingWork);
+  applyPlacement();
+  take(kRaisedByPlacement);
   rebuildAll();
   setupEngineRate();
   m_cabinet.computeCrossDelays(m_settings);
@@ -86,7 +91,6 @@ void RotaryEngine::Frame::performAllPendingWork() noexcept {
 }
 
 void RotaryEngine::Frame::beginBlock() noexcept {
-  m_blockFailed = false;
   takeSettings();
   const double jump = m_bypassJump.exchange(kNoJump, std::memory_order_relaxed);
   if (jump != kNoJump) m_bypassLevel = jump;
@@ -102,7 +106,7 @@ void RotaryEngine::Frame::updateTone() noexcept {
 }
 
 void RotaryEngine::Frame::stepState() noexcept {
-  const bool pending = m_pending.load(std::memory_order_relaxed) != 0;
+  const bool pending = m_desk.isRequested(kAllPendingWork);
   switch (m_state) {
   case State::Running:
   case State::FadingIn:
@@ -127,7 +131,7 @@ void RotaryEngine::Frame::stepState() noexcept {
 void RotaryEngine::Frame::doPendingGroup() noexcept {
   if (take(kPendingResume) != 0) {
     doResume();
-  } else if ((m_pending.load(std::memory_order_relaxed) & kPendingFullReset) != 0) {
+  } else if (m_desk.isRequested(kPendingFullReset)) {
     doFullReset();
   } else if (take(kPendingSetup | kPendingRoomTaps) != 0) {
     applyPlacement();
@@ -169,9 +173,8 @@ void RotaryEngine::Frame::doFullReset() noexcept {
   // placement's own before the settings that they stand for are read.
   take(kAllPendingWork);
   resetEngine();
-  m_placement.applyPlacement();
+  applyPlacement();
   take(kRaisedByPlacement);
-  takeSettings();
   m_cabinet.computeRoomTaps();
   rebuildAll();
   m_cabinet.computeCrossDelays(m_settings);
@@ -229,6 +232,7 @@ void RotaryEngine::Frame::updateFilterRates() noexcept {
 
 void RotaryEngine::Frame::resetEngine() noexcept {
   refreshHostRate();
+  m_placement.forgetLever();
   m_converter.restartCounter();
   setupEngineRate();
   m_settings.snap();
@@ -278,7 +282,7 @@ void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const Ru
   }
 }
 
-void RotaryEngine::Frame::run(Stretch& s) noexcept {
+bool RotaryEngine::Frame::run(Stretch& s) noexcept {
   const SmoothedRun& settings = m_settings.advance(s.n);
   const RunBuffer& inputGain = settings[Smoothed::InputGain];
   RunBuffer signal;
@@ -302,35 +306,44 @@ void RotaryEngine::Frame::run(Stretch& s) noexcept {
     blend(s, inputGain, left, right);
   }
 
-  if (!allFinite(s.out0, s.n) || !allFinite(s.out1, s.n)) {
-    recover();
-    m_blockFailed = true;
+  return allFinite(s.out0, s.n) && allFinite(s.out1, s.n);
+}
+
+template <class Sample>
+void RotaryEngine::Frame::processBlock(const Sample* in0, const Sample* in1, Sample* out0,
+                                       Sample* out1, int frames) noexcept {
+  // Outputs may be the inputs' memory: all of the block is read before anything is written.
+  for (int j = 0; j < frames; ++j) {
+    m_input0[static_cast<std::size_t>(j)] = sane(static_cast<double>(in0[j]));
+    m_input1[static_cast<std::size_t>(j)] = sane(static_cast<double>(in1[j]));
+  }
+  const auto write = [&](int from, const double* left, const double* right, int n) {
+    for (int j = 0; j < n; ++j) {
+      if (out1 != nullptr) out1[from + j] = static_cast<Sample>(right[j]);
+      out0[from + j] = static_cast<Sample>(left[j]);
+    }
+  };
+  beginBlock();
+  Stretch s;
+  for (int done = 0; done < frames; done += s.n) {
+    s.n = std::min(kRun, frames - done);
+    std::copy_n(m_input0.begin() + done, s.n, s.in0.begin());
+    std::copy_n(m_input1.begin() + done, s.n, s.in1.begin());
+    if (!run(s)) {
+      recover();
+      write(0, m_input0.data(), m_input1.data(), frames);
+      return;
+    }
+    write(done, s.out0.data(), s.out1.data(), s.n);
   }
 }
 
 template <class Sample>
 void RotaryEngine::Frame::process(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
                                   int frames) noexcept {
-  Stretch s;
-  for (int done = 0; done < frames;) {
-    if (done % kLongestBlock == 0) beginBlock();
-    s.n = std::min({kRun, frames - done, kLongestBlock - done % kLongestBlock});
-    for (int j = 0; j < s.n; ++j) {
-      s.in0[static_cast<std::size_t>(j)] = sane(static_cast<double>(in0[done + j]));
-      s.in1[static_cast<std::size_t>(j)] = sane(static_cast<double>(in1[done + j]));
-    }
-    if (!m_blockFailed) run(s);
-    if (m_blockFailed) {
-      s.out0 = s.in0;
-      s.out1 = s.in1;
-    }
-    for (int j = 0; j < s.n; ++j) {
-      if (out1 != nullptr)
-        out1[done + j] = static_cast<Sample>(s.out1[static_cast<std::size_t>(j)]);
-      out0[done + j] = static_cast<Sample>(s.out0[static_cast<std::size_t>(j)]);
-    }
-    done += s.n;
-  }
+  for (int done = 0; done < frames; done += kLongestBlock)
+    processBlock(in0 + done, in1 + done, out0 + done, out1 == nullptr ? nullptr : out1 + done,
+                 std::min(kLongestBlock, frames - done));
   const RotorMotion& horn = m_cabinet.hornTrack().motion;
   const RotorMotion& drum = m_cabinet.drumTrack().motion;
   m_rotors.store({horn.phase(), horn.phaseSpeed()}, {drum.phase(), drum.phaseSpeed()},

@@ -19,7 +19,7 @@ class RotaryEngine::Frame {
 
   // Any thread.
   void set(Setting setting, double value) noexcept;
-  void request(std::uint32_t work) noexcept { m_pending.fetch_or(work, std::memory_order_release); }
+  void request(std::uint32_t work) noexcept { m_desk.request(work); }
   void setHostRate(double hz) noexcept;
   void setCpuMode(CpuMode mode) noexcept { m_cpuMode.store(mode, std::memory_order_relaxed); }
   void switchOff() noexcept;
@@ -39,6 +39,9 @@ class RotaryEngine::Frame {
 
   enum class State : unsigned char { Running = 0, FadingOut = 1, Reinitialising = 2, FadingIn = 3 };
 
+  /// Longest block for which the state machine takes one step; longer host blocks count as several.
+  static constexpr int kLongestBlock = 512;
+
   /// One stretch of host samples, in and out.
   struct Stretch {
     RunBuffer in0, in1;
@@ -46,6 +49,7 @@ class RotaryEngine::Frame {
     int n;
   };
 
+  void apply(Setting setting, double value) noexcept;
   void takeSettings() noexcept;
   void applyStop(double v) noexcept;
   void setPan(Smoothed left, Smoothed right, double position) noexcept;
@@ -61,6 +65,7 @@ class RotaryEngine::Frame {
   void doResume() noexcept;
   void doFullReset() noexcept;
   void applyPlacement() noexcept;
+  /// Takes work with the settings that were written before it was asked for.
   std::uint32_t take(std::uint32_t bits) noexcept;
 
   void refreshHostRate() noexcept;
@@ -72,18 +77,22 @@ class RotaryEngine::Frame {
   void rebuildAll() noexcept;
   void recover() noexcept;
 
-  void run(Stretch& s) noexcept;
+  template <class Sample>
+  void processBlock(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
+                    int frames) noexcept;
+  /// False where the output ran into numbers out of hand.
+  bool run(Stretch& s) noexcept;
   void blend(Stretch& s, const RunBuffer& inputGain, const RunBuffer& wetLeft,
              const RunBuffer& wetRight) noexcept;
 
   MicrophonePlacement& m_placement;
   const kernels::Kernels& m_kernels;
   ControlDesk m_desk;
-  std::atomic<std::uint32_t> m_pending{0};
   std::atomic<double> m_wantedBypass{0.0};
   std::atomic<double> m_bypassJump{kNoJump}; ///< level to which a switch-on jumps
   std::atomic<std::uint32_t> m_stopPresses{0}, m_stopReleases{0};
   std::atomic<double> m_wantedHostRate{44100.0};
+  std::atomic<bool> m_switchedOn{false};
   std::atomic<CpuMode> m_cpuMode{CpuMode::LowCpu};
   RotorReadout m_rotors;
   std::atomic<double> m_publishedHostRate{44100.0};
@@ -101,7 +110,7 @@ class RotaryEngine::Frame {
   std::array<double, static_cast<std::size_t>(Amplifier::Tone::Count)> m_toneDb{};
   double m_colorMidDb = 0.0;
   double m_colorLowDb = 0.0;
-  bool m_blockFailed = false; ///< the rest of a block that ran into numbers out of hand is dry
+  std::array<double, kLongestBlock> m_input0{}, m_input1{}; ///< of the block
 
   double m_hostRate = 44100.0;
   double m_engineRate = 44100.0;

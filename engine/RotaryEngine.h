@@ -14,12 +14,16 @@ namespace qlx::engine {
 /// the host's rate up to 50 kHz and at half or a quarter of it above.
 enum class CpuMode : unsigned char { LowCpu = 0, Brilliant = 1 };
 
-/// Who knows the microphone placements. Called on the audio thread behind the mute (and once while
-/// constructing): the implementation writes the current placement's settings with
-/// RotaryEngine::set.
+/// Who knows the microphone placements and what the lever was told. Called on the audio thread
+/// behind the mute (and once while constructing).
 class MicrophonePlacement {
  public:
+  /// Writes the current placement's settings with RotaryEngine::set.
   virtual void applyPlacement() noexcept = 0;
+
+  /// A full reset begins: the next write of the lever reaches the rotors, also one that repeats the
+  /// last.
+  virtual void forgetLever() noexcept = 0;
 
  protected:
   ~MicrophonePlacement() = default;
@@ -46,8 +50,9 @@ class RotaryEngine {
   /// named by `work` is done one group a block, and the cabinet fades back in.
   void request(std::uint32_t work) noexcept;
 
-  /// The host's sample rate in Hz; read at the next re-initialisation that refreshes the rate.
-  /// Below 22050 counts as 22050; zero, negative and not finite values are ignored.
+  /// The host's sample rate in Hz; read at the next re-initialisation that refreshes the rate,
+  /// which a new rate asks for itself while switched on. Below 22050 counts as 22050; zero,
+  /// negative and not finite values are ignored.
   void setHostRate(double hz) noexcept;
 
   /// Takes effect with the next rate set-up (request kPendingFullReset).

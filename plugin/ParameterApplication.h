@@ -46,6 +46,7 @@ class ParameterApplication final : public engine::MicrophonePlacement {
 
   /// The microphone placement that Setup names; see engine::MicrophonePlacement.
   void applyPlacement() noexcept override;
+  void forgetLever() noexcept override { m_lastLever.store(kNoLever, std::memory_order_relaxed); }
 
   // What the rows of the parameter table do.
   void set(engine::Setting setting, double value) noexcept { m_engine.set(setting, value); }
@@ -73,7 +74,8 @@ class ParameterApplication final : public engine::MicrophonePlacement {
   std::array<std::atomic<float>, kNumParameters> m_values{};
 
   // What was last acted upon: a value that comes to the same changes nothing.
-  std::atomic<float> m_lastLever{-1.0F};
+  static constexpr float kNoLever = -1.0F;
+  std::atomic<float> m_lastLever{kNoLever};
   std::atomic<int> m_lastCpuMode{-1};
   std::atomic<int> m_lastSetup{-1};
   std::atomic<int> m_lastRoomSize{-1};

@@ -34,13 +34,14 @@ class FixedPlacement : public MicrophonePlacement {
  public:
   RotaryEngine* engine = nullptr;
   double angle1 = -0.31, angle2 = 0.02;
-  int calls = 0;
+  int calls = 0, leversForgotten = 0;
 
   void applyPlacement() noexcept override {
     ++calls;
     engine->set(Setting::HornMic1Angle, angle1);
     engine->set(Setting::HornMic2Angle, angle2);
   }
+  void forgetLever() noexcept override { ++leversForgotten; }
 };
 
 struct StereoSignal {

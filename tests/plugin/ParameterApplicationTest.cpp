@@ -224,6 +224,10 @@ TEST_F(ParameterApplicationTest, TheLeverReleasesTheBrake) {
   EXPECT_EQ(log().last(S::Stop), 0.0);
   EXPECT_EQ(effect->getParameter(kStop), 0.0F);
   EXPECT_THAT(automated(), ElementsAre(HostNews{sdk::HostOpcode::Automate, kStop, 0.0F}));
+
+  log().placement->forgetLever();
+  effect->setParameter(kLever, 0.25F);
+  EXPECT_EQ(log().last(S::Lever), 0.75) << "a full reset lies between";
 }
 
 TEST_F(ParameterApplicationTest, TheBrakeTakesTheLeversPlaceAlong) {
