@@ -5,6 +5,7 @@
 #include "tools/brezan/ListOutput.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/PresetFile.h"
+#include "tools/brezan/PresetLoudness.h"
 #include "tools/brezan/StartingPoint.h"
 #include "tools/brezan/Table.h"
 
@@ -26,6 +27,7 @@ struct PresetsOptions {
   StartingPoint start;
   std::optional<int> index;
   bool json = false;
+  bool loudness = false;
 };
 
 /// The plug-in as the home of presets. What is wrong with a file goes to standard error, also where
@@ -267,8 +269,16 @@ void addPresetsCommand(CLI::App& program) {
   command->add_flag("--json", listing->json, "Print JSON instead of a table");
   command->add_option("--from", listing->from, "List names and values of a file's presets");
   addIndex(*command, *listing, "Only this preset of the file, by number from 0");
+  command
+      ->add_flag("--loudness", listing->loudness,
+                 "Measure the loudness of each of the plug-in's presets on the organ phrase")
+      ->excludes("--from", "--index");
   command->callback([command, listing] {
-    if (command->get_subcommands().empty()) list(*listing);
+    if (!command->get_subcommands().empty()) return;
+    if (listing->loudness)
+      printPresetLoudness(locatePlugin(listing->plugin), listing->json);
+    else
+      list(*listing);
   });
 
   CLI::App* showing =
