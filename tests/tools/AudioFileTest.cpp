@@ -75,6 +75,83 @@ TEST(AudioFile, convertsRates) {
   }
 }
 
+TEST(AudioFile, convertsWhatIsWritten) {
+  const TemporaryFolder folder;
+  for (const double rate : {8000.0, 11025.0, 44100.0, 250000.0}) {
+    OutputSettings settings{"float", rate, 1};
+    settings.sourceRate = 48000.0;
+    AudioOutput out(folder / "a.wav", settings);
+    const std::vector<double> written = sine(1000.0, 48000.0, 24000, 0.5);
+    for (std::size_t i = 0; i < written.size(); i += 100)
+      out.write(std::span(written).subspan(i, 100));
+    out.finish();
+    AudioInput in(folder / "a.wav");
+    const std::vector<double> got = load(in, 512);
+    EXPECT_EQ(static_cast<double>(got.size()), std::round(0.5 * rate));
+    EXPECT_EQ(out.frames(), in.frames());
+    const std::vector<double> expected = sine(1000.0, rate, got.size(), 0.5);
+    double worst = 0.0;
+    for (std::size_t i = got.size() / 8; i < got.size() * 7 / 8; ++i)
+      worst = std::max(worst, std::abs(got[i] - expected[i]));
+    EXPECT_LT(worst, 1e-4) << rate;
+  }
+}
+
+TEST(AudioFile, whatMayGrowPastFourGibibytesHasRoomForWiderSizes) {
+  const TemporaryFolder folder;
+  const std::vector<double> samples = sine(441.0, 44100.0, 1000, 0.9);
+  for (const auto& [frames, chunk] : {std::pair{700000000LL, "fmt "}, {720000000LL, "JUNK"}}) {
+    OutputSettings settings{"pcm24", 44100.0, 2};
+    settings.mostFrames = frames;
+    AudioOutput out(folder / "a.wav", settings);
+    out.write(samples);
+    out.finish();
+    // The 64-bit sizes of RF64 would stand in a chunk at byte 12; small after all, it is a WAV.
+    const std::string bytes = qlx::tests::contents(folder / "a.wav");
+    EXPECT_EQ(bytes.substr(0, 4), "RIFF");
+    EXPECT_EQ(bytes.substr(12, 4), chunk);
+    AudioInput in(folder / "a.wav");
+    EXPECT_EQ(load(in, 512).size(), samples.size());
+  }
+}
+
+TEST(AudioFile, gainAndLoudness) {
+  const TemporaryFolder folder;
+  // A sine in both channels has as many LUFS as its peak has decibels, the K weighting being 0 dB
+  // at 997 Hz; one channel counts as two.
+  for (const int channels : {1, 2})
+    for (const double rate : {22050.0, 44100.0, 192000.0}) {
+      const double level = std::pow(10.0, -30.0 / 20.0);
+      std::vector<double> sound;
+      for (const double sample : sine(997.0, rate, static_cast<std::size_t>(2.0 * rate), level))
+        sound.insert(sound.end(), static_cast<std::size_t>(channels), sample);
+      LoudnessMeter meter(channels, rate);
+      meter.add(sound);
+      EXPECT_NEAR(meter.integrated(), -30.0, 0.1);
+      OutputSettings settings{"float", rate, channels};
+      settings.gain = 0.5;
+      for (const bool matching : {false, true}) {
+        settings.matching = matching;
+        AudioOutput out(folder / "a.wav", settings);
+        out.write(sound);
+        out.finish(matching ? std::optional(-18.0) : std::nullopt);
+        const double expected = (matching ? std::pow(10.0, -18.0 / 20.0) : level) / 2.0;
+        EXPECT_NEAR(out.peak() / expected, 1.0, 0.02);
+        AudioInput in(folder / "a.wav");
+        in.measureLoudness();
+        load(in, 1000);
+        EXPECT_NEAR(in.loudness(), 20.0 * std::log10(expected), 0.1);
+      }
+    }
+  OutputSettings settings{"float", 44100.0, 1};
+  settings.matching = true;
+  AudioOutput silent(folder / "a.wav", settings);
+  silent.write(std::vector<double>(44100));
+  silent.finish(-18.0);
+  EXPECT_EQ(silent.peak(), 0.0);
+  EXPECT_EQ(silent.gain(), 1.0);
+}
+
 TEST(AudioFile, equalSoundsAreEqualFiles) {
   const TemporaryFolder folder;
   save(folder / "a.wav", "float", 48000.0, 2, sine(100.0, 48000.0, 200, 0.3));

@@ -185,3 +185,31 @@ TEST_F(PluginEndToEnd, theProgramTellsTheIdentity) {
                             "\"presets\": 32", "\"stateBytes\": 42289", "\"receivesMidi\": true"})
     EXPECT_THAT(info.output, testing::HasSubstr(words));
 }
+
+TEST_F(PluginEndToEnd, theTailEndsWithTheProgrammeWhateverTheMotorsDo) {
+  const struct {
+    double tone, silence; // seconds of the input
+    double least, most;   // of the render
+  } cases[] = {
+      {0.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 1.0}, {1.0, 0.0, 1.6, 2.5}, {1.0, 2.0, 3.0, 3.0}};
+  for (const auto& c : cases) {
+    {
+      AudioOutput source(m_folder / "in.wav", "float", kRate, 1);
+      std::vector<double> sound(static_cast<std::size_t>((c.tone + c.silence) * kRate));
+      for (std::size_t i = 0; i < static_cast<std::size_t>(c.tone * kRate); ++i)
+        sound[i] =
+            0.5 * std::sin(2.0 * std::numbers::pi * kToneHz * static_cast<double>(i) / kRate);
+      source.write(sound);
+      source.finish();
+    }
+    for (const std::string options : {"", "--set Lever=Tremolo --set Mech=1"}) {
+      const Finished done =
+          run("cd " + m_folder.path().string() +
+              " && " BREZAN " render in.wav out.wav --plugin " PLUGIN " " + options);
+      ASSERT_EQ(done.status, 0) << done.errors;
+      const auto seconds = static_cast<double>(AudioInput(m_folder / "out.wav").frames()) / kRate;
+      EXPECT_GE(seconds, c.least) << done.output;
+      EXPECT_LE(seconds, c.most) << done.output;
+    }
+  }
+}

@@ -3,9 +3,11 @@
 #include "tools/brezan/InputFile.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/Renderer.h"
+#include "tools/brezan/RunRate.h"
 #include "tools/brezan/StartingPoint.h"
 #include "tools/brezan/Table.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <iostream>
@@ -23,7 +25,8 @@ struct RenderOptions {
   std::string saveState;
   std::string automation;
   std::string midi;
-  std::string format = "pcm24";
+  OutputSettings file;
+  double gainDb = 0.0;
   double rate = 0.0;
   bool mono = false;
   RenderSettings render;
@@ -53,12 +56,17 @@ void saveState(PluginHost& host, const std::string& path) {
   pending.commit();
 }
 
-void print(const RenderReport& report, const std::string& output) {
+void print(const RenderReport& report, const AudioOutput& output, const RenderOptions& options) {
   const double seconds = static_cast<double>(report.frames) / report.rate;
-  std::cout << output << ": " << fixed(seconds, 2) << " s at " << fixed(report.rate, 0)
-            << " Hz, peak " << decibels(report.peak) << " dBFS, RMS "
-            << decibels(std::sqrt(report.meanSquare)) << " dBFS, rendered in "
-            << fixed(report.processingSeconds, 2) << " s";
+  std::cout << options.output << ": " << fixed(seconds, 2) << " s at "
+            << fixed(options.file.rate, 0) << " Hz";
+  if (report.rate != options.file.rate)
+    std::cout << " (the plug-in ran at " << fixed(report.rate, 0)
+              << " Hz; converted there and back)";
+  std::cout << ", peak " << decibels(output.peak()) << " dBFS, RMS " << decibels(output.rms())
+            << " dBFS";
+  if (options.file.matching) std::cout << ", gain " << decibels(output.gain()) << " dB";
+  std::cout << ", rendered in " << fixed(report.processingSeconds, 2) << " s";
   if (report.processingSeconds > 0.0)
     std::cout << ", " << fixed(seconds / report.processingSeconds, 1) << " times real time";
   std::cout << '\n';
@@ -79,7 +87,9 @@ std::string whatWasSet(PluginHost& host, const ParameterText& parameters,
 void render(RenderOptions options) {
   options.render.outputs = options.mono ? 1 : 2;
   const std::filesystem::path plugin = locatePlugin(options.plugin);
-  AudioInput input(options.input, options.rate);
+  if (options.rate == 0.0) options.rate = AudioInput(options.input).fileRate();
+  AudioInput input(options.input, runRateFor(options.rate));
+  if (options.file.matching) input.measureLoudness();
   PluginHost host(plugin);
   if (options.render.useDouble && !host.hasDouble())
     throw std::runtime_error("the plug-in has no double precision processing");
@@ -93,7 +103,15 @@ void render(RenderOptions options) {
   std::vector<TimedMidi> messages;
   if (!options.midi.empty()) messages = readMidiFile(options.midi);
 
-  AudioOutput output(options.output, options.format, input.rate(), options.render.outputs);
+  OutputSettings& file = options.file;
+  file.rate = options.rate;
+  file.channels = options.render.outputs;
+  file.sourceRate = input.rate();
+  file.gain = std::pow(10.0, options.gainDb / 20.0);
+  const double seconds =
+      static_cast<double>(input.frames()) / input.rate() + options.render.tailSeconds;
+  file.mostFrames = static_cast<long long>(std::min(seconds * file.rate, 1e15));
+  AudioOutput output(options.output, file);
   AutomationPlayer automation(moves, input.rate());
   MidiPlayer midi(std::move(messages), input.rate());
   RenderReport report;
@@ -101,10 +119,10 @@ void render(RenderOptions options) {
     ProgressBar progress;
     report = Renderer(host, options.render).render(input, output, automation, midi, progress);
   }
-  output.finish();
+  output.finish(file.matching ? std::optional(input.loudness()) : std::nullopt);
   if (!options.saveState.empty()) saveState(host, options.saveState);
   if (!settings.empty()) std::cout << settings << '\n';
-  print(report, options.output);
+  print(report, output, options);
   if (output.clipped())
     std::cerr << "brezan: warning: the peak is above full scale and was cut; lower a level or use "
                  "--format float\n";
@@ -125,24 +143,32 @@ void addRenderCommand(CLI::App& program) {
   command->add_option("--midi", o.midi, "Standard MIDI file played to the plug-in");
   command->add_option("--save-state", o.saveState, "Save the plug-in's state after the render");
   command
-      ->add_option("--rate", o.rate,
-                   "Rate in Hz to run at; IN is converted when its own differs, and OUT has it")
+      ->add_option(
+          "--rate", o.rate,
+          "Rate in Hz of OUT; IN is converted when its own differs. The plug-in runs at it "
+          "when it lies at 44.1-50, 88.2-100 or 176.4-192 kHz, otherwise at a multiple, "
+          "part or 48 kHz, and the sound is converted there and back")
       ->check(CLI::Range(8000.0, 384000.0));
   command->add_option("--block", o.render.blockFrames, "Frames in a block (512)")
       ->check(CLI::Range(1, 1 << 20));
   command->add_flag("--double", o.render.useDouble, "Process in double precision");
   command->add_flag("--mono", o.mono, "One channel out");
   command
-      ->add_option("--tail", o.render.tailSeconds,
-                   "Longest tail in seconds after IN has ended (10); it ends earlier after half a "
-                   "second below -90 dBFS")
+      ->add_option(
+          "--tail", o.render.tailSeconds,
+          "Longest tail in seconds after IN has ended (10); it ends earlier when the "
+          "programme, without the noise of the motors, is below -90 dBFS for half a second")
       ->check(CLI::Range(0.0, 3600.0));
   command
       ->add_option("--settle", o.render.settleSeconds,
                    "Seconds of silence played, and not written, before IN begins (1), for the "
                    "rotors to start")
       ->check(CLI::Range(0.0, 60.0));
-  command->add_option("--format", o.format, "pcm16, pcm24, pcm32, float or double (pcm24)");
+  command->add_option("--gain", o.gainDb, "Gain of the result in dB (0)")
+      ->check(CLI::Range(-120.0, 120.0));
+  command->add_flag("--match", o.file.matching,
+                    "Give OUT the loudness of IN (ITU-R BS.1770, integrated), before --gain");
+  command->add_option("--format", o.file.format, "pcm16, pcm24, pcm32, float or double (pcm24)");
   command->footer(kFooter);
   command->callback([options] { render(*options); });
 }

@@ -5,6 +5,7 @@
 #include "tools/brezan/PlayThrough.h"
 #include "tools/brezan/PluginLocation.h"
 #include "tools/brezan/RotorMoves.h"
+#include "tools/brezan/RunRate.h"
 #include "tools/brezan/SoundLevel.h"
 #include "tools/brezan/StartingPoint.h"
 #include "tools/brezan/Table.h"
@@ -18,7 +19,6 @@ namespace qlx::tools {
 
 namespace {
 
-constexpr double kRate = 44100.0; // of the pilot tones
 constexpr double kPilotPeak = 0.25;
 constexpr double kSettleSeconds = 8.0; // for rotors that start slowly
 constexpr double kLearnSeconds = 10.0; // of even turning before the first move
@@ -52,6 +52,9 @@ class Report {
       m_lines = readAutomation(in, options.automation);
     }
     m_marks = leverMarks(m_midi, m_lines);
+    AudioInput dry(options.dry);
+    m_dryRate = dry.rate();
+    m_dry = readChannels(dry);
     AudioInput wet(options.wet);
     m_rate = wet.rate();
     m_sound = readChannels(wet);
@@ -77,11 +80,12 @@ class Report {
     Moves moves{resolved(m_lines, m_options.automation, parameters), m_midi};
     for (AutomationMove& move : moves.automation) move.seconds += kLearnSeconds;
     for (TimedMidi& message : moves.midi) message.seconds += kLearnSeconds;
+    const double runRate = runRateFor(m_rate); // as the render ran
     const std::vector<double> pilot =
-        pilotSound(tones, kRate, kLearnSeconds + m_seconds + kWindowSeconds, kPilotPeak);
-    const auto heard = playThrough(host, pilot, kRate, moves, kSettleSeconds);
+        pilotSound(tones, runRate, kLearnSeconds + m_seconds + kWindowSeconds, kPilotPeak);
+    const auto heard = playThrough(host, pilot, runRate, moves, kSettleSeconds);
     try {
-      const RotorTrace trace(heard, kRate, tones, 0.1, kLearnSeconds);
+      const RotorTrace trace(heard, runRate, tones, 0.1, kLearnSeconds);
       std::vector<double> times;
       for (const LeverMark& mark : m_marks) times.push_back(mark.seconds + kLearnSeconds);
       return {rotorMoves(trace, times, kLearnSeconds + m_seconds), ""};
@@ -117,7 +121,8 @@ class Report {
     table.print(std::cout);
     std::cout
         << "Speeds at each section's end and times from 10 % to 90 % of the change, measured on"
-           " steady tones\nplayed through the same moves.\n";
+           " steady tones\nplayed through the same moves, the plug-in running at "
+        << fixed(runRateFor(m_rate), 0) << " Hz.\n";
     if (open)
       std::cout << "* still changing when the next move came; the time is that of the way gone.\n";
     for (const auto& [name, column] : {std::pair{"horn", &horn}, std::pair{"drum", &drum}})
@@ -125,12 +130,10 @@ class Report {
   }
 
   void printRests(const SoundLevel& whole) {
-    AudioInput input(m_options.dry);
-    const double rate = input.rate();
-    const auto dry = readChannels(input);
     std::cout << "\nThe machine alone, while the organ rests:\n";
     Table table({"from s", "to s", "RMS dBFS", "dB below the whole"});
-    for (const Stretch& rest : restsOf(dry, rate, kRestLevel, kShortestRest + kReverberation)) {
+    for (const Stretch& rest :
+         restsOf(m_dry, m_dryRate, kRestLevel, kShortestRest + kReverberation)) {
       const double from = rest.from + kReverberation;
       const SoundLevel level = levelBetween(m_sound, m_rate, from, rest.to);
       if (level.rms > 0.0)
@@ -145,6 +148,8 @@ class Report {
   std::vector<TimedMidi> m_midi;
   std::vector<AutomationLine> m_lines;
   std::vector<LeverMark> m_marks;
+  double m_dryRate = 0.0;
+  std::vector<std::vector<double>> m_dry;
   double m_rate = 0.0;
   std::vector<std::vector<double>> m_sound;
   double m_seconds = 0.0;
