@@ -157,9 +157,10 @@ TEST(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
   setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
   const platform::test::VirtualDisplay display({"-screen", "0", "800x700x24"});
   ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
-  EditedPlugin plugin({"HSlowSpd=0.1", "HFastSpd=0.5", "HDistance=0.3", "HGain=0.2", "Bottom=0.5",
-                       "LoMid=0.5", "Drive=0.5", "Size=0.5", "Lever=0", "Stop=0", "Bypass=0",
-                       "CPUmode=0", "MIDIchl=0"},
+  EditedPlugin plugin({"HSlowSpd=norm:0.1", "HFastSpd=norm:0.5", "HDistance=norm:0.3",
+                       "HGain=norm:0.2", "Bottom=norm:0.5", "LoMid=norm:0.5", "Drive=norm:0.5",
+                       "Size=norm:0.5", "Lever=norm:0", "Stop=norm:0", "Bypass=norm:0",
+                       "CPUmode=norm:0", "MIDIchl=norm:0"},
                       std::filesystem::path(folder / "log").string());
   ASSERT_EQ(plugin.heard("open"), "open");
   for (const HandGesture& gesture : kGestures) {
@@ -191,7 +192,8 @@ TEST(EditorByHand, ScreenshotsNeedNoDisplay) {
   readme << std::ifstream(README_PICTURE, std::ios::binary).rdbuf();
   EXPECT_TRUE(plain == readme.str())
       << "README shows another editor: brezan screenshot " README_PICTURE;
-  for (const char* options : {"--about", "--set Lever=Tremolo", "--set Bypass=On", "--control 1=99"}) {
+  for (const char* options :
+       {"--about", "--set Lever=Tremolo", "--set Bypass=On", "--control 1=99"}) {
     EXPECT_NE(pictureWith(options), plain) << options;
   }
 }
