@@ -97,6 +97,15 @@ TEST(SettingsStore, OddFoldersAreSilent) {
   EXPECT_EQ(readBytes(folder / "file"), Bytes{1});
 }
 
+TEST(SettingsStore, ValuesAboveOneMebibyteAreIgnored) {
+  const TemporaryFolder folder;
+  const XdgSettingsStore store(folder.path().string());
+  writeBytes(folder / "Value", Bytes(std::size_t{1} << 20));
+  EXPECT_TRUE(store.readBinary("Value"));
+  writeBytes(folder / "Value", Bytes((std::size_t{1} << 20) + 1));
+  EXPECT_FALSE(store.readBinary("Value"));
+}
+
 TEST(SettingsStore, ReadOnlyHomeIsRead) {
   TemporaryFolder folder;
   const std::string home = folder / "config/product";

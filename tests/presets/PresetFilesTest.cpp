@@ -90,6 +90,17 @@ TEST_F(PresetFiles, SavedFilesAreTheImages) {
   EXPECT_EQ(folder.entries(), 2U);
 }
 
+TEST_F(PresetFiles, FilesAboveSixteenMebibytesAreIgnored) {
+  const std::string file = folder / "large.qlx";
+  writeBytes(file, Builder().presetImage(makeSlot(60)).bytes());
+  const auto kept = rig.state();
+  for (const bool ignored : {true, false}) {
+    std::filesystem::resize_file(file, (std::size_t{16} << 20) + (ignored ? 1 : 0));
+    run(kLoadPreset, {file});
+    EXPECT_EQ(rig.state() == kept, ignored);
+  }
+}
+
 TEST_F(PresetFiles, ChosenPathsAreTakenApart) {
   struct Case {
     std::string path, directory, name;
