@@ -1,6 +1,6 @@
 #include "tests/editor/EditorRig.h"
 
-#include "presets/LoadBitmap.h"
+#include "presets/panel/LoadBitmap.h"
 
 #include <benchmark/benchmark.h>
 

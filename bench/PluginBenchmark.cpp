@@ -3,12 +3,12 @@
 // the one at hand. "plain model" is the same sound from the scalar model that the tests hold
 // against the plug-in. The plug-in file is named with --plugin=FILE, else looked for where hosts
 // look.
-#include "presets/PersistentSettings.h"
-#include "presets/PresetImage.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "brezan/bench/Workload.h"
+#include "brezan/plugin/PluginLocation.h"
+#include "presets/format/PresetImage.h"
+#include "presets/store/PersistentSettings.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/system/Scenario.h"
-#include "tools/brezan/PluginLocation.h"
-#include "tools/brezan/Workload.h"
 
 #include <benchmark/benchmark.h>
 

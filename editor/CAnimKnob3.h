@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/CAnimKnob.h"
+#include "gui/controls/CAnimKnob.h"
 
 namespace qlx::editor {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/CParamDisplay.h"
+#include "gui/controls/CParamDisplay.h"
 
 namespace qlx::editor {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/CKickButton.h"
+#include "gui/controls/CKickButton.h"
 
 namespace qlx::editor {
 

@@ -1,7 +1,7 @@
 #include "editor/CSplashScreenMyView.h"
 
 #include "editor/CAbout.h"
-#include "gui/CDrawContext.h"
+#include "gui/drawing/CDrawContext.h"
 
 namespace qlx::editor {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/CSplashScreen.h"
+#include "gui/dialogs/CSplashScreen.h"
 
 namespace qlx::editor {
 

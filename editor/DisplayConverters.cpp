@@ -1,7 +1,7 @@
 #include "editor/DisplayConverters.h"
 
-#include "plugin/ParameterFormatter.h"
-#include "plugin/ParameterLaws.h"
+#include "plugin/parameters/ParameterFormatter.h"
+#include "plugin/parameters/ParameterLaws.h"
 
 #include <cmath>
 

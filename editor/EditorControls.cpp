@@ -5,10 +5,10 @@
 #include "editor/CClickKickButton.h"
 #include "editor/QLXOnOffButton.h"
 #include "editor/QLXVerticalSwitch.h"
-#include "gui/CMovieBitmap.h"
-#include "plugin/ParameterFormatter.h"
-#include "presets/CPSRockerSwitch.h"
-#include "presets/LoadBitmap.h"
+#include "gui/controls/CMovieBitmap.h"
+#include "plugin/parameters/ParameterFormatter.h"
+#include "presets/panel/CPSRockerSwitch.h"
+#include "presets/panel/LoadBitmap.h"
 
 #include <algorithm>
 

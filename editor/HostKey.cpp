@@ -1,6 +1,6 @@
 #include "editor/HostKey.h"
 
-#include "gui/Utf8.h"
+#include "gui/drawing/Utf8.h"
 
 namespace qlx::editor {
 

@@ -2,9 +2,9 @@
 
 #include "editor/CAnimKnob3.h"
 #include "editor/DisplayConverters.h"
-#include "gui/CParamDisplay.h"
 #include "gui/CRect.h"
-#include "plugin/ParameterIndex.h"
+#include "gui/controls/CParamDisplay.h"
+#include "plugin/parameters/ParameterIndex.h"
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugin/ParameterIndex.h"
+#include "plugin/parameters/ParameterIndex.h"
 
 #include <array>
 #include <atomic>

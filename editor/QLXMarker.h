@@ -1,7 +1,7 @@
 #pragma once
 
 #include "gui/CControl.h"
-#include "gui/COffscreenContext.h"
+#include "gui/drawing/COffscreenContext.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/COnOffButton.h"
+#include "gui/controls/COnOffButton.h"
 
 namespace qlx::editor {
 

@@ -2,7 +2,7 @@
 
 #include "editor/WheelStep.h"
 #include "gui/CControl.h"
-#include "gui/IMultiBitmapControl.h"
+#include "gui/controls/IMultiBitmapControl.h"
 
 namespace qlx::editor {
 

@@ -2,10 +2,10 @@
 
 #include "editor/HostKey.h"
 #include "editor/MyFrame.h"
-#include "gui/CTypeface.h"
-#include "platform/headless/HeadlessWindow.h"
-#include "presets/CPresetSystemEffect.h"
-#include "presets/LoadBitmap.h"
+#include "gui/drawing/CTypeface.h"
+#include "platform/offscreen/OffscreenWindow.h"
+#include "presets/panel/LoadBitmap.h"
+#include "presets/store/CPresetSystemEffect.h"
 #include "resources/images/Images.h"
 
 #include <algorithm>
@@ -172,7 +172,7 @@ bool RotaryEditor::picture(const sdk::EditorPicture& request) {
     idle();
   }
   idle(); // what the last one read from the effect
-  const platform::HeadlessWindow* window = windows.lastWindow();
+  const platform::OffscreenWindow* window = windows.lastWindow();
   if (window == nullptr) return false; // the host closed it on hearing of a click
   const platform::PixelView shown = window->picture();
   std::copy_n(shown.pixels, shown.width * shown.height, request.pixels);

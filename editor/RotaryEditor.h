@@ -4,7 +4,7 @@
 #include "editor/EffectReadout.h"
 #include "editor/ParameterMirror.h"
 #include "platform/NativeWindow.h"
-#include "presets/CPresetSystemEditor.h"
+#include "presets/panel/CPresetSystemEditor.h"
 #include "sdk/VstTypes.h"
 
 #include <memory>

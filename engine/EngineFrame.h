@@ -1,11 +1,11 @@
 #pragma once
 
-#include "engine/Amplifier.h"
-#include "engine/Cabinet.h"
-#include "engine/ControlDesk.h"
-#include "engine/RateConverter.h"
 #include "engine/RotaryEngine.h"
-#include "engine/RotorReadout.h"
+#include "engine/cabinet/Cabinet.h"
+#include "engine/rotor/RotorReadout.h"
+#include "engine/settings/SettingMailbox.h"
+#include "engine/signal/Amplifier.h"
+#include "engine/signal/RateConverter.h"
 
 #include <atomic>
 
@@ -34,7 +34,7 @@ class RotaryEngine::Frame {
                int frames) noexcept;
 
  private:
-  friend struct SettingsTable;
+  friend struct SettingTable;
   static constexpr double kNoJump = -1.0;
 
   enum class State : unsigned char { Running = 0, FadingOut = 1, Reinitialising = 2, FadingIn = 3 };
@@ -87,7 +87,7 @@ class RotaryEngine::Frame {
 
   MicrophonePlacement& m_placement;
   const kernels::Kernels& m_kernels;
-  ControlDesk m_desk;
+  SettingMailbox m_desk;
   std::atomic<double> m_wantedBypass{0.0};
   std::atomic<double> m_bypassJump{kNoJump}; ///< level to which a switch-on jumps
   std::atomic<std::uint32_t> m_stopPresses{0}, m_stopReleases{0};

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/PendingWork.h"
-#include "engine/Recordings.h"
-#include "engine/Setting.h"
+#include "engine/rotor/Recordings.h"
+#include "engine/settings/PendingWork.h"
+#include "engine/settings/Setting.h"
 
 #include <chrono>
 #include <cstdint>
@@ -81,7 +81,7 @@ class RotaryEngine {
   double hostRate() const noexcept;
 
  private:
-  friend struct SettingsTable;
+  friend struct SettingTable;
   class Frame;
   std::unique_ptr<Frame> m_frame;
 };

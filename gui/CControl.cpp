@@ -1,6 +1,6 @@
 #include "gui/CControl.h"
 
-#include "gui/CDrawContext.h"
+#include "gui/drawing/CDrawContext.h"
 
 #include <algorithm>
 

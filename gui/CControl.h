@@ -1,8 +1,8 @@
 #pragma once
 
-#include "gui/CBitmap.h"
 #include "gui/CControlListener.h"
 #include "gui/CView.h"
+#include "gui/drawing/CBitmap.h"
 
 #include <atomic>
 #include <cstdint>

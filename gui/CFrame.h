@@ -1,11 +1,11 @@
 #pragma once
 
-#include "gui/CBitmap.h"
 #include "gui/CColor.h"
-#include "gui/CDrawContext.h"
-#include "gui/CKnob.h"
 #include "gui/CViewContainer.h"
 #include "gui/DirtyRegion.h"
+#include "gui/controls/CKnob.h"
+#include "gui/drawing/CBitmap.h"
+#include "gui/drawing/CDrawContext.h"
 #include "platform/NativeWindow.h"
 
 #include <cstdint>

@@ -77,7 +77,7 @@ class NativeWindow {
 };
 
 /// Makes windows. The desktop's own is nativeWindowSystem(); tests and pictures without a screen
-/// use headless/HeadlessWindow.h.
+/// use platform/offscreen/OffscreenWindow.h.
 class WindowSystem {
  public:
   virtual ~WindowSystem() = default;

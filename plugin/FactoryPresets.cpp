@@ -1,6 +1,6 @@
 #include "plugin/FactoryPresets.h"
 
-#include "plugin/ParameterIndex.h"
+#include "plugin/parameters/ParameterIndex.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "presets/PresetSlot.h"
+#include "presets/format/PresetSlot.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #include "plugin/ParameterApplication.h"
 
-#include "plugin/ParameterLaws.h"
-#include "plugin/Placements.h"
+#include "plugin/parameters/ParameterLaws.h"
+#include "plugin/parameters/Placements.h"
 
 #include <algorithm>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "engine/PendingWork.h"
 #include "engine/RotaryEngine.h"
-#include "engine/Setting.h"
+#include "engine/settings/PendingWork.h"
+#include "engine/settings/Setting.h"
 #include "midi/MidiLever.h"
 #include "plugin/ParameterTable.h"
-#include "presets/CPresetSystemEffect.h"
+#include "presets/store/CPresetSystemEffect.h"
 
 #include <array>
 #include <atomic>

@@ -1,9 +1,9 @@
 #include "plugin/ParameterTable.h"
 
-#include "engine/PendingWork.h"
-#include "engine/Setting.h"
+#include "engine/settings/PendingWork.h"
+#include "engine/settings/Setting.h"
 #include "plugin/ParameterApplication.h"
-#include "plugin/ParameterLaws.h"
+#include "plugin/parameters/ParameterLaws.h"
 
 #include <algorithm>
 

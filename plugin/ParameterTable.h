@@ -1,7 +1,7 @@
 #pragma once
 
-#include "plugin/ParameterDisplays.h"
-#include "plugin/ParameterIndex.h"
+#include "plugin/parameters/ParameterDisplays.h"
+#include "plugin/parameters/ParameterIndex.h"
 
 #include <array>
 #include <cstdint>

@@ -4,9 +4,9 @@
 #include "platform/FlushToZero.h"
 #include "platform/NativeWindow.h"
 #include "plugin/FactoryPresets.h"
-#include "plugin/ParameterIndex.h"
-#include "plugin/ParameterLaws.h"
-#include "presets/PersistentSettings.h"
+#include "plugin/parameters/ParameterIndex.h"
+#include "plugin/parameters/ParameterLaws.h"
+#include "presets/store/PersistentSettings.h"
 #include "resources/NoiseRecordings.h"
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 #include "engine/RotaryEngine.h"
 #include "midi/MidiLever.h"
 #include "plugin/ParameterApplication.h"
-#include "plugin/ParameterFormatter.h"
-#include "presets/CPresetSystemEffect.h"
+#include "plugin/parameters/ParameterFormatter.h"
+#include "presets/store/CPresetSystemEffect.h"
 #include "sdk/VstTypes.h"
 
 #include <atomic>

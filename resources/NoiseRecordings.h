@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/Recordings.h"
+#include "engine/rotor/Recordings.h"
 
 namespace qlx::resources {
 

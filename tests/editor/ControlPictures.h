@@ -1,8 +1,8 @@
 #pragma once
 
-#include "gui/CBitmap.h"
 #include "gui/CControl.h"
-#include "gui/CDrawContext.h"
+#include "gui/drawing/CBitmap.h"
+#include "gui/drawing/CDrawContext.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 #include "editor/DisplayConverters.h"
-#include "gui/CParamDisplay.h"
-#include "plugin/ParameterFormatter.h"
-#include "plugin/ParameterIndex.h"
+#include "gui/controls/CParamDisplay.h"
 #include "plugin/ParameterTable.h"
+#include "plugin/parameters/ParameterFormatter.h"
+#include "plugin/parameters/ParameterIndex.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "platform/WindowRobot.h"
 #include "tests/editor/EditorRig.h"
-#include "tests/platform/ProcessResources.h"
-#include "tests/platform/VirtualDisplay.h"
+#include "tests/support/ProcessResources.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "editor/RotaryEditor.h"
-#include "platform/headless/HeadlessWindow.h"
-#include "platform/headless/MemorySettingsStore.h"
-#include "platform/headless/ScriptedDocumentOpener.h"
-#include "platform/headless/ScriptedFileSelector.h"
-#include "plugin/ParameterFormatter.h"
-#include "presets/CPresetSystemEffect.h"
+#include "platform/offscreen/OffscreenWindow.h"
+#include "plugin/parameters/ParameterFormatter.h"
+#include "presets/store/CPresetSystemEffect.h"
+#include "tests/support/MemorySettingsStore.h"
+#include "tests/support/ScriptedDocumentOpener.h"
+#include "tests/support/ScriptedFileSelector.h"
 
 #include <array>
 #include <atomic>
@@ -100,7 +100,7 @@ class EditorRig {
   EditorRig& operator=(const EditorRig&) = delete;
 
   bool open() { return editor->open(reinterpret_cast<void*>(std::uintptr_t{7})); }
-  platform::HeadlessWindow& window() const { return *windows.lastWindow(); }
+  platform::OffscreenWindow& window() const { return *windows.lastWindow(); }
 
   gui::CFrame& frame() const { return *editor->getFrame(); }
 

@@ -1,5 +1,5 @@
 #include "tests/editor/EditorRig.h"
-#include "tests/engine/CountingAllocator.h"
+#include "tests/support/CountingAllocator.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "engine/Biquad.h"
-#include "engine/Interpolation.h"
-#include "engine/RayBank.h"
+#include "engine/signal/Biquad.h"
+#include "engine/cabinet/RayLanes.h"
+#include "engine/signal/Interpolation.h"
 
 #include <gtest/gtest.h>
 
@@ -229,7 +229,7 @@ TEST(Interpolation, LoopsWrapBothWays) {
 }
 
 TEST(Interpolation, FixedTapsWrapInTheirLine) {
-  SoundLine line;
+  DelayLine line;
   for (int i = 0; i < kTrackSize; ++i) line.write(i, std::sin(2 * kPi * i / 64));
   for (const int writeIndex : {0, 1, 2, 5, 100, 4094, 4095}) {
     for (const double delay : {0.0, 0.3, 1.0, 2.75, 77.7, 3000.2}) {

@@ -1,8 +1,8 @@
-#include "engine/CabinetGeometry.h"
-#include "engine/CrossTalk.h"
-#include "engine/DrumModel.h"
-#include "engine/HornModel.h"
-#include "engine/Room.h"
+#include "engine/cabinet/CabinetGeometry.h"
+#include "engine/cabinet/CrossTalk.h"
+#include "engine/cabinet/DrumModel.h"
+#include "engine/cabinet/HornModel.h"
+#include "engine/cabinet/Room.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <gtest/gtest.h>
@@ -85,7 +85,7 @@ class ModelBench {
   }
 
   void prepare(double hz) {
-    for (RotorTrack* track : {&hornTrack, &drumTrack}) {
+    for (RotorHistory* track : {&hornTrack, &drumTrack}) {
       track->motion.setSlowSpeed(hz);
       track->motion.setLever(1.0);
       track->setSampleRate(kRate, 1);
@@ -118,13 +118,13 @@ class ModelBench {
   test::PlainRecordings recordings;
   HornSettings hornSettings;
   DrumSettings drumSettings;
-  RotorTrack hornTrack{RotorMotion::Direction::Horn}, drumTrack{RotorMotion::Direction::Drum};
+  RotorHistory hornTrack{RotorMotion::Direction::Horn}, drumTrack{RotorMotion::Direction::Drum};
   HornModel horn;
   DrumModel drum;
 
  private:
   template <class Signal, class Process>
-  std::vector<double> run(RotorTrack& track, int n, Signal signal, Process process) {
+  std::vector<double> run(RotorHistory& track, int n, Signal signal, Process process) {
     std::vector<double> result;
     line.clear();
     for (int i = 0; i < n; i += kRun) {
@@ -138,7 +138,7 @@ class ModelBench {
     return result;
   }
 
-  SoundLine line;
+  DelayLine line;
 };
 
 double tone(double hz, int i) { return std::sin(2 * std::numbers::pi * hz * i / kRate); }

@@ -1,6 +1,6 @@
-#include "engine/ControlDesk.h"
-#include "tests/engine/CountingAllocator.h"
+#include "engine/settings/SettingMailbox.h"
 #include "tests/engine/EngineFixture.h"
+#include "tests/support/CountingAllocator.h"
 
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
@@ -237,8 +237,8 @@ TEST(RotaryEngine, ANewRateIsTakenWhileSwitchedOn) {
 
 /// Another thread writes a value and asks for its work between the audio thread's look at the
 /// settings and its look at the work.
-TEST(ControlDesk, WorkBringsTheSettingsWrittenBeforeIt) {
-  ControlDesk desk;
+TEST(SettingMailbox, WorkBringsTheSettingsWrittenBeforeIt) {
+  SettingMailbox desk;
   double distance = 0.0;
   int writes = 0;
   const auto take = [&](Setting setting, double v) {

@@ -1,7 +1,7 @@
-#include "engine/RotorMotion.h"
-#include "engine/RotorNoisePlayer.h"
-#include "engine/RotorReadout.h"
-#include "engine/RotorTrack.h"
+#include "engine/rotor/RotorHistory.h"
+#include "engine/rotor/RotorMotion.h"
+#include "engine/rotor/RotorNoisePlayer.h"
+#include "engine/rotor/RotorReadout.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #include <filesystem>
 
 #include "tests/fuzz/PresetFuzzTargets.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 /// Writes the seeds of every fuzz target into FOLDER/<target>/.
 int main(int argc, char** argv) {

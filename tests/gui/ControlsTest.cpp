@@ -1,10 +1,10 @@
-#include "gui/CAnimKnob.h"
-#include "gui/CKickButton.h"
-#include "gui/CMovieBitmap.h"
-#include "gui/COnOffButton.h"
-#include "gui/CParamDisplay.h"
-#include "gui/CRockerSwitch.h"
-#include "gui/CSplashScreen.h"
+#include "gui/controls/CAnimKnob.h"
+#include "gui/controls/CKickButton.h"
+#include "gui/controls/CMovieBitmap.h"
+#include "gui/controls/COnOffButton.h"
+#include "gui/controls/CParamDisplay.h"
+#include "gui/controls/CRockerSwitch.h"
+#include "gui/dialogs/CSplashScreen.h"
 #include "tests/gui/FrameFixture.h"
 
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "gui/CBitmap.h"
-#include "gui/CDrawContext.h"
-#include "gui/COffscreenContext.h"
 #include "gui/DirtyRegion.h"
-#include "gui/Utf8.h"
+#include "gui/drawing/CBitmap.h"
+#include "gui/drawing/CDrawContext.h"
+#include "gui/drawing/COffscreenContext.h"
+#include "gui/drawing/Utf8.h"
 #include "tests/gui/FrameFixture.h"
 
 #include <cairo.h>

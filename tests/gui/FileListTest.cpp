@@ -1,11 +1,11 @@
-#include "gui/CFileList.h"
-#include "gui/CFileName.h"
-#include "gui/CFileSelector.h"
-#include "gui/CMessageBox.h"
-#include "gui/ShortenedText.h"
-#include "platform/headless/ScriptedFileSelector.h"
+#include "gui/dialogs/CFileList.h"
+#include "gui/dialogs/CFileName.h"
+#include "gui/dialogs/CFileSelector.h"
+#include "gui/dialogs/CMessageBox.h"
+#include "gui/drawing/ShortenedText.h"
 #include "tests/gui/FrameFixture.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/ScriptedFileSelector.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
 
@@ -21,7 +21,7 @@ using Paths = platform::FileSelector::Paths;
 class FileLists : public FrameFixture {
  protected:
   FileLists() {
-    auto headless = std::make_unique<platform::HeadlessWindow>(401, 570);
+    auto headless = std::make_unique<platform::OffscreenWindow>(401, 570);
     window = headless.get();
     frame = std::make_unique<CFrame>(CRect{0, 0, 401, 570}, std::move(headless), testTypeface());
     frame->open();

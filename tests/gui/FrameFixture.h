@@ -2,7 +2,7 @@
 
 #include "gui/CControl.h"
 #include "gui/CFrame.h"
-#include "platform/headless/HeadlessWindow.h"
+#include "platform/offscreen/OffscreenWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -52,7 +52,7 @@ class Recorder : public CControlListener {
 class FrameFixture : public testing::Test {
  public:
   FrameFixture() {
-    auto headless = std::make_unique<platform::HeadlessWindow>(200, 100);
+    auto headless = std::make_unique<platform::OffscreenWindow>(200, 100);
     window = headless.get();
     frame = std::make_unique<CFrame>(CRect{0, 0, 200, 100}, std::move(headless), testTypeface());
     frame->open();
@@ -81,7 +81,7 @@ class FrameFixture : public testing::Test {
              bool doubleClick = false) {
     mouseOn(*window, type, x, y, button, modifiers, doubleClick);
   }
-  void mouseOn(platform::HeadlessWindow& target, platform::WindowEventType type, int x, int y,
+  void mouseOn(platform::OffscreenWindow& target, platform::WindowEventType type, int x, int y,
                std::uint32_t button = platform::kPointerLeft, std::uint32_t modifiers = 0,
                bool doubleClick = false) {
     platform::WindowEvent event;
@@ -136,7 +136,7 @@ class FrameFixture : public testing::Test {
     frame->idle();
   }
 
-  platform::HeadlessWindow* window = nullptr;
+  platform::OffscreenWindow* window = nullptr;
   Recorder recorder;
   std::unique_ptr<CFrame> frame;
 };

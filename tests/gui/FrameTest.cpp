@@ -1,11 +1,11 @@
 #include "gui/CFrame.h"
 
-#include "gui/CAnimKnob.h"
-#include "gui/CMessageBox.h"
-#include "gui/CMovieBitmap.h"
-#include "gui/CTextLabel.h"
-#include "tests/engine/CountingAllocator.h"
+#include "gui/controls/CAnimKnob.h"
+#include "gui/controls/CMovieBitmap.h"
+#include "gui/controls/CTextLabel.h"
+#include "gui/dialogs/CMessageBox.h"
 #include "tests/gui/FrameFixture.h"
+#include "tests/support/CountingAllocator.h"
 
 #include <atomic>
 #include <random>

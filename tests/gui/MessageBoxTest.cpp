@@ -1,4 +1,4 @@
-#include "gui/CMessageBox.h"
+#include "gui/dialogs/CMessageBox.h"
 
 #include "tests/gui/FrameFixture.h"
 

@@ -1,6 +1,6 @@
-#include "gui/COptionMenu.h"
+#include "gui/controls/COptionMenu.h"
 
-#include "gui/CMenuList.h"
+#include "gui/dialogs/CMenuList.h"
 #include "tests/gui/FrameFixture.h"
 
 namespace qlx::gui::test {

@@ -1,6 +1,6 @@
-#include "gui/CTextEdit.h"
+#include "gui/controls/CTextEdit.h"
 
-#include "gui/TextEditModel.h"
+#include "gui/controls/TextEditModel.h"
 #include "tests/gui/FrameFixture.h"
 
 namespace qlx::gui::test {

@@ -1,4 +1,4 @@
-#include "tests/platform/DesktopRig.h"
+#include "tests/support/DesktopRig.h"
 
 #include <unistd.h>
 

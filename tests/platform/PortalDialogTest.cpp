@@ -1,5 +1,5 @@
-#include "platform/linux/PortalRequest.h"
-#include "tests/platform/DesktopRig.h"
+#include "platform/linux/desktop/PortalRequest.h"
+#include "tests/support/DesktopRig.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>

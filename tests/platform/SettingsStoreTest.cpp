@@ -5,9 +5,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/headless/MemorySettingsStore.h"
-#include "platform/linux/XdgSettingsStore.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "platform/linux/files/XdgSettingsStore.h"
+#include "tests/support/MemorySettingsStore.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace qlx::test {
 namespace {

@@ -1,6 +1,6 @@
 #include "platform/NativeWindow.h"
-#include "tests/platform/ProcessResources.h"
-#include "tests/platform/VirtualDisplay.h"
+#include "tests/support/ProcessResources.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>

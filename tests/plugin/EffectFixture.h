@@ -1,8 +1,8 @@
 #pragma once
 
-#include "plugin/ParameterIndex.h"
 #include "plugin/RotaryEffect.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "plugin/parameters/ParameterIndex.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 #include "sdk/VstTypes.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-#include "plugin/ParameterFormatter.h"
-#include "plugin/ShortText.h"
+#include "plugin/parameters/ParameterFormatter.h"
+#include "plugin/parameters/ShortText.h"
 #include "tests/plugin/EffectFixture.h"
 
 #include <clocale>

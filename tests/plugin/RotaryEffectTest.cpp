@@ -1,5 +1,5 @@
-#include "tests/engine/CountingAllocator.h"
 #include "tests/plugin/EffectFixture.h"
+#include "tests/support/CountingAllocator.h"
 
 #include <algorithm>
 #include <atomic>

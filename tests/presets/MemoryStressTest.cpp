@@ -6,9 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/linux/XdgSettingsStore.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "platform/linux/files/XdgSettingsStore.h"
 #include "tests/presets/PresetRig.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace qlx::test {
 namespace {

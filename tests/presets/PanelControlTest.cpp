@@ -1,6 +1,6 @@
-#include "presets/CPSKickButton.h"
-#include "presets/CPSRockerSwitch.h"
-#include "presets/CSaveLoadButton.h"
+#include "presets/panel/CPSKickButton.h"
+#include "presets/panel/CPSRockerSwitch.h"
+#include "presets/panel/CSaveLoadButton.h"
 #include "tests/editor/ControlPictures.h"
 #include "tests/editor/RecordingListener.h"
 

@@ -1,4 +1,4 @@
-#include "presets/PersistentSettings.h"
+#include "presets/store/PersistentSettings.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "presets/PresetSlot.h"
+#include "presets/format/PresetSlot.h"
 
 namespace qlx::test {
 

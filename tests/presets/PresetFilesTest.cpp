@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/Files.h"
-#include "tests/platform/TemporaryFolder.h"
 #include "tests/presets/PresetRig.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace qlx::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "presets/PresetImage.h"
+#include "presets/format/PresetImage.h"
 
 #include <functional>
 #include <limits>

@@ -1,8 +1,8 @@
-#include "gui/CMenuList.h"
-#include "gui/CMessageBox.h"
-#include "gui/COptionMenu.h"
-#include "gui/CTextEdit.h"
-#include "presets/PersistentSettings.h"
+#include "gui/controls/COptionMenu.h"
+#include "gui/controls/CTextEdit.h"
+#include "gui/dialogs/CMenuList.h"
+#include "gui/dialogs/CMessageBox.h"
+#include "presets/store/PersistentSettings.h"
 #include "tests/editor/EditorRig.h"
 
 #include <gtest/gtest.h>

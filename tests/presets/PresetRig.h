@@ -4,11 +4,11 @@
 #include <cstring>
 #include <memory>
 
-#include "platform/headless/MemorySettingsStore.h"
-#include "platform/headless/ScriptedFileSelector.h"
-#include "presets/CPresetSystemEditor.h"
-#include "presets/CPresetSystemEffect.h"
+#include "presets/panel/CPresetSystemEditor.h"
+#include "presets/store/CPresetSystemEffect.h"
 #include "tests/presets/PresetBytesBuilder.h"
+#include "tests/support/MemorySettingsStore.h"
+#include "tests/support/ScriptedFileSelector.h"
 
 namespace qlx::test {
 

@@ -1,8 +1,8 @@
 // The recordings inside the library, as the engine gets them.
 
 #include "resources/NoiseRecordings.h"
-#include "tools/recordings/Analysis.h"
-#include "tools/recordings/RecordingFiles.h"
+#include "resources/recordings/Analysis.h"
+#include "resources/recordings/RecordingFiles.h"
 
 #include <algorithm>
 #include <array>

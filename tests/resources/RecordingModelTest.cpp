@@ -1,8 +1,8 @@
 // The tools that the recordings are made with.
 
-#include "tools/recordings/ExactMath.h"
-#include "tools/recordings/Random.h"
-#include "tools/recordings/Sources.h"
+#include "resources/recordings/ExactMath.h"
+#include "resources/recordings/Random.h"
+#include "resources/recordings/Sources.h"
 
 #include <algorithm>
 #include <array>

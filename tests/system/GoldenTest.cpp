@@ -1,4 +1,4 @@
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/system/Scenario.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "brezan/System.h"
 #include "sdk/VstTypes.h"
 #include "tests/reference/ReferenceEffect.h"
-#include "tools/brezan/System.h"
 
 #include <filesystem>
 #include <string>

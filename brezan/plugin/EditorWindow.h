@@ -1,0 +1,36 @@
+#pragma once
+
+#include "brezan/plugin/PluginHost.h"
+#include "platform/NativeWindow.h"
+
+#include <memory>
+
+namespace qlx::tools {
+
+/// A window on the desktop with the plug-in's editor in it. The plug-in outlives it.
+class EditorWindow final : private platform::WindowListener {
+ public:
+  /// Throws std::runtime_error when there is no display or the plug-in opens no editor.
+  explicit EditorWindow(PluginHost& host);
+  ~EditorWindow() override;
+  EditorWindow(const EditorWindow&) = delete;
+  EditorWindow& operator=(const EditorWindow&) = delete;
+
+  /// False once the user has closed it.
+  bool isOpen() const { return m_open; }
+
+  /// What a host does for an open editor some 30 to 60 times a second.
+  void idle();
+
+  /// The desktop's number of the window.
+  std::uintptr_t number() const { return m_window->handle(); }
+
+ private:
+  void onWindowEvent(const platform::WindowEvent& event) override;
+
+  PluginHost& m_host;
+  std::unique_ptr<platform::NativeWindow> m_window;
+  bool m_open = true;
+};
+
+} // namespace qlx::tools

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "brezan/plugin/ParameterText.h"
+#include "brezan/plugin/PluginHost.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace qlx::tools {
+
+/// How the plug-in stands before anything happens: a state, a preset over it, parameters over that.
+struct StartingPoint {
+  std::string state;
+  std::string preset;
+  std::vector<std::string> settings;
+
+  /// The options --state, --preset and --set, alike in every command that has them.
+  void addOptions(CLI::App& command);
+
+  /// Answers what --set gave, in its order. Throws std::runtime_error.
+  std::vector<ParameterValue> apply(PluginHost& host, ParameterText& parameters) const;
+};
+
+} // namespace qlx::tools

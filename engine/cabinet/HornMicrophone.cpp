@@ -1,0 +1,115 @@
+#include "engine/cabinet/HornMicrophone.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qlx::engine {
+
+namespace {
+
+constexpr double kOpenBackLoss = 0.50118723362; // -6 dB
+
+/// How a ray gets its level: which of the ray gains, after how many bounces, and whether the open
+/// back lets some of it out.
+struct RayKind {
+  unsigned char gain;
+  unsigned char bounces;
+  bool throughBack;
+};
+constexpr std::array<RayKind, HornMicrophone::kRayCount> kKinds = {{{0, 0, false},
+                                                                    {1, 1, true},
+                                                                    {2, 2, true},
+                                                                    {3, 2, true},
+                                                                    {4, 3, true},
+                                                                    {5, 3, true},
+                                                                    {1, 1, false},
+                                                                    {1, 1, false},
+                                                                    {6, 4, false},
+                                                                    {6, 4, false},
+                                                                    {6, 5, false},
+                                                                    {6, 5, false}}};
+constexpr std::size_t kRightWallRay = 6;
+constexpr std::size_t kLeftWallRay = 7;
+
+double wholePower(double x, unsigned n) {
+  double y = 1.0;
+  for (; n > 0; --n) y *= x;
+  return y;
+}
+
+} // namespace
+
+std::array<ImageSource, 12> hornImages(const MicrophonePosition& microphone,
+                                       const CabinetWalls& walls) noexcept {
+  const double s = microphoneSide(microphone);
+  const double a = s * walls.sideA, b = s * walls.sideB, h = s * walls.back;
+  std::array<ImageSource, 12> images = {{{0, 0, 1, 1},
+                                         {0, 2 * h, 1, -1},
+                                         {2 * b, 2 * h, -1, -1},
+                                         {-2 * a, 2 * h, -1, -1},
+                                         {2 * a + 2 * b, 2 * h, 1, -1},
+                                         {-2 * a - 2 * b, 2 * h, 1, -1},
+                                         {2 * b, 0, -1, 1},
+                                         {-2 * a, 0, -1, 1},
+                                         {},
+                                         {},
+                                         {},
+                                         {}}};
+  switch (microphoneRegion(microphone, walls)) {
+  case MicrophoneRegion::SideB:
+    images[8] = {6 * b, 0, -1, -1};
+    images[9] = {4 * b + 2 * a, 6 * h, -1, -1};
+    images[10] = {4 * a + 6 * b, 0, -1, -1};
+    images[11] = {4 * a + 6 * b, 10 * h, -1, -1};
+    break;
+  case MicrophoneRegion::Front:
+    images[8] = {0, 6 * h, 1, -1};
+    images[9] = {4 * b + 2 * a, 6 * h, -1, -1};
+    images[10] = {-4 * a - 2 * b, 6 * h, 1, -1};
+    images[11] = {0, 10 * h, 1, -1};
+    break;
+  case MicrophoneRegion::SideA:
+    images[8] = {-6 * a, 0, -1, 1};
+    images[9] = {-4 * a - 2 * b, 6 * h, -1, -1};
+    images[10] = {-4 * a - 2 * b, 0, -1, 1};
+    images[11] = {-6 * a - 4 * b, 10 * h, -1, -1};
+    break;
+  }
+  return images;
+}
+
+void HornMicrophone::setDistance(double metres) noexcept {
+  m_position.distance = metres;
+  m_noisePlayer.setMicDistance(metres);
+}
+
+void HornMicrophone::rebuildGeometry() noexcept {
+  const CabinetSettings& cabinet = m_settings.cabinet;
+  const CabinetWalls walls(cabinet.flipSign < 0.0);
+  m_region = microphoneRegion(m_position, walls);
+  m_rays.rebuild(hornImages(m_position, walls), m_position, cabinet.amRadius);
+  m_attenuation.rebuild(cabinet, m_rays);
+  const bool leaks = m_region == MicrophoneRegion::Front && m_settings.openBackMode != 0 &&
+                     cabinet.flipSign * microphoneSide(m_position) < 0.0;
+  m_reflectionScale = leaks ? kOpenBackLoss : 1.0;
+  // Nearer microphones are turned down less than the distance law alone would.
+  const double nearness = (m_position.distance - 0.35) * 0.6060606060606061 + 0.1;
+  m_outputGain = (1.3 - 0.5 * std::pow(std::max(nearness, 0.0), 0.75)) * 0.97723722095;
+}
+
+unsigned HornMicrophone::bounces(std::size_t ray) noexcept { return kKinds[ray].bounces; }
+
+double HornMicrophone::rayGain(std::size_t ray) const noexcept {
+  if (ray == kRightWallRay && m_region != MicrophoneRegion::SideB) return 0.0;
+  if (ray == kLeftWallRay && m_region != MicrophoneRegion::SideA) return 0.0;
+  const RayKind& kind = kKinds[ray];
+  return wholePower(m_settings.cabinet.reflectionCoeff, kind.bounces) *
+         (kind.throughBack ? m_reflectionScale : 1.0) * m_settings.rayGain[kind.gain];
+}
+
+double HornMicrophone::staticLevel() const noexcept {
+  return std::max(m_attenuation.level(m_rays.distance[0], m_settings.cabinet.amRadius, 0.0),
+                  m_settings.ampClip);
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,95 @@
+#include "engine/cabinet/Room.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qlx::engine {
+
+namespace {
+
+using Paths = std::array<double, 12>;
+
+// Lengths in metres for a room of size 1; the cross paths between the sides only set the level
+// law's reach. The cut-offs are shares of the main cut-off.
+constexpr Paths kLeftPath = {3.1, 4.3, 5.7, 6.3, 7.8, 8.3, 8.7, 9.3, 9.6, 10.5, 11.1, 11.7};
+constexpr Paths kRightPath = {3, 4, 4.8, 7.5, 8.1, 8.5, 9.1, 9.5, 9.9, 10.3, 10.9, 11.3};
+constexpr Paths kCrossPathA = {3.15, 4.08, 5.48, 6.8,  8.9,  10.5,
+                               12.3, 12.9, 13.3, 13.7, 14.1, 14.9};
+constexpr Paths kCrossPathB = {3.05, 4.47, 4.87, 7.4,  8.2,  11.4,
+                               11.2, 11.8, 12.1, 12.9, 13.5, 14.6};
+constexpr Paths kLeftCutoff = {0.93, 0.91, 0.8, 0.7, 0.7, 0.65, 0.6, 0.55, 0.5, 0.35, 0, 0};
+constexpr Paths kRightCutoff = {0.97, 0.9, 0.8, 0.7, 0.7, 0.65, 0.6, 0.55, 0.5, 0.35, 0, 0};
+
+/// Level of the longest path, decibels.
+constexpr double kLongestPathDb = -20.0;
+
+} // namespace
+
+Room::Room(const kernels::Kernels& kernels) : m_kernels(kernels) {
+  m_left.line.resize(kLineSize + kContinued);
+  m_right.line.resize(kLineSize + kContinued);
+}
+
+void Room::Side::compute(const Paths& path, const Paths& cutoff, const RoomSettings& settings,
+                         double dbPerMetre, double engineRate) noexcept {
+  for (std::size_t i = 0; i < kTapCount; ++i) {
+    const double metres = path[i] * settings.size;
+    const double samples = metres * engineRate * kInverseSpeedOfSound;
+    delay[i] = static_cast<int>(samples);
+    const auto fraction = static_cast<double>(static_cast<float>(samples - delay[i]));
+    const double gain = std::pow(10.0, metres * dbPerMetre * 0.05);
+    taps.older[i] = (1.0 - fraction) * gain;
+    taps.newer[i] = fraction * gain;
+    taps.pole[i] =
+        lowPassPole(std::clamp(cutoff[i] * settings.mainCutoffHz, 20.0, 20000.0), engineRate);
+  }
+}
+
+void Room::computeTaps(const RoomSettings& settings, double engineRate) noexcept {
+  double longest = 0.0;
+  for (const Paths& cross : {kCrossPathA, kCrossPathB}) {
+    for (const double path : cross) {
+      longest =
+          std::max(longest, settings.size * settings.virtualSize * path + settings.leftRightDelay);
+    }
+  }
+  const double dbPerMetre = kLongestPathDb / longest;
+  m_left.compute(kLeftPath, kLeftCutoff, settings, dbPerMetre, engineRate);
+  m_right.compute(kRightPath, kRightCutoff, settings, dbPerMetre, engineRate);
+}
+
+void Room::Side::clear() noexcept {
+  std::fill(line.begin(), line.end(), 0.0);
+  std::fill(std::begin(taps.state), std::end(taps.state), 0.0);
+}
+
+void Room::clear() noexcept {
+  m_left.clear();
+  m_right.clear();
+}
+
+void Room::Side::write(const RunBuffer& send, int writeIndex, int n) noexcept {
+  for (int j = 0; j < n; ++j) {
+    const auto i = static_cast<std::size_t>((writeIndex + j) & (kLineSize - 1));
+    line[i] = send[static_cast<std::size_t>(j)];
+    if (i < kContinued) line[i + kLineSize] = line[i];
+  }
+}
+
+void Room::process(Side& side, const RunBuffer& send, const RunBuffer& returnGain, int n,
+                   RunBuffer& out) const noexcept {
+  side.write(send, m_writeIndex, n);
+  for (std::size_t i = 0; i < kTapCount; ++i)
+    side.taps.first[i] = side.line.data() + ((m_writeIndex - side.delay[i]) & (kLineSize - 1));
+  m_kernels.roomSide(side.taps, out.data(), n);
+  for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) out[k] *= returnGain[k];
+}
+
+void Room::process(const RunBuffer& sendLeft, const RunBuffer& sendRight,
+                   const RunBuffer& returnGain, int n, RunBuffer& left, RunBuffer& right) noexcept {
+  process(m_left, sendLeft, returnGain, n, left);
+  process(m_right, sendRight, returnGain, n, right);
+  m_writeIndex = (m_writeIndex + n) & (kLineSize - 1);
+}
+
+} // namespace qlx::engine

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "engine/kernels/Kernels.h"
+#include "engine/signal/Acoustics.h"
+
+#include <array>
+#include <vector>
+
+namespace qlx::engine {
+
+struct RoomSettings {
+  double size = 1.0;        ///< scale of all paths
+  double virtualSize = 1.0; ///< scale of the level law
+  double leftRightDelay = 0.0;
+  double mainCutoffHz = 5000.0;
+};
+
+/// Early reflections: twelve taps a side on a delay line of the microphones' stereo signal. Longer
+/// paths arrive later, softer (linearly in decibels) and darker. Audio thread only.
+class Room {
+ public:
+  explicit Room(const kernels::Kernels& kernels);
+
+  /// Recomputes delays, levels and filters for an engine rate; the memory of the lines stays.
+  void computeTaps(const RoomSettings& settings, double engineRate) noexcept;
+  void clear() noexcept;
+
+  /// n samples: sends in, returns (times returnGain, one value a sample) out.
+  void process(const RunBuffer& sendLeft, const RunBuffer& sendRight, const RunBuffer& returnGain,
+               int n, RunBuffer& left, RunBuffer& right) noexcept;
+
+ private:
+  static constexpr std::size_t kTapCount = kernels::RoomSide::kTaps;
+  static constexpr int kLineSize = 65536;
+  static constexpr int kContinued = kRun + 8; ///< samples of the begin that follow the end again
+
+  struct Side {
+    std::array<int, kTapCount> delay{};
+    kernels::RoomSide taps{};
+    std::vector<double> line;
+
+    void compute(const std::array<double, kTapCount>& path,
+                 const std::array<double, kTapCount>& cutoff, const RoomSettings& settings,
+                 double dbPerMetre, double engineRate) noexcept;
+    void write(const RunBuffer& send, int writeIndex, int n) noexcept;
+    void clear() noexcept;
+  };
+
+  void process(Side& side, const RunBuffer& send, const RunBuffer& returnGain, int n,
+               RunBuffer& out) const noexcept;
+
+  const kernels::Kernels& m_kernels;
+  Side m_left, m_right;
+  int m_writeIndex = 0;
+};
+
+} // namespace qlx::engine

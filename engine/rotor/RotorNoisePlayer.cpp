@@ -1,0 +1,244 @@
+#include "engine/rotor/RotorNoisePlayer.h"
+
+#include "engine/signal/Acoustics.h"
+#include "engine/signal/Interpolation.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace qlx::engine {
+
+namespace {
+
+constexpr double kSlowThresholdHz = 0.78;
+constexpr double kFastThresholdHz = 7.5;
+constexpr double kSwitchGain = 0.25118864315; // -12 dB
+constexpr double kNearestDistance = 0.3;      // metres at which the distance gain is 1
+
+/// Places of the fast recordings' loops against the rotor, in passes of the loop.
+constexpr std::array<double, 2> kHornTurnOffset = {-0.003676470588235294, 0.23161764705882354};
+constexpr double kHornBandHz = 1100.0;
+constexpr double kDrumBandHz = 1000.0;
+constexpr double kDrumTurnOffset = -0.0014204545454545455;
+
+} // namespace
+
+void SwitchSound::trigger() noexcept {
+  m_position = 0.0;
+  m_gain = m_volume * kSwitchGain;
+  m_playing = true;
+}
+
+void SwitchSound::clear() noexcept {
+  m_position = 0.0;
+  m_playing = false;
+}
+
+double SwitchSound::tick() noexcept {
+  if (!m_playing) return 0.0;
+  constexpr int kLast = kStartStopLength;
+  const double value = cubicOneShotRead(m_position, m_recording.data(), kLast) * m_gain;
+  if (m_position > kLast) m_playing = false;
+  m_position += m_step;
+  return value;
+}
+
+void NoiseSpeedRange::setSampleRate(double hz) noexcept {
+  m_slow = kSlowThresholdHz / hz;
+  m_fast = kFastThresholdHz / hz;
+  m_inverseSpan = 1.0 / (m_fast - m_slow);
+}
+
+double NoiseSpeedRange::between(double speed) const noexcept {
+  if (speed <= m_slow || speed >= m_fast) return -1.0;
+  return (speed - m_slow) * m_inverseSpan;
+}
+
+NoiseBlend NoiseSpeedRange::hornBlend(double speed) const noexcept {
+  if (speed <= m_slow) return {(speed / m_slow) * (speed / m_slow), 0.0};
+  if (speed >= m_fast) return {0.0, 1.0};
+  const double x = between(speed), rest = 1.0 - 2.5 * x;
+  return {x < 0.4 ? rest * rest : 0.0, x * x * x * x};
+}
+
+NoiseBlend NoiseSpeedRange::drumBlend(double speed) const noexcept {
+  if (speed <= m_slow) return {(speed / m_slow) * (speed / m_slow), 0.0};
+  if (speed >= m_fast) return {0.0, 1.0};
+  const double x = between(speed);
+  return {std::sqrt(std::sqrt(1.0 - x)), x * x};
+}
+
+RotorNoisePlayer::RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
+                                   std::span<const float> fastLoop,
+                                   std::span<const float> startStop, double bandHz,
+                                   double bandQ) noexcept
+    : m_kernels(kernels), m_slowLoop(slowLoop), m_fastLoop(fastLoop), m_switchSound(startStop),
+      m_bandPass(44100.0, Response::BandPass, bandHz, bandQ, 0) {
+  m_bandPass.setEnabled(true);
+}
+
+void RotorNoisePlayer::prepareBandPass(double sampleRate, double hz, double q) noexcept {
+  m_bandPass.setInstantUpdate(true);
+  m_bandPass.setSampleRate(sampleRate);
+  m_bandPass.setFrequencyAndQ(hz, q);
+  m_bandPass.setInstantUpdate(false);
+}
+
+RotorNoisePlayer::Gains RotorNoisePlayer::gainsFor(std::span<const double> speeds,
+                                                   NoiseBlend (NoiseSpeedRange::*law)(double)
+                                                       const noexcept) noexcept {
+  Gains gains;
+  if (speeds.front() == speeds.back()) {
+    if (speeds.front() != m_blendedSpeed) m_blend = (m_range.*law)(speeds.front());
+    m_blendedSpeed = speeds.front();
+    gains.slow.fill(m_slowVolume * m_blend.slow);
+    gains.fast.fill(m_fastVolume * m_blend.fast);
+  } else {
+    for (std::size_t i = 0; i < speeds.size(); ++i) {
+      const NoiseBlend blend = (m_range.*law)(speeds[i]);
+      gains.slow[i] = m_slowVolume * blend.slow;
+      gains.fast[i] = m_fastVolume * blend.fast;
+    }
+    m_blendedSpeed = -1.0;
+  }
+  const auto heard = [&](const RunBuffer& run) {
+    return std::any_of(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(speeds.size()),
+                       [](double gain) { return gain != 0.0; });
+  };
+  gains.slowHeard = heard(gains.slow);
+  gains.fastHeard = heard(gains.fast);
+  return gains;
+}
+
+void RotorNoisePlayer::addSwitchSound(std::span<double> run) noexcept {
+  if (!m_switchSound.isPlaying()) return;
+  for (double& x : run) x += m_switchSound.tick();
+}
+
+void RotorNoisePlayer::finish(double level, std::span<double> run) noexcept {
+  m_bandPass.processGlide(run);
+  for (double& x : run) x *= gain(level);
+}
+
+HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
+                                 int microphone) noexcept
+    : RotorNoisePlayer(kernels, recordings.hornSlow[static_cast<std::size_t>(microphone)],
+                       recordings.hornFast, recordings.startStop, kHornBandHz, 0.3),
+      m_turnOffset(kHornTurnOffset[static_cast<std::size_t>(microphone)]) {}
+
+void HornNoisePlayer::setSampleRate(double hz) noexcept {
+  m_range.setSampleRate(hz);
+  m_blendedSpeed = -1.0;
+  m_switchSound.setSampleRate(hz);
+  m_slowStep = 44100.0 / hz;
+  clear();
+  prepareBandPass(hz, kHornBandHz, m_micDistance * 0.25 + 0.05);
+  setMicDistance(m_micDistance);
+}
+
+void HornNoisePlayer::clear() noexcept {
+  m_slowPosition = 0.0;
+  m_fastPhase = 0.0;
+  m_switchSound.clear();
+  m_bandPass.clearState();
+}
+
+void HornNoisePlayer::setMicDistance(double metres) noexcept {
+  m_micDistance = metres;
+  m_distanceGain = std::pow(kNearestDistance / metres, 0.25);
+  m_bandPass.setQ(metres * 0.25 + 0.05);
+}
+
+void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
+                              std::span<double> out) noexcept {
+  read(speeds, micAngle, out);
+  finish(level, out);
+}
+
+void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
+                           std::span<double> out) noexcept {
+  constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
+  const double place = micAngle / kHornFastTurns + m_turnOffset;
+  const auto n = static_cast<int>(speeds.size());
+  const Gains gains = gainsFor(speeds, &NoiseSpeedRange::hornBlend);
+  RunBuffer position, sum{};
+  if (gains.slowHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i)
+      position[i] = m_slowPosition + static_cast<double>(static_cast<int>(i)) * m_slowStep;
+    m_kernels.loopRead(m_slowLoop.data(), kSlow, position.data(), gains.slow.data(), sum.data(), n);
+  }
+  m_slowPosition += n * m_slowStep;
+  if (m_slowPosition >= kSlow) m_slowPosition -= kSlow;
+  advanceTurns(m_fastPhase, 1.0 / kHornFastTurns, speeds, {position.data(), speeds.size()});
+  if (gains.fastHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] = (position[i] + place) * kFast;
+    m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), sum.data(), n);
+  }
+  std::copy_n(sum.begin(), n, out.begin());
+  addSwitchSound(out);
+}
+
+DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings,
+                                 const kernels::Kernels& kernels) noexcept
+    : RotorNoisePlayer(kernels, recordings.drumSlow, recordings.drumFast, recordings.startStop,
+                       kDrumBandHz, 0.125) {}
+
+void DrumNoisePlayer::setSampleRate(double hz) noexcept {
+  m_range.setSampleRate(hz);
+  m_blendedSpeed = -1.0;
+  m_switchSound.setSampleRate(hz);
+  clear();
+  const double rate = sectionRate(hz);
+  m_treble.angularRate = kTwoPi / rate;
+  m_treble.highestHz = 0.499 * rate;
+  m_treble.lowPassEdge = 0.50001 * rate;
+  m_treble.shelfEdge = 0.5001 * rate;
+  m_treble.steps = sectionGlideSteps(rate);
+  m_treble.share = 1.0 / m_treble.steps;
+  m_kernels.restTreble(m_treble);
+  prepareBandPass(hz, kDrumBandHz, m_micDistance * 0.12 + 0.005);
+  m_distanceGain = 1.0; // the drum's noise keeps its level until the microphone is moved
+}
+
+void DrumNoisePlayer::clear() noexcept {
+  m_slowPhase = 0.0;
+  m_fastPhase = 0.0;
+  m_switchSound.clear();
+  for (double* memory : {m_treble.x1, m_treble.x2, m_treble.y1, m_treble.y2})
+    memory[0] = memory[1] = 0.0;
+  m_bandPass.clearState();
+}
+
+void DrumNoisePlayer::setMicDistance(double metres) noexcept {
+  m_micDistance = metres;
+  m_distanceGain = std::pow(kNearestDistance / metres, 0.1);
+  m_bandPass.setQ(metres * 0.12 + 0.005);
+}
+
+void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
+                              std::span<double> out) noexcept {
+  constexpr int kSlow = kDrumSlowLength, kFast = kDrumFastLength;
+  const double place = micAngle / kDrumFastTurns + kDrumTurnOffset;
+  const auto n = static_cast<int>(speeds.size());
+  const Gains gains = gainsFor(speeds, &NoiseSpeedRange::drumBlend);
+  RunBuffer position, slow{}, fast{}, between{};
+  advanceTurns(m_slowPhase, 1.0 / kDrumSlowTurns, speeds, {position.data(), speeds.size()});
+  if (gains.slowHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] *= kSlow;
+    m_kernels.loopRead(m_slowLoop.data(), kSlow, position.data(), gains.slow.data(), slow.data(),
+                       n);
+  }
+  advanceTurns(m_fastPhase, 1.0 / kDrumFastTurns, speeds, {position.data(), speeds.size()});
+  if (gains.fastHeard) {
+    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] = (position[i] + place) * kFast;
+    m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), fast.data(),
+                       n);
+  }
+  for (std::size_t i = 0; i < speeds.size(); ++i) between[i] = m_range.between(speeds[i]);
+  m_kernels.noiseTreble(m_treble, between.data(), slow.data(), fast.data(), out.data(), n);
+  addSwitchSound(out);
+  finish(level, out);
+}
+
+} // namespace qlx::engine

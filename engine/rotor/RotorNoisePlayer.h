@@ -1,0 +1,152 @@
+#pragma once
+
+#include "engine/kernels/Kernels.h"
+#include "engine/rotor/Recordings.h"
+#include "engine/signal/Acoustics.h"
+#include "engine/signal/Biquad.h"
+
+#include <cstdint>
+#include <span>
+
+namespace qlx::engine {
+
+/// The relay's click and the motor's thump when a rotor starts or stops: a recording played once at
+/// its own speed.
+class SwitchSound {
+ public:
+  explicit SwitchSound(std::span<const float> recording) noexcept : m_recording(recording) {}
+
+  void setSampleRate(double hz) noexcept { m_step = 44100.0 / hz; }
+  void setVolume(double volume) noexcept { m_volume = volume; }
+
+  /// Plays from the start, at the volume set last.
+  void trigger() noexcept;
+  void clear() noexcept;
+
+  bool isPlaying() const noexcept { return m_playing; }
+  /// Next sample; 0 while nothing plays.
+  double tick() noexcept;
+
+ private:
+  std::span<const float> m_recording;
+  double m_step = 1.0;
+  double m_volume = 0.0;
+  double m_gain = 0.0;
+  double m_position = 0.0;
+  bool m_playing = false;
+};
+
+/// Gains of a slow and a fast recording at one rotor speed.
+struct NoiseBlend {
+  double slow, fast;
+};
+
+/// Where between the thresholds of slow and fast noise (0.78 and 7.5 revolutions a second) a speed
+/// lies.
+class NoiseSpeedRange {
+ public:
+  void setSampleRate(double hz) noexcept;
+
+  NoiseBlend hornBlend(double speed) const noexcept;
+  NoiseBlend drumBlend(double speed) const noexcept;
+
+  /// 0 .. 1 strictly between the thresholds, negative outside.
+  double between(double speed) const noexcept;
+
+ private:
+  double m_slow = 0.0; // revolutions a sample
+  double m_fast = 1.0;
+  double m_inverseSpan = 1.0;
+};
+
+/// What the noise of both rotors has in common: a slow and a fast recording faded by the rotor's
+/// speed, the switching sound, and a band-pass that narrows with the microphone's distance. Audio
+/// thread only.
+class RotorNoisePlayer {
+ public:
+  void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
+  void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
+  void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
+  void trigger() noexcept { m_switchSound.trigger(); }
+
+  /// The band-pass that follows the recordings, and the gain behind it at a level.
+  Biquad& bandPass() noexcept { return m_bandPass; }
+  double gain(double level) const noexcept { return m_distanceGain * level; }
+
+ protected:
+  RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
+                   std::span<const float> fastLoop, std::span<const float> startStop, double bandHz,
+                   double bandQ) noexcept;
+
+  /// How loud both recordings are, a sample of the stretch each.
+  struct Gains {
+    RunBuffer slow{}, fast{};
+    bool slowHeard = false, fastHeard = false;
+  };
+
+  /// Blend by the rotor's speeds; `law` is one of NoiseSpeedRange's.
+  Gains gainsFor(std::span<const double> speeds,
+                 NoiseBlend (NoiseSpeedRange::*law)(double) const noexcept) noexcept;
+  void prepareBandPass(double sampleRate, double hz, double q) noexcept;
+  void addSwitchSound(std::span<double> run) noexcept;
+  void finish(double level, std::span<double> run) noexcept; ///< band-pass and level
+
+  const kernels::Kernels& m_kernels;
+  std::span<const float> m_slowLoop;
+  std::span<const float> m_fastLoop;
+  SwitchSound m_switchSound;
+  NoiseSpeedRange m_range;
+  double m_blendedSpeed = -1.0; ///< for which the blend was made, revolutions a sample
+  NoiseBlend m_blend{};
+  Biquad m_bandPass;
+  double m_slowVolume = 0.0;
+  double m_fastVolume = 0.0;
+  double m_micDistance = 1.0; ///< metres
+  double m_distanceGain = 1.0;
+  double m_fastPhase = 0.0; ///< passes of the loop, 0 .. 1
+};
+
+/// Motor and rotor noise at one horn microphone: the slow loop runs freely, the fast one is locked
+/// to the rotor.
+class HornNoisePlayer : public RotorNoisePlayer {
+ public:
+  /// `microphone` 0 or 1 chooses the recording and the place in the turn.
+  HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
+                  int microphone) noexcept;
+
+  void setSampleRate(double hz) noexcept;
+  void clear() noexcept; ///< phases and switching sound
+  void setMicDistance(double metres) noexcept;
+
+  /// The recordings alone: one sample per entry of `speeds` (revolutions a sample, at most kRun)
+  /// into `out`; `micAngle` in turns.
+  void read(std::span<const double> speeds, double micAngle, std::span<double> out) noexcept;
+
+  /// The same with band-pass and gain at a level.
+  void process(std::span<const double> speeds, double micAngle, double level,
+               std::span<double> out) noexcept;
+
+ private:
+  double m_turnOffset;
+  double m_slowStep = 1.0;     // recording samples an engine sample
+  double m_slowPosition = 0.0; // recording samples
+};
+
+/// Motor and rotor noise at the drum microphone: two loops locked to the rotor; while it speeds up
+/// the slow one loses and the fast one gains treble.
+class DrumNoisePlayer : public RotorNoisePlayer {
+ public:
+  DrumNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels) noexcept;
+
+  void setSampleRate(double hz) noexcept;
+  void clear() noexcept;
+  void setMicDistance(double metres) noexcept;
+  void process(std::span<const double> speeds, double micAngle, double level,
+               std::span<double> out) noexcept;
+
+ private:
+  kernels::NoiseTreble m_treble{};
+  double m_slowPhase = 0.0; // passes of the loop, 0 .. 1
+};
+
+} // namespace qlx::engine

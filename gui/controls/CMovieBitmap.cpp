@@ -1,0 +1,37 @@
+#include "gui/controls/CMovieBitmap.h"
+
+namespace qlx::gui {
+
+namespace {
+
+std::int32_t framesIn(const CBitmapRef& strip, CCoord height) {
+  if (strip == nullptr || height < 1.0) return 1;
+  return static_cast<std::int32_t>(strip->height() / height);
+}
+
+} // namespace
+
+CMovieBitmap::CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
+                           const CBitmapRef& strip, const CPoint& offset)
+    : CMovieBitmap(size, listener, tag, framesIn(strip, size.height()), size.height(), strip,
+                   offset) {}
+
+CMovieBitmap::CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
+                           std::int32_t frames, CCoord heightOfOneImage, CBitmapRef strip,
+                           const CPoint& offset)
+    : CControl(size, listener, tag, std::move(strip)),
+      IMultiBitmapControl(heightOfOneImage, frames) {
+  setBackOffset(offset);
+  setMouseEnabled(false);
+}
+
+std::unique_ptr<CView> CMovieBitmap::newCopy() const {
+  return std::unique_ptr<CView>(new CMovieBitmap(*this));
+}
+
+void CMovieBitmap::draw(CDrawContext& context) {
+  drawBackground(context, {0.0, getFrameTop(normalized(drawnValue()))});
+  setDirty(false);
+}
+
+} // namespace qlx::gui

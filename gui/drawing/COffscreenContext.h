@@ -1,0 +1,34 @@
+#pragma once
+
+#include "gui/drawing/CDrawContext.h"
+
+#include <algorithm>
+
+namespace qlx::gui {
+
+/// A surface of its own, transparent at first, on which a control composes what it then copies to
+/// the screen.
+class COffscreenContext {
+ public:
+  COffscreenContext(int width, int height)
+      : m_pixels(width, height), m_context(m_pixels, nullptr) {}
+
+  /// Drawing goes here.
+  CDrawContext& context() { return m_context; }
+  /// Transparent again.
+  void clear() { std::ranges::fill(m_pixels.pixels, 0U); }
+  int width() const { return m_pixels.width; }
+  int height() const { return m_pixels.height; }
+
+  /// Draws the surface over `target`, its pixel (sourceOffset) at the corner of `where`, as much as
+  /// fits into `where`.
+  void copyTo(CDrawContext& target, const CRect& where, const CPoint& sourceOffset = {}) const {
+    target.drawPixels(m_pixels, where, sourceOffset);
+  }
+
+ private:
+  PixelBuffer m_pixels;
+  CDrawContext m_context;
+};
+
+} // namespace qlx::gui

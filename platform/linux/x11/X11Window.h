@@ -1,0 +1,88 @@
+#pragma once
+
+#include "platform/NativeWindow.h"
+#include "platform/linux/x11/X11Connection.h"
+#include "platform/linux/x11/X11Keyboard.h"
+#include "platform/linux/x11/X11Picture.h"
+#include "platform/linux/x11/X11Selections.h"
+
+#include <memory>
+#include <optional>
+
+namespace qlx::platform {
+
+/// A window on an X11 display.
+class X11Window final : public NativeWindow {
+ public:
+  /// A window inside `parent`; null when the display refuses.
+  static std::unique_ptr<X11Window> createChild(std::unique_ptr<X11Connection> connection,
+                                                xcb_window_t parent, int width, int height);
+  static std::unique_ptr<X11Window> createTopLevel(std::unique_ptr<X11Connection> connection,
+                                                   std::string_view title, int width, int height);
+  ~X11Window() override;
+
+  void setListener(WindowListener* listener) override { m_listener = listener; }
+  void pump() override;
+  void present(const PixelView& picture, std::span<const PixelRect> areas) override;
+  void show() override;
+  bool isOpen() const override { return m_open && m_connection.isAlive(); }
+  std::uintptr_t handle() const override { return m_window; }
+  void takeFocus() override;
+  void giveFocusBack() override;
+  std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) override;
+  PixelRect place() const override { return m_place; }
+  void offerText(Selection selection, std::string_view text) override;
+  void requestText(Selection selection) override;
+  std::chrono::milliseconds now() const override;
+
+  /// For the connection: the window's number, and an event for it.
+  xcb_window_t number() const { return m_window; }
+  void handleEvent(const xcb_generic_event_t& event);
+
+ private:
+  struct Press {
+    std::uint32_t button = 0;
+    xcb_timestamp_t time = 0;
+    int x = 0;
+    int y = 0;
+  };
+
+  X11Window(std::unique_ptr<X11Connection> owned, X11Connection& connection, X11Window* owner,
+            int width, int height);
+  bool create(xcb_window_t parent, int x, int y, bool overrideRedirect);
+  void setTitle(std::string_view title);
+  void selectKeys(bool wanted);
+  void emit(const WindowEvent& event);
+  void emitMotion();
+  void onButton(const xcb_button_press_event_t& event, bool press);
+  void onPointer(int x, int y, std::uint16_t state);
+  void onLeave(const xcb_leave_notify_event_t& event);
+  void onFocus(const xcb_focus_in_event_t& event, bool in);
+  void onKey(const xcb_key_press_event_t& event, bool press);
+  void watchPopup();
+  void closed();
+  std::optional<std::pair<int, int>> origin() const;
+
+  std::unique_ptr<X11Connection> m_owned;
+  X11Connection& m_connection;
+  X11Window* m_owner;
+  X11Window* m_popup = nullptr;
+  int m_width;
+  int m_height;
+  PixelRect m_place;
+  xcb_window_t m_window = 0;
+  std::optional<X11Picture> m_picture;
+  std::optional<X11Selections> m_selections;
+  std::unique_ptr<X11Keyboard> m_keyboard;
+  WindowListener* m_listener = nullptr;
+  std::optional<WindowEvent> m_motion;
+  Press m_lastPress;
+  std::uint32_t m_held = 0;
+  xcb_window_t m_focusBefore = 0;
+  std::pair<int, int> m_originAtPopup{0, 0};
+  bool m_focused = false;
+  bool m_open = false;
+  bool m_goneTold = false;
+};
+
+} // namespace qlx::platform

@@ -1,0 +1,14 @@
+#include "presets/panel/LoadBitmap.h"
+
+#include "resources/images/Images.h"
+
+#include <cstdint>
+
+namespace qlx::presets {
+
+gui::CBitmapRef loadBitmap(int number) {
+  const std::span<const std::byte> file = resources::findImage(number);
+  return gui::CBitmap::decode({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+}
+
+} // namespace qlx::presets

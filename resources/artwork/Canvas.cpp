@@ -1,0 +1,75 @@
+#include "resources/artwork/Canvas.h"
+
+#include "resources/artwork/Noise.h"
+
+#include <array>
+#include <cmath>
+
+namespace qlx::artwork {
+namespace {
+
+constexpr std::uint32_t kDitherField = 7001;
+
+std::uint8_t quantised(double linear, double dither) {
+  return static_cast<std::uint8_t>(
+      std::clamp(std::floor(srgbFromLinear(clamp01(linear)) * 255.0 + dither), 0.0, 255.0));
+}
+
+} // namespace
+
+Canvas::Canvas(int width, int height, int scale)
+    : m_width(width), m_height(height), m_scale(scale), m_columns(width * density()),
+      m_rows(height * density()),
+      m_samples(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows)) {}
+
+void Canvas::glow(const Mask& shape, const Colour& colour, double strength) {
+  forEach(shape.box(), [&](Point, Sample& under, int x, int y) {
+    const double k = strength * static_cast<double>(shape.sample(x, y));
+    under.r += static_cast<float>(colour.r * k);
+    under.g += static_cast<float>(colour.g * k);
+    under.b += static_cast<float>(colour.b * k);
+  });
+}
+
+void Canvas::overlay(const Canvas& other, int x, int y) {
+  const int n = density();
+  for (int row = 0; row < other.m_rows; ++row) {
+    for (int column = 0; column < other.m_columns; ++column) {
+      const Sample& over = other.at(column, row);
+      Sample& under = at(x * n + column, y * n + row);
+      const float keep = 1.0F - over.a;
+      under = {over.r + under.r * keep, over.g + under.g * keep, over.b + under.b * keep,
+               over.a + under.a * keep};
+    }
+  }
+}
+
+Picture Canvas::finished() const {
+  Picture picture(m_width * m_scale, m_height * m_scale);
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      double r = 0;
+      double g = 0;
+      double b = 0;
+      double a = 0;
+      for (int j = 0; j < kOversampling; ++j) {
+        for (int i = 0; i < kOversampling; ++i) {
+          const Sample& s = at(x * kOversampling + i, y * kOversampling + j);
+          r += s.r;
+          g += s.g;
+          b += s.b;
+          a += s.a;
+        }
+      }
+      const double alpha = a / (kOversampling * kOversampling);
+      const int alpha8 = static_cast<int>(std::lround(clamp01(alpha) * 255.0));
+      if (alpha8 == 0) continue;
+      const double dither = hashed(x, y, kDitherField);
+      picture.at(x, y) = {quantised(r / a, dither), quantised(g / a, dither),
+                          quantised(b / a, dither), static_cast<std::uint8_t>(alpha8)};
+    }
+  }
+  return picture;
+}
+
+} // namespace qlx::artwork

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "resources/artwork/Lettering.h"
+#include "resources/artwork/Picture.h"
+
+namespace qlx::artwork {
+
+/// How the controls of a previewed window stand, all 0..1.
+struct Pose {
+  double knobs = 0.5;
+  double lever = 1.0;
+  double rotors = 0.85;
+  bool lit = false; // lamps on, switches pressed
+};
+
+/// The window as the editor would show it, at the layout's size.
+Picture previewed(const Lettering& lettering, const Pose& pose);
+
+} // namespace qlx::artwork

@@ -1,0 +1,52 @@
+#include "resources/artwork/ArtworkSet.h"
+#include "resources/artwork/Preview.h"
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr const char* kUsage =
+    "Draws the editor's images.\n"
+    "  draw_artwork FONTS images FOLDER [SCALE]     every image under its number\n"
+    "  draw_artwork FONTS preview FILE.png [KNOBS LEVER ROTORS [lit]]   the window put together\n";
+
+void drawAll(const qlx::artwork::Lettering& lettering, const std::filesystem::path& folder,
+             int scale) {
+  for (const auto& artwork : qlx::artwork::artworkSet()) {
+    qlx::artwork::drawn(artwork, lettering, scale)
+        .save(folder / (std::to_string(artwork.number) + artwork.extension));
+  }
+}
+
+} // namespace
+
+int main(int count, char** values) {
+  const std::vector<std::string> arguments(values + 1, values + count);
+  const std::string command = arguments.size() >= 3 ? arguments[1] : "";
+  try {
+    if (command == "images") {
+      const qlx::artwork::Lettering lettering(arguments[0]);
+      drawAll(lettering, arguments[2], arguments.size() > 3 ? std::stoi(arguments[3]) : 1);
+      return 0;
+    }
+    if (command == "preview") {
+      const qlx::artwork::Lettering lettering(arguments[0]);
+      qlx::artwork::Pose pose;
+      if (arguments.size() > 3) pose.knobs = std::stod(arguments[3]);
+      if (arguments.size() > 4) pose.lever = std::stod(arguments[4]);
+      if (arguments.size() > 5) pose.rotors = std::stod(arguments[5]);
+      pose.lit = arguments.size() > 6;
+      qlx::artwork::previewed(lettering, pose).save(arguments[2]);
+      return 0;
+    }
+  } catch (const std::exception& fault) {
+    std::fprintf(stderr, "%s\n", fault.what());
+    return 1;
+  }
+  std::fputs(kUsage, stderr);
+  return 2;
+}

@@ -1,0 +1,26 @@
+// Writes the six motor-noise recordings into a folder: generate_recordings FOLDER
+
+#include "resources/recordings/RecordingFiles.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: generate_recordings FOLDER\n";
+    return 2;
+  }
+  const std::filesystem::path folder = argv[1];
+  for (const auto& [name, bytes] :
+       qlx::recordings::recordingFiles(qlx::recordings::recordMachine())) {
+    std::ofstream file(folder / name, std::ios::binary);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) {
+      std::cerr << "generate_recordings: cannot write " << (folder / name) << '\n';
+      return 1;
+    }
+  }
+  return 0;
+}

@@ -1,0 +1,73 @@
+#!/usr/bin/env python3
+"""Checks which module (top folder) includes which, and that engine/, sdk/ and others include no library but the standard
+one. Usage: dependencies.py ROOT. Prints every include that is not allowed; exit 1 if there is one."""
+import pathlib
+import re
+import sys
+
+ALLOWED = {
+    "engine": set(),
+    "sdk": set(),
+    "platform": set(),
+    "gui": {"platform"},
+    "resources": {"engine"},
+    "presets": {"sdk", "gui", "platform", "resources"},
+    "midi": {"sdk"},
+    "plugin": {"engine", "sdk", "platform", "gui", "resources", "presets", "midi", "editor"},
+    "editor": {"gui", "presets", "platform", "resources", "sdk", "plugin"},
+    "brezan": {"sdk", "engine", "platform", "gui", "resources", "presets"},
+}
+# Pairs of modules of which the first may include these headers of the second only.
+ONLY = {
+    ("resources", "engine"): {"engine/rotor/Recordings.h"},
+    ("brezan", "engine"): {"engine/rotor/Recordings.h"},
+    ("presets", "resources"): {"resources/images/Images.h"},
+    ("editor", "resources"): {"resources/images/Images.h"},
+    ("editor", "plugin"): {"plugin/parameters/ParameterFormatter.h", "plugin/parameters/ParameterIndex.h", "plugin/parameters/ParameterLaws.h"},
+    ("plugin", "editor"): {"editor/RotaryEditor.h", "editor/EffectReadout.h"},
+}
+STANDARD_ONLY = {"engine", "sdk", "midi", "presets", "editor", "plugin"}
+SYSTEM_FOLDERS = {"linux", "windows"}
+STANDARD = re.compile(r"^[a-z_]+$|^immintrin\.h$|^xmmintrin\.h$")
+POSIX = {"unistd.h", "dlfcn.h", "fcntl.h", "pthread.h", "poll.h", "signal.h"}
+
+
+def problems(root):
+    for module, allowed in ALLOWED.items():
+        for path in sorted((root / module).rglob("*")):
+            if path.suffix not in {".h", ".cpp", ".S"}:
+                continue
+            rel = path.relative_to(root)
+            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+                where = f"{rel}:{number}"
+                own = re.match(r'\s*#\s*include\s+"([^"]+)"', line)
+                system = re.match(r"\s*#\s*include\s+<([^>]+)>", line)
+                if own:
+                    target = own.group(1)
+                    other = target.split("/")[0]
+                    if not (root / target).is_file():
+                        if not path.suffix == ".S":
+                            yield f"{where}: {target} is not named from the root"
+                    elif other != module and other not in allowed:
+                        yield f"{where}: {module}/ must not include {other}/"
+                    elif (module, other) in ONLY and target not in ONLY[(module, other)]:
+                        yield f"{where}: {module}/ must not include {target}"
+                    elif (set(target.split("/")) & SYSTEM_FOLDERS and module != "platform"):
+                        yield f"{where}: only platform/ knows the operating system"
+                elif system:
+                    header = system.group(1)
+                    if module in STANDARD_ONLY and not STANDARD.match(header):
+                        yield f"{where}: {module}/ includes the standard library only, not <{header}>"
+                    outside = module not in {"platform", "brezan"}
+                    if outside and (header in POSIX or header.startswith(("sys/", "xcb", "X11/"))):
+                        yield f"{where}: only platform/ may assume POSIX or a window system"
+
+
+def main():
+    found = list(problems(pathlib.Path(sys.argv[1]).resolve()))
+    print("\n".join(found) if found else "dependencies: every include is allowed")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,166 @@
+#include "tests/support/CommandRun.h"
+
+#include <gmock/gmock.h>
+
+using namespace qlx::tests;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr const char* kPlugin = "home/.vst/QLXBrezan.so";
+constexpr const char* kManual = "home/.local/share/qlx-brezan/manual.pdf";
+constexpr const char* kPages = "home/.local/share/qlx-brezan/manual.html";
+
+/// A built tree and a user's home of this test's own.
+class Install : public testing::Test {
+ protected:
+  Install() {
+    put("tree/build/release/manual/manual.html", "pages");
+    put("tree/build/release/manual/manual.pdf", "paper");
+    build("first build");
+    std::filesystem::create_symlink(BREZAN, m_folder / "tree/build/release/brezan");
+    std::filesystem::create_directory(m_folder / "home");
+  }
+  void build(const std::string& plugin) { put("tree/build/release/QLXBrezan.so", plugin); }
+
+  void put(const std::string& name, const std::string& text) {
+    std::filesystem::create_directories((m_folder / name).parent_path());
+    write(m_folder / name, text);
+  }
+  std::string at(const std::string& name) { return contents(m_folder / name); }
+
+  Finished asUser(const std::string& command) {
+    return run("unset XDG_DATA_HOME XDG_CONFIG_HOME; cd " + m_folder.path().string() +
+               "; HOME=$PWD/home " + command);
+  }
+  Finished install(const std::string& options = "") {
+    return asUser("bash " INSTALL_SCRIPT " \"$PWD/tree\" " + options);
+  }
+  /// What the plug-in's manual button would open.
+  std::string manual() {
+    const std::string path = asUser(BREZAN " manual").output;
+    return path.substr(0, path.find('\n'));
+  }
+
+  /// Every file and folder of the user's with the files' contents.
+  std::vector<std::string> home() {
+    std::vector<std::string> entries;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder / "home"))
+      entries.push_back(entry.path().string() +
+                        (entry.is_regular_file() ? ": " + contents(entry.path()) : ""));
+    std::ranges::sort(entries);
+    return entries;
+  }
+
+  TemporaryFolder m_folder;
+};
+
+} // namespace
+
+TEST_F(Install, takesBackExactlyWhatItPutThere) {
+  for (const std::vector<const char*>& foreign :
+       {std::vector<const char*>{},
+        {"home/.vst/Other.so", "home/.local/share/qlx-brezan/my notes", "home/.config/other"}}) {
+    for (const char* name : foreign) put(name, "another's");
+    const auto before = home();
+    ASSERT_EQ(install().status, 0);
+    EXPECT_EQ(at(kPlugin), "first build");
+    EXPECT_EQ(manual(), m_folder / kManual);
+    EXPECT_EQ(at(kManual) + at(kPages), "paperpages");
+    build("second build");
+    ASSERT_EQ(install().status, 0) << "a newer build replaces an older one";
+    EXPECT_EQ(at(kPlugin), "second build");
+    build("first build");
+    ASSERT_EQ(install("--uninstall").status, 0);
+    EXPECT_EQ(home(), before);
+    EXPECT_THAT(install("--uninstall").errors, HasSubstr("nothing was installed"));
+  }
+}
+
+TEST_F(Install, placesShareTheManual) {
+  const auto before = home();
+  const std::string other = "--prefix 'home/my plug ins/64 bit'";
+  EXPECT_NE(install("--prefix home/my plug ins").status, 0) << "stray words";
+  ASSERT_EQ(install(other).status, 0);
+  const auto one = home();
+  EXPECT_EQ(at("home/my plug ins/64 bit/QLXBrezan.so"), "first build");
+  ASSERT_EQ(install().status, 0);
+  ASSERT_EQ(install("--uninstall").status, 0);
+  EXPECT_EQ(home(), one);
+  EXPECT_EQ(manual(), m_folder / kManual);
+  ASSERT_EQ(install(other + " --uninstall").status, 0);
+  EXPECT_EQ(home(), before);
+}
+
+TEST_F(Install, leavesForeignAndChangedFilesAlone) {
+  for (const char* file : {kPlugin, kManual}) {
+    put(file, "by hand");
+    const auto before = home();
+    EXPECT_THAT(install().errors, HasSubstr("move it away first"));
+    EXPECT_EQ(home(), before);
+    EXPECT_NE(install("--uninstall").status, 0);
+    std::filesystem::remove(m_folder / file);
+    ASSERT_EQ(install().status, 0);
+    put(file, "changed since");
+    EXPECT_THAT(install().errors, HasSubstr("move it away first"));
+    const Finished kept = install("--uninstall");
+    EXPECT_NE(kept.status, 0);
+    EXPECT_THAT(kept.errors, HasSubstr("changed since"));
+    EXPECT_EQ(at(file), "changed since");
+    std::filesystem::remove(m_folder / file);
+  }
+}
+
+TEST_F(Install, leavesTheUsersOwnManualAlone) {
+  put("home/mine.pdf", "mine");
+  const std::string mine = m_folder / "home/mine.pdf";
+  const auto choose = [this] { EXPECT_EQ(asUser(BREZAN " manual --set home/mine.pdf").status, 0); };
+  for (const bool before : {true, false}) {
+    if (before) choose();
+    ASSERT_EQ(install().status, 0);
+    EXPECT_EQ(manual() == mine, before);
+    if (!before) choose();
+    ASSERT_EQ(install("--uninstall").status, 0);
+    EXPECT_EQ(manual(), mine);
+    ASSERT_EQ(asUser(BREZAN " manual --forget home/mine.pdf").status, 0);
+    EXPECT_EQ(manual(), "");
+  }
+}
+
+TEST_F(Install, leavesNothingHalfDone) {
+  const struct {
+    const char* options;
+    const char* obstacle; // a file where a folder is wanted
+    const char* error;
+  } cases[] = {
+      {"--prefix /proc/plug-ins", "home/nothing", "cannot make the folder /proc/plug-ins"},
+      {"--prefix /proc", "home/nothing", "cannot write into /proc"},
+      {"", "home/.vst", "cannot make the folder"},
+      {"", "home/.local", "cannot make the folder"},
+      {"", "home/.config", "nothing was installed"},
+  };
+  for (const auto& [options, obstacle, error] : cases) {
+    put(obstacle, "");
+    const auto before = home();
+    const Finished refused = install(options);
+    EXPECT_NE(refused.status, 0) << obstacle;
+    EXPECT_THAT(refused.errors, HasSubstr(error));
+    EXPECT_EQ(home(), before);
+    std::filesystem::remove(m_folder / obstacle);
+  }
+  ASSERT_EQ(install().status, 0);
+  const auto before = home();
+  build("second build");
+  EXPECT_NE(install("--prefix /proc").status, 0);
+  EXPECT_EQ(home(), before) << "an earlier installation";
+}
+
+TEST_F(Install, saysWhatIsWrong) {
+  EXPECT_THAT(install("--prefix").errors, HasSubstr("--prefix needs a folder"));
+  EXPECT_THAT(install("--everything").errors, HasSubstr("unknown option '--everything'"));
+  EXPECT_THAT(asUser(BREZAN " manual --set nowhere").errors, HasSubstr("no manual"));
+  for (const char* file : {"manual/manual.pdf", "QLXBrezan.so", "brezan"}) {
+    std::filesystem::remove(m_folder / "tree/build/release" / file);
+    EXPECT_THAT(install().errors, HasSubstr(std::string(file) + " is not built"));
+  }
+}

@@ -1,0 +1,244 @@
+// The machine's own voice as the plug-in file gives it out.
+
+#include "brezan/analysis/RotorMoves.h"
+#include "brezan/organ/DrawbarOrgan.h"
+#include "brezan/sound/AudioFile.h"
+#include "brezan/sound/PlayThrough.h"
+#include "brezan/sound/SoundLevel.h"
+#include "tests/support/CommandRun.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstdlib>
+#include <numbers>
+
+using namespace qlx::tools;
+
+namespace {
+
+constexpr double kRate = 44100.0;
+
+using Channels = std::vector<std::vector<double>>;
+using Settings = std::vector<std::pair<const char*, float>>;
+
+struct Rotor {
+  const char* name;
+  const PilotTones& pilot;
+  const char* other;   // gain of the other rotor
+  double fast;         // revolutions a second of the first preset
+  double accelSeconds; // of the first preset
+  double loopTurns;    // of the fast recording
+  double airHz;        // above it, what the opening stirs outweighs hum and wood
+};
+
+const Rotor kRotors[] = {{"horn", kHornPilot, "DGain", 6.77088, 0.617, 34.0, 300.0},
+                         {"drum", kDrumPilot, "HGain", 6.5282, 3.30, 88.0, 150.0}};
+
+class MachineNoise : public testing::Test {
+ protected:
+  MachineNoise() { setenv("XDG_CONFIG_HOME", (m_folder / "config").c_str(), 1); }
+
+  Channels play(const Settings& settings, std::span<const double> sound,
+                const std::vector<AutomationMove>& moves = {}, double settle = 8.0) {
+    PluginHost host(PLUGIN);
+    for (const auto& [name, value] : settings) host.setValue(m_parameters.index(name), value);
+    return playThrough(host, sound, kRate, {moves, {}}, settle);
+  }
+
+  Channels silence(const Settings& settings, double seconds,
+                   const std::vector<AutomationMove>& moves = {}, double settle = 8.0) {
+    return play(settings, std::vector<double>(static_cast<std::size_t>(seconds * kRate)), moves,
+                settle);
+  }
+
+  AutomationMove move(double seconds, const char* name, float value) {
+    return {seconds, m_parameters.index(name), value, 0.0};
+  }
+
+  static double db(double linear) { return 20.0 * std::log10(linear); }
+  static double rmsDb(const Channels& sound, double from, double to) {
+    return db(levelBetween(sound, kRate, from, to).rms);
+  }
+
+  qlx::test::TemporaryFolder m_folder;
+  ParameterText m_parameters{PLUGIN};
+};
+
+// The level above airHz over time, a value each step of the trace.
+std::vector<double> airLevel(const Channels& sound, double airHz) {
+  const auto stepAt = [](std::size_t frame) {
+    return static_cast<std::size_t>(static_cast<double>(frame) /
+                                    (RotorTrace::kStepSeconds * kRate));
+  };
+  std::vector<double> levels(stepAt(sound.front().size()) + 1, 0.0);
+  const double pole = std::exp(-2.0 * std::numbers::pi * airHz / kRate);
+  for (const std::vector<double>& channel : sound) {
+    double low = 0.0;
+    double lower = 0.0;
+    for (std::size_t i = 0; i < channel.size(); ++i) {
+      low = channel[i] + pole * (low - channel[i]);
+      const double once = channel[i] - low;
+      lower = once + pole * (lower - once);
+      levels[stepAt(i)] += std::abs(once - lower);
+    }
+  }
+  return levels;
+}
+
+} // namespace
+
+TEST_F(MachineNoise, liesWhereItIsHeardBetweenTheNotes) {
+  // A full chord on both manuals and the pedal, as loud as the input goes.
+  OrganScore score{{}, {}, {}, 5.0};
+  for (const Manual manual : {Manual::Upper, Manual::Lower, Manual::Pedal})
+    score.registrations.push_back({0.0, manual, {8, 8, 8, 8, 0, 0, 0, 0, 0}, false});
+  for (const int key : {29, 33, 36, 41}) score.keys.push_back({0.0, 5.0, Manual::Upper, key});
+  for (const int key : {17, 21, 24}) score.keys.push_back({0.0, 5.0, Manual::Lower, key});
+  score.keys.push_back({0.0, 5.0, Manual::Pedal, 5});
+  const double chord = rmsDb(play({{"Mech", 0.0F}}, playOrgan(score, kRate, 1.0)), 1.0, 5.0);
+
+  const Channels slowSound = silence({}, 12.0);
+  const double slow = rmsDb(slowSound, 0.0, 12.0);
+  EXPECT_GT(chord - slow, 50.0);
+  EXPECT_LT(chord - slow, 60.0);
+  const double fast = rmsDb(silence({{"Lever", 1.0F}}, 12.0, {}, 20.0), 0.0, 12.0);
+  EXPECT_GT(fast - slow, 6.0);
+  EXPECT_LT(fast - slow, 12.0);
+  EXPECT_EQ(levelBetween(silence({{"Mech", 0.0F}}, 2.0), kRate, 0.0, 2.0).peak, 0.0);
+  EXPECT_GT(rmsDb(silence({{"Mech", 1.0F}}, 12.0), 0.0, 12.0) - slow, 10.0);
+  for (const std::vector<double>& channel : slowSound) {
+    double sum = 0.0;
+    for (const double sample : channel) sum += sample;
+    EXPECT_LT(db(std::abs(sum) / static_cast<double>(channel.size())), slow - 50.0) << "offset";
+  }
+}
+
+TEST_F(MachineNoise, switchIsAnEventAndNoDigitalClick) {
+  for (const float lever : {0.0F, 1.0F}) {
+    const Channels sound = silence({{"Lever", lever}}, 12.0,
+                                   {move(2.0, "Stop", 1.0F), move(10.0, "Stop", 0.0F)}, 20.0);
+    for (const double event : {2.0, 10.0}) {
+      const double peak = levelBetween(sound, kRate, event, event + 0.1).peak;
+      EXPECT_GT(db(peak) - db(levelBetween(sound, kRate, 1.5, 2.0).peak), lever > 0.0F ? 3.0 : 9.0)
+          << event;
+      // A machine part rings on: after the loudest moment most of the event is still to come.
+      const double early = levelBetween(sound, kRate, event, event + 0.003).rms;
+      const double late = levelBetween(sound, kRate, event + 0.003, event + 0.03).rms;
+      EXPECT_GT(late * late * 27.0, 0.5 * early * early * 3.0) << event;
+    }
+  }
+}
+
+TEST_F(MachineNoise, fastNoiseStaysInStepWithTheRotor) {
+  for (const Rotor& rotor : kRotors) {
+    SCOPED_TRACE(rotor.name);
+    // The same moves twice: once the rotor is seen by tones, once it is heard alone.
+    constexpr double kLearn = 8.0;
+    constexpr double kEnd = 56.0;
+    const std::vector<AutomationMove> lever = {move(kLearn, "Lever", 1.0F)};
+    const RotorTrace trace(play({{"CPUmode", 0.0F}, {"Mech", 0.0F}, {rotor.other, 0.0F}},
+                                pilotSound(rotor.pilot, kRate, kEnd, 0.25), lever),
+                           kRate, rotor.pilot, 0.1, kLearn);
+    const std::vector<double> air =
+        airLevel(silence({{"CPUmode", 0.0F}, {"Mech", 1.0F}, {rotor.other, 0.0F}}, kEnd, lever),
+                 rotor.airHz);
+
+    // Windows of one loop hold the same turns; they start over 30 s and more.
+    const double window = rotor.loopTurns / rotor.fast; // seconds
+    const auto line = [&](double from, double order) {
+      std::complex<double> sum = 0.0;
+      double weights = 0.0;
+      const double end = trace.turns(from) + rotor.loopTurns;
+      for (double now = from; trace.turns(now) < end; now += RotorTrace::kStepSeconds) {
+        const auto step = static_cast<std::size_t>(now / RotorTrace::kStepSeconds);
+        const double middle = (static_cast<double>(step) + 0.5) * RotorTrace::kStepSeconds;
+        sum += std::polar(air[step], 2.0 * std::numbers::pi * order * trace.turns(middle));
+        weights += air[step];
+      }
+      return sum / weights;
+    };
+    std::complex<double> first = 0.0;
+    double least = 0.0;
+    double most = 0.0;
+    for (double from = kEnd - 30.5 - window; from + window < kEnd - 0.2; from += 1.5) {
+      const std::complex<double> swell = line(from, 1.0);
+      if (first == 0.0) first = swell;
+      const double degrees = std::arg(swell / first) * 180.0 / std::numbers::pi;
+      least = std::min(least, degrees);
+      most = std::max(most, degrees);
+    }
+    RecordProperty(std::string(rotor.name) + "DriftDegrees", std::to_string(most - least));
+    EXPECT_LT(most - least, 2.0);
+
+    EXPECT_GT(std::abs(line(30.0, 1.0)), 0.1) << "one swell a turn";
+    for (double order = 2.0 / rotor.loopTurns; order < 4.0; order += 1.0 / rotor.loopTurns)
+      if (std::abs(order - 1.0) > 0.5 / rotor.loopTurns) {
+        EXPECT_LT(std::abs(line(30.0, order)), 0.6 * std::abs(line(30.0, 1.0))) << order;
+      }
+  }
+}
+
+TEST_F(MachineNoise, speedingUpLosesNoLevel) {
+  // The drum at even steps of speed, each held for whole turns.
+  constexpr int kSteps = 10;
+  std::vector<double> levels;
+  for (int step = 0; step <= kSteps; ++step) {
+    const auto lever = static_cast<float>(step) / kSteps;
+    const double speed = 0.931 + (6.5282 - 0.931) * static_cast<double>(lever);
+    const double seconds = 10.0 * std::max(1.0, std::round(speed / 2.0)) / speed;
+    levels.push_back(
+        rmsDb(silence({{"HGain", 0.0F}, {"DAccel", 0.0F}, {"Lever", lever}}, seconds, {}, 2.0), 0.0,
+              seconds));
+  }
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    const double line =
+        levels.front() + (levels.back() - levels.front()) * static_cast<double>(i) / kSteps;
+    EXPECT_NEAR(levels[i], line, 3.0) << "lever at " << i << " tenths";
+  }
+}
+
+TEST_F(MachineNoise, rotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
+  for (const Rotor& rotor : kRotors) {
+    SCOPED_TRACE(rotor.name);
+    const RotorTrace trace(play({{"CPUmode", 0.0F}, {"Mech", 0.0F}, {rotor.other, 0.0F}},
+                                pilotSound(rotor.pilot, kRate, 24.0, 0.25),
+                                {move(8.0, "Lever", 1.0F), move(21.0, "Stop", 1.0F)}),
+                           kRate, rotor.pilot, 0.1, 8.0);
+    const double times[] = {0.1, 8.0, 21.0};
+    const std::vector<RotorMove> moves = rotorMoves(trace, times, 23.9);
+    EXPECT_NEAR(moves[1].reached, rotor.fast, 0.05);
+    EXPECT_TRUE(moves[1].settled);
+    ASSERT_TRUE(moves[1].tenToNinety.has_value());
+    EXPECT_NEAR(*moves[1].tenToNinety, rotor.accelSeconds, 0.05 + 0.06 * rotor.accelSeconds);
+    EXPECT_EQ(moves[2].settled, rotor.accelSeconds < 1.0) << "the heavy drum runs on";
+    EXPECT_FALSE(moves[0].tenToNinety.has_value());
+  }
+}
+
+TEST_F(MachineNoise, reportTellsSpeedsAndRests) {
+  {
+    AudioOutput quiet(m_folder / "dry.wav", "pcm16", kRate, 1);
+    quiet.write(std::vector<double>(static_cast<std::size_t>(12.0 * kRate)));
+    quiet.finish();
+  }
+  qlx::tests::write(m_folder / "moves.txt", "3 Lever Tremolo\n");
+  const auto brezan = [&](const std::string& words) {
+    const qlx::tests::Finished done =
+        qlx::tests::run("cd " + m_folder.path().string() + " && " BREZAN " " + words +
+                        " --plugin " PLUGIN " --automate moves.txt --set CPUmode=LowCPU");
+    EXPECT_EQ(done.status, 0) << done.errors;
+    return done.output;
+  };
+  brezan("render dry.wav wet.wav --tail 0");
+  EXPECT_THAT(
+      brezan("report dry.wav wet.wav"),
+      testing::AllOf(testing::ContainsRegex("0\\.00 +slow .* 0\\.6[678] +0\\.9[0-5]\n"),
+                     testing::ContainsRegex(
+                         "3\\.00 +fast .* 6\\.[78][0-9] +0\\.[56][0-9] +6\\.[45][0-9] +3\\."),
+                     testing::ContainsRegex("0\\.30 +1[12]\\.[0-9]+ +-6[0-9]\\.")));
+  EXPECT_THAT(brezan("report dry.wav wet.wav --set HSlowSpd=0"),
+              testing::HasSubstr("The horn: no turn of the rotor can be recognised.\n"));
+}

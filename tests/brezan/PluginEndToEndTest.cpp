@@ -1,0 +1,215 @@
+// The plug-in itself through the command-line host.
+#include "brezan/plugin/ParameterText.h"
+#include "brezan/sound/Renderer.h"
+#include "tests/support/CommandRun.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdlib>
+#include <numbers>
+#include <numeric>
+#include <sstream>
+
+using namespace qlx::tools;
+using namespace qlx::tests;
+
+namespace {
+
+constexpr double kRate = 44100.0;
+constexpr double kToneHz = 2205.0;
+constexpr double kHornSlow = 0.673; // revolutions per second of the first preset
+constexpr double kHornFast = 6.77088;
+
+// A plug-in that sees no settings of the person who runs the tests.
+class PluginEndToEnd : public testing::Test {
+ protected:
+  PluginEndToEnd() { setenv("XDG_CONFIG_HOME", (m_folder / "config").c_str(), 1); }
+
+  // A steady tone through the cabinet, without motor noise; answers the left channel.
+  std::vector<double> render(double seconds, const std::vector<TimedMidi>& midi,
+                             const std::string& moves, bool useDouble) {
+    {
+      AudioOutput source(m_folder / "in.wav", "double", kRate, 1);
+      std::vector<double> tone(static_cast<std::size_t>(seconds * kRate));
+      for (std::size_t i = 0; i < tone.size(); ++i)
+        tone[i] = 0.1 * std::sin(2.0 * std::numbers::pi * kToneHz * static_cast<double>(i) / kRate);
+      source.write(tone);
+      source.finish();
+    }
+    ParameterText parameters(PLUGIN);
+    PluginHost host(PLUGIN);
+    host.setValue(parameters.index("Mech"), 0.0F);
+    std::istringstream lines(moves);
+    AudioInput in(m_folder / "in.wav");
+    AudioOutput out(m_folder / "out.wav", "double", kRate, 2);
+    AutomationPlayer automation(resolved(readAutomation(lines, ""), "", parameters), kRate);
+    MidiPlayer player(midi, kRate);
+    ProgressBar progress;
+    Renderer(host, {512, useDouble, 2, 2.0, 0.0}).render(in, out, automation, player, progress);
+    out.finish();
+    AudioInput result(m_folder / "out.wav");
+    std::vector<double> samples(static_cast<std::size_t>(2 * result.frames()));
+    EXPECT_EQ(result.read(samples), result.frames());
+    std::vector<double> left;
+    for (std::size_t i = 0; i < samples.size(); i += 2) left.push_back(samples[i]);
+    return left;
+  }
+
+  // How deep the tone's level swings with one frequency, as a part of its mean.
+  static double swing(const std::vector<double>& sound, double from, double to, double hz) {
+    constexpr std::size_t kStep = 441;
+    std::vector<double> levels;
+    for (auto i = static_cast<std::size_t>(from * kRate); i < static_cast<std::size_t>(to * kRate);
+         i += kStep) {
+      double power = 0.0;
+      for (std::size_t k = i; k < i + kStep; ++k) power += sound[k] * sound[k];
+      levels.push_back(std::sqrt(power / kStep));
+    }
+    const double mean =
+        std::accumulate(levels.begin(), levels.end(), 0.0) / static_cast<double>(levels.size());
+    std::complex<double> line = 0.0;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      const double turn = 2.0 * std::numbers::pi * static_cast<double>(i);
+      const double window = 1.0 - std::cos(turn / static_cast<double>(levels.size()));
+      line += std::polar((levels[i] - mean) * window, turn * hz * kStep / kRate);
+    }
+    return 2.0 * std::abs(line) / static_cast<double>(levels.size()) / mean;
+  }
+
+  TemporaryFolder m_folder;
+};
+
+} // namespace
+
+TEST_F(PluginEndToEnd, wordsAndAmountsFindTheirValues) {
+  ParameterText parameters(PLUGIN);
+  PluginHost host(PLUGIN);
+  const struct {
+    const char* text;
+    const char* shown;
+    double value;
+  } cases[] = {
+      {"Type=Tube", "Tube ", 0.5},
+      {"setup=Front Side", "FrontSide ", 0.2},
+      {"Lever=Tremolo", "Tremolo ", 1.0},
+      {"Lever=100", "Tremolo ", 1.0},
+      {"Lever=50%", "", 0.0},
+      {"Lever=1", "1 ", 0.01},
+      {"Stop=1", "Stopped ", 1.0},
+      {"Bypass=on", "On ", 1.0},
+      {"MIDIchl=Ch 3", "Ch 3 ", 3 / 17.0},
+      {"MIDIchl=16", "Ch 16 ", 16 / 17.0},
+      {"Size=1", "1 ", 0.0},
+      {"Size=5", "5 ", 1.0},
+      {"HSlowSpd=0.67", "0.67Hz", 0.067},
+      {"HSlowSpd=0.673", "0.67Hz", 0.0673}, // finer than the display
+      {"HFastSpd=400rpm", "6.67Hz", 2 / 3.0},
+      {"HAccel=0.5s", "500ms", 0.349485}, // log(5) / log(100)
+      {"HAccel=997", "997ms", 0.499348},
+      {"HAccel=3.2", "3.2s", 0.752575},
+      {"HAccel=500000", "", 0.0},
+      {"HDistance=65cm", "65cm", 0.5},
+      {"HDistance=0.65m", "65cm", 0.5},
+      {"HDistance=1.2", "1.20m", 1.2 / 1.3},
+      {"DLPF=1.2kHz", "1.20kHz", 0.389075}, // log(6) / log(100)
+      {"DLPF=997", "997Hz", 0.348832},
+      {"DLPF=Off", "Off ", 1.0},
+      {"HHPF=19", "", 0.0},
+      {"Drive=-6", "-6.0dB", 0.35},
+      {"Mech=-infdB", "-oodB", 0.0},
+      {"DGain=12dB", "12.0dB", 1.0},
+      {"Color=0.25", "0.2%", 0.0025},
+      {"Color=norm:0.25", "25.0%", 0.25},
+      {"34=norm:0.25", " ", 0.25},
+      {"34=0.25", "", 0.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    if (std::string(c.shown).empty()) {
+      EXPECT_THROW(parameters.assignment(c.text), std::runtime_error);
+      continue;
+    }
+    const ParameterValue got = parameters.assignment(c.text);
+    host.setValue(got.index, got.value);
+    EXPECT_EQ(host.display(got.index) + host.label(got.index), c.shown);
+    EXPECT_NEAR(static_cast<double>(got.value), c.value, 5e-4);
+  }
+}
+
+TEST_F(PluginEndToEnd, presetsAreChosenByNumber) {
+  PluginHost host(PLUGIN);
+  EXPECT_EQ(host.presetNames().size(), 32U);
+  std::vector<std::vector<float>> settings;
+  for (const int preset : {0, 3, 31, 0}) {
+    host.selectPreset(preset);
+    EXPECT_EQ(host.currentPreset(), preset);
+    settings.emplace_back();
+    for (int i = 0; i < host.parameterCount(); ++i) settings.back().push_back(host.value(i));
+  }
+  EXPECT_NE(settings[0], settings[1]);
+  EXPECT_EQ(settings[0], settings[3]);
+}
+
+TEST_F(PluginEndToEnd, thePedalAndTheBrakeMoveTheHorn) {
+  const std::vector<TimedMidi> pedal{{0.0, {0xB0, 64, 127}}, {8.0, {0xB0, 64, 0}}};
+  const std::vector<double> sound = render(30.0, pedal, "20 Stop Stopped\n", true);
+  const double fast = swing(sound, 4.0, 8.0, kHornFast);
+  const double slow = swing(sound, 12.0, 19.0, kHornSlow);
+  EXPECT_GT(fast, 0.1);
+  EXPECT_GT(slow, 0.1);
+  EXPECT_LT(swing(sound, 4.0, 8.0, kHornSlow), 0.3 * fast);
+  EXPECT_LT(swing(sound, 12.0, 19.0, kHornFast), 0.3 * slow);
+  EXPECT_LT(swing(sound, 27.0, 30.0, kHornSlow), 0.1 * slow) << "the horn stands still";
+}
+
+TEST_F(PluginEndToEnd, singleAndDoublePrecisionAgree) {
+  const std::vector<double> single = render(2.0, {}, "0.5 Drive norm:0.7 1\n", false);
+  const std::vector<double> full = render(2.0, {}, "0.5 Drive norm:0.7 1\n", true);
+  ASSERT_EQ(single.size(), full.size());
+  double error = 0.0;
+  double power = 0.0;
+  for (std::size_t i = 0; i < full.size(); ++i) {
+    error += (single[i] - full[i]) * (single[i] - full[i]);
+    power += full[i] * full[i];
+  }
+  EXPECT_GT(power, 1.0);
+  EXPECT_LT(10.0 * std::log10(error / power), -100.0);
+}
+
+TEST_F(PluginEndToEnd, theProgramTellsTheIdentity) {
+  const Finished info = run(BREZAN " info --plugin " PLUGIN " --json");
+  EXPECT_EQ(info.status, 0) << info.errors;
+  for (const char* words : {"\"name\": \"QLX Brezan\"", "\"id\": \"QbrZ\"", "\"parameters\": 36",
+                            "\"presets\": 32", "\"stateBytes\": 42289", "\"receivesMidi\": true"})
+    EXPECT_THAT(info.output, testing::HasSubstr(words));
+}
+
+TEST_F(PluginEndToEnd, theTailEndsWithTheProgrammeWhateverTheMotorsDo) {
+  const struct {
+    double tone, silence; // seconds of the input
+    double least, most;   // of the render
+  } cases[] = {
+      {0.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 1.0}, {1.0, 0.0, 1.6, 2.5}, {1.0, 2.0, 3.0, 3.0}};
+  for (const auto& c : cases) {
+    {
+      AudioOutput source(m_folder / "in.wav", "float", kRate, 1);
+      std::vector<double> sound(static_cast<std::size_t>((c.tone + c.silence) * kRate));
+      for (std::size_t i = 0; i < static_cast<std::size_t>(c.tone * kRate); ++i)
+        sound[i] =
+            0.5 * std::sin(2.0 * std::numbers::pi * kToneHz * static_cast<double>(i) / kRate);
+      source.write(sound);
+      source.finish();
+    }
+    for (const std::string options : {"", "--set Lever=Tremolo --set Mech=1"}) {
+      const Finished done =
+          run("cd " + m_folder.path().string() +
+              " && " BREZAN " render in.wav out.wav --plugin " PLUGIN " " + options);
+      ASSERT_EQ(done.status, 0) << done.errors;
+      const auto seconds = static_cast<double>(AudioInput(m_folder / "out.wav").frames()) / kRate;
+      EXPECT_GE(seconds, c.least) << done.output;
+      EXPECT_LE(seconds, c.most) << done.output;
+    }
+  }
+}
