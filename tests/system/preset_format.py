@@ -93,7 +93,7 @@ class PlugIn:
     """A new instance of a user with the stored values given."""
 
     def __init__(self, brezan, folder):
-        self.brezan, self.folder = brezan, pathlib.Path(folder)
+        self.brezan, self.folder = os.path.abspath(brezan), pathlib.Path(folder)
 
     def run(self, *words, stored=(), good=True):
         home = self.folder / "home"
