@@ -30,6 +30,9 @@ class QLXVerticalSwitch final : public gui::CControl, public gui::IMultiBitmapCo
   void setWheelStep(const WheelStep& wheel) { m_wheel = wheel; }
 
   void draw(gui::CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override {
+    return platform::PointerShape::kUpDown;
+  }
   gui::CMouseEventResult onMouseDown(const gui::CPoint& where,
                                      const gui::CButtonState& buttons) override;
   gui::CMouseEventResult onMouseUp(const gui::CPoint& where,

@@ -78,6 +78,7 @@ void CFrame::drawInto(PixelBuffer& target) {
 void CFrame::idle() {
   m_window->pump();
   if (isOpen()) {
+    giveUnneededKeyboardBack();
     if (m_focusView != nullptr) m_focusView->onIdle();
     if (m_popup != nullptr) m_popup->redraw();
     redraw();
@@ -118,6 +119,14 @@ void CFrame::setFocusView(CView* view) {
 
 void CFrame::takeKeyboardFocus() { m_window->takeFocus(); }
 void CFrame::giveKeyboardFocusBack() { m_window->giveFocusBack(); }
+
+// The host's own keys are to work again once the pointer is elsewhere, unless what the user has
+// open here is still to be typed to.
+void CFrame::giveUnneededKeyboardBack() {
+  if (!m_pointerLeft || editsText() || m_popup != nullptr || m_modalView != nullptr) return;
+  m_pointerLeft = false;
+  giveKeyboardFocusBack();
+}
 
 bool CFrame::openPopup(std::unique_ptr<CView> content, const CPoint& corner,
                        std::function<void()> closed) {

@@ -108,8 +108,9 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void forgetView(const CView& view);
 
  private:
-  void onWindowEvent(const platform::WindowEvent& event) override;
-  void onKeyEvent(const platform::WindowEvent& event);
+  bool onWindowEvent(const platform::WindowEvent& event) override;
+  bool onKeyEvent(const platform::WindowEvent& event);
+  void giveUnneededKeyboardBack();
   void redraw();
   void setHoverView(CView* view, const CPoint& where, const CButtonState& buttons);
   CView* viewAt(const CPoint& where) const;
@@ -134,6 +135,7 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   CView* m_mouseDownView = nullptr;
   CView* m_hoverView = nullptr;
   std::uint32_t m_mouseDownButton = 0;
+  bool m_pointerLeft = false; ///< and the keyboard has not been given back since
 };
 
 } // namespace qlx::gui

@@ -4,6 +4,7 @@
 #include "gui/CButtonState.h"
 #include "gui/CKeyCode.h"
 #include "gui/CRect.h"
+#include "platform/PointerShape.h"
 
 #include <atomic>
 #include <memory>
@@ -55,6 +56,9 @@ class CView : public CBaseObject {
   virtual void onSelectionText(std::string_view text);
   /// Called at every idle of the frame while the view has the focus.
   virtual void onIdle() {}
+
+  /// What the pointer looks like while it is over the view.
+  virtual platform::PointerShape getPointerShape() const { return platform::PointerShape::kArrow; }
 
   /// The view has come into, or is about to leave, a frame (getFrame() is valid in both).
   virtual void attached() {}

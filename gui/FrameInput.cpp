@@ -25,7 +25,7 @@ constexpr std::uint32_t kAnyButton = kLButton | kMButton | kRButton;
 
 } // namespace
 
-void CFrame::onWindowEvent(const WindowEvent& event) {
+bool CFrame::onWindowEvent(const WindowEvent& event) {
   const CPoint where{static_cast<CCoord>(event.x), static_cast<CCoord>(event.y)};
   switch (event.type) {
   case WindowEventType::kMouseDown: platformOnMouseDown(where, stateOf(event.button, event)); break;
@@ -35,13 +35,12 @@ void CFrame::onWindowEvent(const WindowEvent& event) {
     break;
   case WindowEventType::kMouseLeave: platformOnMouseExited(); break;
   case WindowEventType::kWheel:
-    platformOnWheel(where, event.distance, stateOf(event.buttons, event));
-    break;
+    return platformOnWheel(where, event.distance, stateOf(event.buttons, event));
   case WindowEventType::kExpose:
     m_exposedRegion.add({event.x, event.y, event.x + event.width, event.y + event.height});
     break;
   case WindowEventType::kKeyDown:
-  case WindowEventType::kKeyUp: onKeyEvent(event); break;
+  case WindowEventType::kKeyUp: return onKeyEvent(event);
   case WindowEventType::kFocusGained: break;
   case WindowEventType::kFocusLost:
   case WindowEventType::kClosed:
@@ -53,14 +52,12 @@ void CFrame::onWindowEvent(const WindowEvent& event) {
     if (m_focusView != nullptr) m_focusView->onSelectionText(event.text);
     break;
   }
+  return true;
 }
 
-void CFrame::onKeyEvent(const WindowEvent& event) {
+bool CFrame::onKeyEvent(const WindowEvent& event) {
   const CKeyCode key{event.key, event.character, event.modifiers, event.text};
-  if (event.type == WindowEventType::kKeyDown)
-    platformOnKeyDown(key);
-  else
-    platformOnKeyUp(key);
+  return event.type == WindowEventType::kKeyDown ? platformOnKeyDown(key) : platformOnKeyUp(key);
 }
 
 CView* CFrame::viewAt(const CPoint& where) const {
@@ -72,6 +69,7 @@ CView* CFrame::viewAt(const CPoint& where) const {
 }
 
 CMouseEventResult CFrame::platformOnMouseDown(const CPoint& where, const CButtonState& buttons) {
+  m_pointerLeft = false;
   if (m_popup != nullptr) {
     closePopup();
     return CMouseEventResult::kHandledDontNeedMoves;
@@ -111,6 +109,7 @@ CMouseEventResult CFrame::platformOnMouseUp(const CPoint& where, const CButtonSt
 }
 
 CMouseEventResult CFrame::platformOnMouseMoved(const CPoint& where, const CButtonState& buttons) {
+  m_pointerLeft = false;
   if (m_mouseDownView != nullptr) return m_mouseDownView->onMouseMoved(where, buttons);
   setHoverView(viewAt(where), where, buttons);
   return m_hoverView == nullptr ? CMouseEventResult::kNotHandled
@@ -120,14 +119,15 @@ CMouseEventResult CFrame::platformOnMouseMoved(const CPoint& where, const CButto
 void CFrame::platformOnMouseExited() {
   if (m_mouseDownView != nullptr) return;
   setHoverView(nullptr, {-1.0, -1.0}, {});
-  // The host's own keys are to work again.
-  if (!editsText() && m_popup == nullptr) giveKeyboardFocusBack();
+  m_pointerLeft = true;
 }
 
 void CFrame::setHoverView(CView* view, const CPoint& where, const CButtonState& buttons) {
   if (view == m_hoverView) return;
   if (CView* before = std::exchange(m_hoverView, view); before != nullptr)
     before->onMouseExited(where, buttons);
+  m_window->setPointerShape(m_hoverView == nullptr ? platform::PointerShape::kArrow
+                                                   : m_hoverView->getPointerShape());
   if (m_hoverView != nullptr) m_hoverView->onMouseEntered(where, buttons);
 }
 
@@ -138,7 +138,11 @@ bool CFrame::platformOnWheel(const CPoint& where, float distance, const CButtonS
 }
 
 bool CFrame::platformOnKeyDown(const CKeyCode& key) {
-  if (m_popup != nullptr) return m_popup->platformOnKeyDown(key);
+  if (m_popup != nullptr) {
+    // A letter that the list knows nothing of is still no command to the host.
+    m_popup->platformOnKeyDown(key);
+    return true;
+  }
   // Behind a modal view nothing gets keys but a text being edited.
   const bool focusGetsKeys = m_focusView != nullptr && (m_modalView == nullptr || editsText());
   if (focusGetsKeys && m_focusView->onKeyDown(key)) return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/PixelView.h"
+#include "platform/PointerShape.h"
 #include "platform/WindowEvent.h"
 
 #include <chrono>
@@ -17,7 +18,9 @@ namespace qlx::platform {
 class WindowListener {
  public:
   virtual ~WindowListener() = default;
-  virtual void onWindowEvent(const WindowEvent& event) = 0;
+  /// Answers whether the event was used. It counts for keys: a press that isn't used, and the
+  /// release that belongs to it, go on to what had the keyboard before NativeWindow::takeFocus.
+  virtual bool onWindowEvent(const WindowEvent& event) = 0;
 };
 
 /// A window of the desktop whose picture is made elsewhere. User-interface thread only. No
@@ -51,11 +54,15 @@ class NativeWindow {
   /// The system's number of the window, to be handed to a child as its parent.
   virtual std::uintptr_t handle() const = 0;
 
-  /// Asks for the keyboard. What had it is remembered.
+  /// Asks for the keyboard. What had it is remembered, and gets the keys that the listener doesn't
+  /// use.
   virtual void takeFocus() = 0;
 
   /// Gives the keyboard back to what had it before takeFocus, if this window still has it.
   virtual void giveFocusBack() = 0;
+
+  /// Shows this pointer over the window from now on; the arrow unless set.
+  virtual void setPointerShape(PointerShape shape) = 0;
 
   /// Opens an undecorated window of the given size above all others with its corner at (x, y) of
   /// this window's coordinates, moved as far as needed to lie inside the screen. It takes neither
@@ -76,6 +83,16 @@ class NativeWindow {
   virtual std::chrono::milliseconds now() const = 0;
 };
 
+/// How a window of our own presents itself to the desktop.
+struct TopLevelLook {
+  std::string_view title;
+  /// The program's name in lower case, by which the desktop groups its windows and finds its
+  /// entry. Empty: none is told.
+  std::string_view program = {};
+  /// Opaque. Null pixels: the desktop chooses one.
+  PixelView icon = {};
+};
+
 /// Makes windows. The desktop's own is nativeWindowSystem(); tests and pictures without a screen
 /// use platform/offscreen/OffscreenWindow.h.
 class WindowSystem {
@@ -89,7 +106,7 @@ class WindowSystem {
 
   /// A window of our own on the desktop with a title bar and a fixed size. Null when there is no
   /// display.
-  virtual std::unique_ptr<NativeWindow> openTopLevel(std::string_view title, int width,
+  virtual std::unique_ptr<NativeWindow> openTopLevel(const TopLevelLook& look, int width,
                                                      int height) const = 0;
 };
 

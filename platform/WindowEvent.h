@@ -58,7 +58,7 @@ enum class WindowEventType : std::uint8_t {
   kKeyUp,        ///< key, character, modifiers
   kExpose,       ///< x, y, width, height: this area of the window has to be presented again
   kFocusGained,  ///< the window has the keyboard
-  kFocusLost,    ///< the keyboard went elsewhere
+  kFocusLost,    ///< the keyboard went elsewhere, and not for a press on this window
   kPressOutside, ///< to a popup's owner: a button went down outside both, or the owner moved or was
                  ///< hidden
   kSelectionText, ///< answer to NativeWindow::requestText: text (empty when there is none)

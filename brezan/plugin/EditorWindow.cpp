@@ -8,7 +8,7 @@ EditorWindow::EditorWindow(PluginHost& host) : m_host(host) {
   const auto size = host.editorSize();
   if (!size) throw std::runtime_error("the plug-in has no editor");
   m_window =
-      platform::nativeWindowSystem().openTopLevel(host.effectName(), size->width, size->height);
+      platform::nativeWindowSystem().openTopLevel({host.effectName()}, size->width, size->height);
   if (m_window == nullptr) throw std::runtime_error("there is no display to open a window on");
   m_window->setListener(this);
   m_window->show();
@@ -23,8 +23,9 @@ void EditorWindow::idle() {
   m_host.idleEditor();
 }
 
-void EditorWindow::onWindowEvent(const platform::WindowEvent& event) {
+bool EditorWindow::onWindowEvent(const platform::WindowEvent& event) {
   if (event.type == platform::WindowEventType::kClosed) m_open = false;
+  return false;
 }
 
 } // namespace qlx::tools

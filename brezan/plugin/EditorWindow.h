@@ -26,7 +26,7 @@ class EditorWindow final : private platform::WindowListener {
   std::uintptr_t number() const { return m_window->handle(); }
 
  private:
-  void onWindowEvent(const platform::WindowEvent& event) override;
+  bool onWindowEvent(const platform::WindowEvent& event) override;
 
   PluginHost& m_host;
   std::unique_ptr<platform::NativeWindow> m_window;

@@ -17,6 +17,7 @@ class CKickButton : public CControl, public IMultiBitmapControl {
   }
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
   /// With the left button: the maximum while the pointer is inside, else the minimum; redraws a

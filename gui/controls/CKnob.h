@@ -18,6 +18,9 @@ class CKnob : public CControl {
   bool isTypeOf(std::string_view className) const override {
     return className == "CKnob" || CControl::isTypeOf(className);
   }
+  platform::PointerShape getPointerShape() const override {
+    return platform::PointerShape::kUpDown;
+  }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   /// Ends the edit; handled.
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;

@@ -15,6 +15,7 @@ class COnOffButton : public CControl {
   }
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
 
  protected:

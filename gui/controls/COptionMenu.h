@@ -31,6 +31,7 @@ class COptionMenu : public CParamDisplay {
   }
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;

@@ -25,6 +25,7 @@ class CTextEdit : public CTextLabel {
   }
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kText; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;

@@ -22,6 +22,7 @@ class CDialogButton final : public CView {
   void setHighlighted(bool highlighted);
 
   void draw(CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseEntered(const CPoint& where, const CButtonState& buttons) override;

@@ -17,6 +17,7 @@ class CSplashView : public CControl {
   void draw(CDrawContext& context) override;
   /// The whole frame: beside the picture there would be nothing to click but what it covers up.
   bool hitTest(const CPoint& /*where*/) const override { return true; }
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   bool onKeyDown(const CKeyCode& key) override;
 
@@ -42,6 +43,7 @@ class CSplashScreen : public CControl {
   }
   std::unique_ptr<CView> newCopy() const override;
   void draw(CDrawContext& context) override;
+  platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
 
   const CRect& getScreen() const { return m_screen; }

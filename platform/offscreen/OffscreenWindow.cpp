@@ -18,8 +18,10 @@ OffscreenWindow::~OffscreenWindow() {
 
 void OffscreenWindow::pump() {
   const std::vector<WindowEvent> events = std::exchange(m_queue, {});
-  for (const WindowEvent& event : events)
-    if (m_listener != nullptr) m_listener->onWindowEvent(event);
+  for (const WindowEvent& event : events) {
+    const bool used = m_listener != nullptr && m_listener->onWindowEvent(event);
+    if (!used && event.type == WindowEventType::kKeyDown) m_passedOn.push_back(event.key);
+  }
   if (m_popup != nullptr) m_popup->pump();
 }
 
@@ -82,10 +84,10 @@ std::size_t OffscreenWindow::takePresentedPixels() { return std::exchange(m_pres
 
 std::unique_ptr<NativeWindow> HeadlessWindowSystem::openChild(std::uintptr_t parent, int width,
                                                               int height) const {
-  return parent == 0 ? nullptr : openTopLevel({}, width, height);
+  return parent == 0 ? nullptr : openTopLevel(TopLevelLook{}, width, height);
 }
 
-std::unique_ptr<NativeWindow> HeadlessWindowSystem::openTopLevel(std::string_view /*title*/,
+std::unique_ptr<NativeWindow> HeadlessWindowSystem::openTopLevel(const TopLevelLook& /*look*/,
                                                                  int width, int height) const {
   auto window = std::make_unique<OffscreenWindow>(width, height);
   window->m_system = this;

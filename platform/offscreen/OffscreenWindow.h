@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace qlx::platform {
@@ -26,6 +27,7 @@ class OffscreenWindow final : public NativeWindow {
   std::uintptr_t handle() const override { return 1; }
   void takeFocus() override;
   void giveFocusBack() override;
+  void setPointerShape(PointerShape shape) override { m_pointerShape = shape; }
   std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) override;
   PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
@@ -51,6 +53,10 @@ class OffscreenWindow final : public NativeWindow {
 
   bool isShown() const { return m_shown; }
   bool hasFocus() const { return m_focused; }
+  PointerShape pointerShape() const { return m_pointerShape; }
+
+  /// The keys pressed since the last call that the listener did not use.
+  std::vector<VirtualKey> takePassedOn() { return std::exchange(m_passedOn, {}); }
 
   /// The popup that is open over this window, or null.
   OffscreenWindow* popup() const { return m_popup; }
@@ -67,6 +73,7 @@ class OffscreenWindow final : public NativeWindow {
   int m_height;
   std::vector<std::uint32_t> m_pixels;
   std::vector<WindowEvent> m_queue;
+  std::vector<VirtualKey> m_passedOn;
   std::array<std::string, 2> m_selections;
   WindowListener* m_listener = nullptr;
   const HeadlessWindowSystem* m_system = nullptr;
@@ -78,6 +85,7 @@ class OffscreenWindow final : public NativeWindow {
   bool m_open = true;
   bool m_shown = false;
   bool m_focused = false;
+  PointerShape m_pointerShape = PointerShape::kArrow;
 };
 
 /// Makes headless windows; outlives them. The last one made can be looked at while it lives.
@@ -85,7 +93,7 @@ class HeadlessWindowSystem final : public WindowSystem {
  public:
   std::unique_ptr<NativeWindow> openChild(std::uintptr_t parent, int width,
                                           int height) const override;
-  std::unique_ptr<NativeWindow> openTopLevel(std::string_view title, int width,
+  std::unique_ptr<NativeWindow> openTopLevel(const TopLevelLook& look, int width,
                                              int height) const override;
 
   OffscreenWindow* lastWindow() const { return m_last; }

@@ -17,7 +17,7 @@ class EditorOnDisplay : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
-    host = platform::nativeWindowSystem().openTopLevel("host", 401, 570);
+    host = platform::nativeWindowSystem().openTopLevel({"host"}, 401, 570);
     robot = platform::openWindowRobot();
     ASSERT_NE(host, nullptr);
     ASSERT_NE(robot, nullptr);

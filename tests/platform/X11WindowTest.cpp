@@ -22,7 +22,10 @@ std::unique_ptr<T, void (*)(void*)> owned(T* reply) {
 
 class Listener : public WindowListener {
  public:
-  void onWindowEvent(const WindowEvent& event) override { events.push_back(event); }
+  bool onWindowEvent(const WindowEvent& event) override {
+    events.push_back(event);
+    return usesKeys;
+  }
 
   std::size_t count(WindowEventType type) const {
     return static_cast<std::size_t>(std::count_if(
@@ -35,6 +38,7 @@ class Listener : public WindowListener {
   }
 
   std::vector<WindowEvent> events;
+  bool usesKeys = true;
 };
 
 // Plays the host: a connection of its own and a window that editors are put into.
@@ -195,7 +199,7 @@ TEST(X11Picture, ArrivesThroughTheConnection) { expectPictureArrives({"-extensio
 TEST(X11NoDisplay, GivesNoWindow) {
   unsetenv("DISPLAY");
   EXPECT_EQ(nativeWindowSystem().openChild(1234, kWidth, kHeight), nullptr);
-  EXPECT_EQ(nativeWindowSystem().openTopLevel("x", kWidth, kHeight), nullptr);
+  EXPECT_EQ(nativeWindowSystem().openTopLevel({"x"}, kWidth, kHeight), nullptr);
 }
 
 TEST_F(X11Windows, NoSuchParentGivesNoWindow) {

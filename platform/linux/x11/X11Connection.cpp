@@ -112,7 +112,7 @@ void X11Connection::internAtoms() {
     std::string_view name;
     xcb_atom_t X11Atoms::*place;
   };
-  constexpr std::array<Wanted, 10> kWanted{{
+  constexpr std::array<Wanted, 11> kWanted{{
       {"CLIPBOARD", &X11Atoms::clipboard},
       {"UTF8_STRING", &X11Atoms::utf8String},
       {"TARGETS", &X11Atoms::targets},
@@ -123,6 +123,7 @@ void X11Connection::internAtoms() {
       {"_NET_WM_WINDOW_TYPE", &X11Atoms::netWmWindowType},
       {"_NET_WM_WINDOW_TYPE_POPUP_MENU", &X11Atoms::netWmWindowTypePopupMenu},
       {"_XEMBED_INFO", &X11Atoms::xembedInfo},
+      {"_NET_WM_ICON", &X11Atoms::netWmIcon},
   }};
   std::array<xcb_intern_atom_cookie_t, kWanted.size()> asked{};
   for (std::size_t i = 0; i < kWanted.size(); ++i)
@@ -137,6 +138,25 @@ void X11Connection::internAtoms() {
 void X11Connection::askForShm() {
   const xcb_query_extension_reply_t* extension = xcb_get_extension_data(m_xcb, &xcb_shm_id);
   m_hasShm = extension != nullptr && extension->present != 0;
+}
+
+// From the font that every display has.
+xcb_cursor_t X11Connection::cursor(PointerShape shape) {
+  constexpr std::array<std::uint16_t, 4> kGlyphs{0, 116, 60,
+                                                 152}; // sb_v_double_arrow, hand2, xterm
+  const auto index = static_cast<std::size_t>(shape);
+  xcb_cursor_t& cursor = m_cursors[index];
+  if (shape == PointerShape::kArrow || cursor != 0) return cursor;
+  constexpr std::string_view kName = "cursor";
+  const xcb_font_t font = xcb_generate_id(m_xcb);
+  cursor = xcb_generate_id(m_xcb);
+  xcb_open_font(m_xcb, font, static_cast<std::uint16_t>(kName.size()), kName.data());
+  // A glyph is followed by its mask: black, with a white edge.
+  xcb_create_glyph_cursor(m_xcb, cursor, font, font, kGlyphs[index],
+                          static_cast<std::uint16_t>(kGlyphs[index] + 1), 0, 0, 0, 0xFFFF, 0xFFFF,
+                          0xFFFF);
+  xcb_close_font(m_xcb, font);
+  return cursor;
 }
 
 void X11Connection::removeWindow(X11Window& window) { std::erase(m_windows, &window); }
@@ -172,10 +192,17 @@ xcb_window_t targetOf(const xcb_generic_event_t& event) {
   }
 }
 
+// Changes of the keyboard, as the core protocol and as the keyboard extension tell them.
+bool isForAll(const xcb_generic_event_t& event) {
+  constexpr std::uint8_t kFirstOfExtensions = 64;
+  const std::uint8_t code = event.response_type & kEventCode;
+  return code == XCB_MAPPING_NOTIFY || code >= kFirstOfExtensions;
+}
+
 } // namespace
 
 void X11Connection::route(const xcb_generic_event_t& event) {
-  const bool forAll = (event.response_type & kEventCode) == XCB_MAPPING_NOTIFY;
+  const bool forAll = isForAll(event);
   const xcb_window_t target = targetOf(event);
   // By number: a listener may open or close windows meanwhile.
   for (std::size_t i = 0; i < m_windows.size(); ++i)

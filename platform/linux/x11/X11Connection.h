@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/PointerShape.h"
+
 #include <xcb/xcb.h>
 
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -45,6 +48,7 @@ struct X11Atoms {
   xcb_atom_t netWmWindowType;
   xcb_atom_t netWmWindowTypePopupMenu;
   xcb_atom_t xembedInfo;
+  xcb_atom_t netWmIcon;
 };
 
 /// A connection to the display of our own, so that neither the host's error handlers nor its event
@@ -67,6 +71,9 @@ class X11Connection {
   bool hasShm() const { return m_hasShm; }
   bool isAlive() const { return xcb_connection_has_error(m_xcb) == 0; }
 
+  /// The display's picture for a shape of the pointer; 0 for the arrow, which is everybody's.
+  xcb_cursor_t cursor(PointerShape shape);
+
   void addWindow(X11Window& window) { m_windows.push_back(&window); }
   void removeWindow(X11Window& window);
 
@@ -87,6 +94,7 @@ class X11Connection {
   xcb_colormap_t m_colormap = 0;
   X11Atoms m_atoms{};
   bool m_hasShm = false;
+  std::array<xcb_cursor_t, 4> m_cursors{}; ///< by PointerShape; 0: not made yet
   std::vector<X11Window*> m_windows;
 };
 

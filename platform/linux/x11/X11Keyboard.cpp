@@ -1,5 +1,10 @@
 #include "platform/linux/x11/X11Keyboard.h"
 
+// A member of a record in there has a name that C++ keeps for itself.
+#define explicit explicitMember
+#include <xcb/xkb.h>
+#undef explicit
+
 #include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
@@ -74,35 +79,57 @@ std::string_view localeName() {
 } // namespace
 
 X11Keyboard::X11Keyboard(X11Connection& connection)
-    : m_context(xkb_context_new(XKB_CONTEXT_NO_FLAGS)) {
-  if (m_context != nullptr) {
-    // A keyboard that can't be read must not write into the host's output.
-    xkb_context_set_log_level(m_context.get(), XKB_LOG_LEVEL_CRITICAL);
-    loadMap(connection);
-    loadCompose();
-  }
-  if (m_state == nullptr) loadCoreMap(connection);
+    : m_connection(connection), m_context(xkb_context_new(XKB_CONTEXT_NO_FLAGS)) {
+  if (m_context == nullptr) return;
+  // A keyboard that can't be read must not write into the host's output.
+  xkb_context_set_log_level(m_context.get(), XKB_LOG_LEVEL_CRITICAL);
+  loadCompose();
+  startExtension();
 }
 
-void X11Keyboard::loadMap(X11Connection& connection) {
-  xcb_connection_t* xcb = connection.xcb();
+// Asks to be told of every change of the map. A program that uses the extension no longer hears of
+// it by MappingNotify. The group in force needs no notice: every key event carries it.
+void X11Keyboard::startExtension() {
+  xcb_connection_t* xcb = m_connection.xcb();
   if (xkb_x11_setup_xkb_extension(xcb, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
-                                  XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr,
-                                  nullptr) == 0)
+                                  XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr,
+                                  &m_extensionCode, nullptr) == 0)
     return;
-  const std::int32_t device = xkb_x11_get_core_keyboard_device_id(xcb);
-  if (device < 0) return;
-  m_map.reset(
-      xkb_x11_keymap_new_from_device(m_context.get(), xcb, device, XKB_KEYMAP_COMPILE_NO_FLAGS));
-  if (m_map != nullptr) m_state.reset(xkb_state_new(m_map.get()));
+  m_device = xkb_x11_get_core_keyboard_device_id(xcb);
+  if (m_device < 0) return;
+  constexpr std::uint16_t kEvents =
+      XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+  constexpr std::uint16_t kMapParts = 0xFF;
+  xcb_xkb_select_events(xcb, static_cast<xcb_xkb_device_spec_t>(m_device), kEvents, 0, kEvents,
+                        kMapParts, kMapParts, nullptr);
 }
 
-void X11Keyboard::loadCoreMap(X11Connection& connection) {
-  const xcb_setup_t* setup = xcb_get_setup(connection.xcb());
+void X11Keyboard::handleEvent(const xcb_generic_event_t& event) {
+  const std::uint8_t code = event.response_type & 0x7F;
+  m_stale = m_stale || code == XCB_MAPPING_NOTIFY || (m_device >= 0 && code == m_extensionCode);
+}
+
+void X11Keyboard::load() {
+  m_stale = false;
+  if (!loadMap()) loadCoreMap();
+}
+
+bool X11Keyboard::loadMap() {
+  if (m_device < 0) return false;
+  m_state.reset();
+  m_map.reset(xkb_x11_keymap_new_from_device(m_context.get(), m_connection.xcb(), m_device,
+                                             XKB_KEYMAP_COMPILE_NO_FLAGS));
+  if (m_map != nullptr) m_state.reset(xkb_state_new(m_map.get()));
+  return m_state != nullptr;
+}
+
+void X11Keyboard::loadCoreMap() {
+  const xcb_setup_t* setup = xcb_get_setup(m_connection.xcb());
   m_coreFirst = setup->min_keycode;
   const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
   const Reply<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
-      connection.xcb(), xcb_get_keyboard_mapping(connection.xcb(), m_coreFirst, count), nullptr));
+      m_connection.xcb(), xcb_get_keyboard_mapping(m_connection.xcb(), m_coreFirst, count),
+      nullptr));
   if (reply == nullptr) return;
   const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
   m_corePerKey = reply->keysyms_per_keycode;
@@ -163,6 +190,7 @@ std::string X11Keyboard::textOf(xkb_keysym_t symbol) const {
 }
 
 void X11Keyboard::translate(const xcb_key_press_event_t& from, WindowEvent& to) {
+  if (m_stale) load();
   const xkb_keysym_t symbol = symbolOf(from);
   to.key = virtualKeyOf(symbol);
   to.character = static_cast<char32_t>(xkb_keysym_to_utf32(symbol));

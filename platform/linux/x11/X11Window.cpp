@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace qlx::platform {
 
@@ -67,6 +70,7 @@ bool X11Window::create(xcb_window_t parent, int x, int y, bool overrideRedirect)
   const Reply<xcb_generic_error_t> error(xcb_request_check(xcb, asked));
   if (error != nullptr || !m_connection.isAlive()) return false;
   m_window = window;
+  m_parent = parent;
   m_open = true;
   m_picture.emplace(m_connection, window, m_width, m_height);
   m_selections.emplace(m_connection, window);
@@ -83,44 +87,61 @@ std::unique_ptr<X11Window> X11Window::createChild(std::unique_ptr<X11Connection>
   if (!window->create(parent, 0, 0, false)) return nullptr;
   // Version 0 of the embedding protocol; 1: to be shown.
   const std::array<std::uint32_t, 2> embed{0, 1};
-  const xcb_atom_t atom = shared.atoms().xembedInfo;
-  xcb_change_property(shared.xcb(), XCB_PROP_MODE_REPLACE, window->m_window, atom, atom, 32,
-                      static_cast<std::uint32_t>(embed.size()), embed.data());
+  window->setProperty(shared.atoms().xembedInfo, shared.atoms().xembedInfo, embed);
   xcb_flush(shared.xcb());
   return window;
 }
 
 std::unique_ptr<X11Window> X11Window::createTopLevel(std::unique_ptr<X11Connection> connection,
-                                                     std::string_view title, int width,
+                                                     const TopLevelLook& look, int width,
                                                      int height) {
   const BrokenPipeGuard guard;
   X11Connection& shared = *connection;
   std::unique_ptr<X11Window> window(
       new X11Window(std::move(connection), shared, nullptr, width, height));
   if (!window->create(shared.screen().root, 0, 0, false)) return nullptr;
-  window->setTitle(title);
+  window->setLook(look);
   xcb_flush(shared.xcb());
   return window;
 }
 
-void X11Window::setTitle(std::string_view title) {
-  xcb_connection_t* xcb = m_connection.xcb();
+void X11Window::setProperty(xcb_atom_t name, xcb_atom_t type, std::string_view text) {
+  xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_REPLACE, m_window, name, type, 8,
+                      static_cast<std::uint32_t>(text.size()), text.data());
+}
+
+void X11Window::setProperty(xcb_atom_t name, xcb_atom_t type,
+                            std::span<const std::uint32_t> words) {
+  xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_REPLACE, m_window, name, type, 32,
+                      static_cast<std::uint32_t>(words.size()), words.data());
+}
+
+void X11Window::setLook(const TopLevelLook& look) {
   const X11Atoms& atoms = m_connection.atoms();
-  const auto length = static_cast<std::uint32_t>(title.size());
-  xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
-                      length, title.data());
-  xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmName, atoms.utf8String, 8,
-                      length, title.data());
-  xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, m_window, atoms.wmProtocols, XCB_ATOM_ATOM, 32, 1,
-                      &atoms.wmDeleteWindow);
+  setProperty(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, look.title);
+  setProperty(atoms.netWmName, atoms.utf8String, look.title);
+  setProperty(atoms.wmProtocols, XCB_ATOM_ATOM, std::array{std::uint32_t{atoms.wmDeleteWindow}});
   // Size hints: 18 words, of which smallest (5, 6) and largest size (7, 8) count.
   constexpr std::uint32_t kMinAndMaxSize = (1U << 4) | (1U << 5);
   std::array<std::uint32_t, 18> hints{kMinAndMaxSize};
   hints[5] = hints[7] = static_cast<std::uint32_t>(m_width);
   hints[6] = hints[8] = static_cast<std::uint32_t>(m_height);
-  xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_NORMAL_HINTS,
-                      XCB_ATOM_WM_SIZE_HINTS, 32, static_cast<std::uint32_t>(hints.size()),
-                      hints.data());
+  setProperty(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
+  if (!look.program.empty()) {
+    // Instance and class, each with its end: brezan, Brezan.
+    std::string name(look.program);
+    std::string instanceAndClass = name + '\0';
+    name.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(name.front())));
+    instanceAndClass += name + '\0';
+    setProperty(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, instanceAndClass);
+  }
+  if (look.icon.pixels != nullptr) {
+    std::vector<std::uint32_t> icon{static_cast<std::uint32_t>(look.icon.width),
+                                    static_cast<std::uint32_t>(look.icon.height)};
+    icon.insert(icon.end(), look.icon.pixels,
+                look.icon.pixels + static_cast<std::ptrdiff_t>(look.icon.width) * look.icon.height);
+    setProperty(atoms.netWmIcon, XCB_ATOM_CARDINAL, icon);
+  }
 }
 
 void X11Window::show() {
@@ -191,9 +212,38 @@ void X11Window::onFocus(const xcb_focus_in_event_t& event, bool in) {
   if (grab || event.detail >= XCB_NOTIFY_DETAIL_POINTER || in == m_focused) return;
   m_focused = in;
   selectKeys(in);
+  m_usedKeys.reset();
+  if (!in) {
+    m_loss = FocusLoss::kNoticed;
+  } else if (m_loss != FocusLoss::kNone) {
+    m_loss = FocusLoss::kNone; // it has come back before anybody was told
+  } else {
+    WindowEvent out;
+    out.type = WindowEventType::kFocusGained;
+    emit(out);
+  }
+}
+
+// Some window managers give the focus to the top-level window at every click, so a click on this
+// window takes the focus from it first. The click may arrive a moment after the loss: a loss is
+// told at the pump after the one that it came with, unless a press comes before.
+void X11Window::settleFocusLoss() {
+  const FocusLoss loss = m_loss;
+  if (loss == FocusLoss::kNoticed) m_loss = FocusLoss::kDue;
+  if (loss != FocusLoss::kDue) return;
+  m_loss = FocusLoss::kNone;
   WindowEvent out;
-  out.type = in ? WindowEventType::kFocusGained : WindowEventType::kFocusLost;
+  out.type = WindowEventType::kFocusLost;
   emit(out);
+}
+
+void X11Window::setPointerShape(PointerShape shape) {
+  if (!isOpen() || shape == m_pointerShape) return;
+  const BrokenPipeGuard guard;
+  m_pointerShape = shape;
+  const std::uint32_t cursor = m_connection.cursor(shape);
+  xcb_change_window_attributes(m_connection.xcb(), m_window, XCB_CW_CURSOR, &cursor);
+  xcb_flush(m_connection.xcb());
 }
 
 // --- Popups ---
@@ -264,11 +314,12 @@ void X11Window::pump() {
   emitMotion();
   if (m_popup != nullptr) m_popup->emitMotion();
   watchPopup();
+  settleFocusLoss();
   if (!m_connection.isAlive()) closed();
 }
 
-void X11Window::emit(const WindowEvent& event) {
-  if (m_listener != nullptr) m_listener->onWindowEvent(event);
+bool X11Window::emit(const WindowEvent& event) {
+  return m_listener != nullptr && m_listener->onWindowEvent(event);
 }
 
 void X11Window::emitMotion() {
@@ -324,6 +375,10 @@ void X11Window::onButton(const xcb_button_press_event_t& event, bool press) {
   }
   out.type = press ? WindowEventType::kMouseDown : WindowEventType::kMouseUp;
   m_held = press ? m_held | out.button : m_held & ~out.button;
+  if (press && m_loss != FocusLoss::kNone) {
+    m_loss = FocusLoss::kNone;
+    takeFocus();
+  }
   if (press) {
     const Press& last = m_lastPress;
     out.doubleClick = last.button == out.button &&
@@ -342,7 +397,31 @@ void X11Window::onKey(const xcb_key_press_event_t& event, bool press) {
   out.type = press ? WindowEventType::kKeyDown : WindowEventType::kKeyUp;
   out.modifiers = modifiersOf(event.state);
   m_keyboard->translate(event, out);
-  emit(out);
+  const bool used = emit(out);
+  const bool usedHere = press ? used : m_usedKeys.test(event.detail); // a release follows its press
+  m_usedKeys.set(event.detail, press && used);
+  if (!usedHere) passOn(event);
+}
+
+// To the window that had the focus before. Where the focus followed the pointer that is the one
+// around this window, or the next one outwards that wants keys.
+void X11Window::passOn(xcb_key_press_event_t event) const {
+  if (m_focusBefore == 0) return;
+  xcb_connection_t* xcb = m_connection.xcb();
+  const bool followedPointer = m_focusBefore == XCB_INPUT_FOCUS_POINTER_ROOT;
+  const xcb_window_t target = followedPointer ? m_parent : m_focusBefore;
+  const Reply<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
+      xcb, xcb_translate_coordinates(xcb, event.root, target, event.root_x, event.root_y),
+      nullptr));
+  if (place == nullptr) return; // the window is gone
+  event.event = target;
+  event.child = XCB_NONE;
+  event.event_x = place->dst_x;
+  event.event_y = place->dst_y;
+  const bool press = (event.response_type & 0x7F) == XCB_KEY_PRESS;
+  xcb_send_event(xcb, 1, target, press ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE,
+                 reinterpret_cast<const char*>(&event));
+  xcb_flush(xcb);
 }
 
 void X11Window::handleEvent(const xcb_generic_event_t& event) {
@@ -399,10 +478,9 @@ void X11Window::handleEvent(const xcb_generic_event_t& event) {
     emit(out);
     break;
   }
-  case XCB_MAPPING_NOTIFY:
-    m_keyboard.reset(); // read anew at the next key
+  default: // a change of the keyboard
+    if (m_keyboard != nullptr) m_keyboard->handleEvent(event);
     break;
-  default: break;
   }
 }
 

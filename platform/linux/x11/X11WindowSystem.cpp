@@ -18,11 +18,11 @@ class X11WindowSystem final : public WindowSystem {
                                   height);
   }
 
-  std::unique_ptr<NativeWindow> openTopLevel(std::string_view title, int width,
+  std::unique_ptr<NativeWindow> openTopLevel(const TopLevelLook& look, int width,
                                              int height) const override {
     auto connection = X11Connection::open();
     if (connection == nullptr) return nullptr;
-    return X11Window::createTopLevel(std::move(connection), title, width, height);
+    return X11Window::createTopLevel(std::move(connection), look, width, height);
   }
 };
 
