@@ -228,6 +228,26 @@ TEST_F(OpenEditor, KeysReachTheLeverByBothRoads) {
   EXPECT_FALSE(rig.editor->onKeyDown({'a', 0, 0}));
 }
 
+TEST_F(OpenEditor, PointerTellsWhatCanBeDone) {
+  using enum platform::PointerShape;
+  const struct {
+    const char* what;
+    int x, y;
+    platform::PointerShape shape;
+  } places[]{{"knob", 87, 75, kUpDown},        {"panel", 10, 10, kArrow},
+             {"lever", 357, 244, kUpDown},     {"stop", 372, 365, kHand},
+             {"plate", 100, 165, kHand},       {"bypass", 369, 543, kHand},
+             {"MIDI channel", 62, 543, kHand}, {"name", 204, 561, kText},
+             {"menu", 269, 561, kHand},        {"next preset", 302, 561, kHand},
+             {"save bank", 10, 561, kHand},    {"memory A", 339, 561, kHand},
+             {"manual", 392, 561, kHand}};
+  for (const auto& place : places) {
+    rig.mouse(platform::WindowEventType::kMouseMove, place.x, place.y, 0);
+    rig.editor->idle();
+    EXPECT_EQ(rig.window().pointerShape(), place.shape) << place.what;
+  }
+}
+
 TEST_F(OpenEditor, NameCanBeTypedThroughTheHost) {
   rig.click(200, 561);
   for (const char c : std::string("Hi")) rig.editor->onKeyDown({c, 0, 0});

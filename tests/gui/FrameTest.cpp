@@ -2,6 +2,8 @@
 
 #include "gui/controls/CAnimKnob.h"
 #include "gui/controls/CMovieBitmap.h"
+#include "gui/controls/COptionMenu.h"
+#include "gui/controls/CTextEdit.h"
 #include "gui/controls/CTextLabel.h"
 #include "gui/dialogs/CMessageBox.h"
 #include "tests/gui/FrameFixture.h"
@@ -82,8 +84,9 @@ TEST_F(Frames, GestureBelongsToTheViewAndButtonThatStartedIt) {
   drag(120, 10);
   press(120, 10, platform::kPointerRight);
   release(120, 10, platform::kPointerRight);
+  drag(130, 10);
   release(120, 10);
-  EXPECT_EQ(take(), "a.down a.move a.up b.enter ");
+  EXPECT_EQ(take(), "a.down a.move a.move a.up b.enter ");
 }
 
 TEST_F(Frames, PressesGoDownUntilTaken) {
@@ -135,10 +138,59 @@ TEST_F(Frames, ModalViewGetsEverything) {
   EXPECT_EQ(take(), "lever.enter lever.move ");
 }
 
-TEST_F(Frames, KeyboardGoesBackWhenThePointerLeaves) {
+TEST_F(Frames, KeyboardGoesBackWhenThePointerLeavesAndNothingIsOpen) {
   frame->takeKeyboardFocus();
   happens(WindowEventType::kMouseLeave);
   EXPECT_FALSE(window->hasFocus());
+
+  frame->takeKeyboardFocus();
+  CMessageBox::show(*frame, "Title", "Text", {"OK"}, {});
+  hover(10, 10);
+  happens(WindowEventType::kMouseLeave);
+  EXPECT_TRUE(window->hasFocus()) << "a dialog is to be answered";
+  key(VirtualKey::kReturn);
+  ASSERT_EQ(frame->getModalView(), nullptr);
+  frame->idle();
+  EXPECT_FALSE(window->hasFocus());
+}
+
+TEST_F(Frames, KeysThatNobodyUsesAreTheHosts) {
+  add({0, 0, 50, 50}, "lever").setWantsFocus(true);
+  key(VirtualKey::kSpace);
+  EXPECT_EQ(window->takePassedOn(), std::vector{VirtualKey::kSpace});
+  click(10, 10);
+  key(VirtualKey::kSpace);
+  EXPECT_TRUE(window->takePassedOn().empty()) << "the lever used it";
+  click(150, 80);
+  frame->setFocusView(nullptr);
+  auto& menu = frame->addView(std::make_unique<COptionMenu>(CRect{150, 0, 170, 20}, nullptr, 1));
+  menu.addEntry("entry");
+  menu.popup();
+  type("r");
+  EXPECT_TRUE(window->takePassedOn().empty()) << "not even the letters that a list does not know";
+  menu.closePopup();
+  CMessageBox::show(*frame, "Title", "Text", {"OK"}, {});
+  type("r");
+  EXPECT_TRUE(window->takePassedOn().empty());
+}
+
+TEST_F(Frames, PointerShapeIsThatOfTheViewBelow) {
+  using platform::PointerShape;
+  const auto strip = testStrip(20, 20, 2);
+  frame->addView(std::make_unique<CAnimKnob>(CRect{0, 0, 20, 20}, nullptr, 1, 2, 20, strip));
+  frame->addView(std::make_unique<CTextEdit>(CRect{50, 0, 90, 20}, nullptr, 2, "name"));
+  hover(10, 10);
+  EXPECT_EQ(window->pointerShape(), PointerShape::kUpDown);
+  press(10, 10);
+  drag(60, 10);
+  EXPECT_EQ(window->pointerShape(), PointerShape::kUpDown) << "as long as the gesture goes on";
+  release(60, 10);
+  EXPECT_EQ(window->pointerShape(), PointerShape::kText);
+  hover(150, 80);
+  EXPECT_EQ(window->pointerShape(), PointerShape::kArrow);
+  hover(60, 10);
+  CMessageBox::show(*frame, "Title", "Text", {"OK"}, {});
+  EXPECT_EQ(window->pointerShape(), PointerShape::kArrow);
 }
 
 TEST_F(Frames, ViewTakenOutMidGestureHearsNoMore) {

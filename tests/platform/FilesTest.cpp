@@ -8,10 +8,28 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+// What was flushed, and what the file to be replaced held then.
+std::vector<std::string> flushed;
+std::string watched;
+
+} // namespace
+
+extern "C" int fsync(int file) {
+  std::error_code error;
+  const auto link = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file), error);
+  if (!watched.empty())
+    flushed.push_back(link.string() + " " +
+                      std::to_string(std::filesystem::file_size(watched, error)));
+  return static_cast<int>(::syscall(SYS_fsync, file));
+}
 
 namespace qlx::test {
 namespace {
@@ -61,6 +79,18 @@ TEST_F(ReplaceFile, WritesNewAndReplacesOldFiles) {
   EXPECT_TRUE(platform::replaceFile(folder / "empty", {}));
   EXPECT_EQ(readBytes(folder / "a"), bytes.after);
   EXPECT_EQ(folder.entries(), 2U);
+}
+
+// Otherwise a power cut could leave an empty file in the place of the old one.
+TEST_F(ReplaceFile, IsOnTheDiskBeforeItTakesThePlace) {
+  const std::string size = std::to_string(bytes.before.size());
+  ASSERT_TRUE(platform::replaceFile(folder / "a", bytes.before));
+  watched = folder / "a";
+  ASSERT_TRUE(platform::replaceFile(folder / "a", bytes.after));
+  watched.clear();
+  ASSERT_EQ(flushed.size(), 2U) << "the file, then the folder";
+  EXPECT_TRUE(flushed[0].ends_with(".part " + size)) << flushed[0];
+  EXPECT_EQ(flushed[1], folder.path().string() + " " + std::to_string(bytes.after.size()));
 }
 
 TEST_F(ReplaceFile, KeepsPermissionsAndLinks) {

@@ -123,6 +123,15 @@ TEST_F(DesktopDialogs, ADialogLostWithItsPortalIsAskedForAgain) {
   EXPECT_EQ(answer(), "/from/zenity.qlx");
 }
 
+TEST_F(DesktopDialogs, ABusThatEndsLeavesTheHostAlive) {
+  programs.write("zenity", kZenityAnswers);
+  startPortal(Manner::Accepts);
+  ASSERT_TRUE(open());
+  ASSERT_TRUE(accepted());
+  bus.reset();
+  EXPECT_EQ(answer(), "/from/zenity.qlx");
+}
+
 TEST_F(DesktopDialogs, ADismissedPortalDialogIsClosedAndItsLateAnswerLost) {
   startPortal(Manner::Accepts);
   ASSERT_TRUE(open());

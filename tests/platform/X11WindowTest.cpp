@@ -2,14 +2,47 @@
 #include "tests/support/ProcessResources.h"
 #include "tests/support/VirtualDisplay.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <thread>
+
+namespace {
+
+// In words, as of a display that takes no more (0: what it says itself), and the largest sent.
+std::uint32_t requestLimit = 0;
+std::uint32_t largestPicture = 0;
+
+template <typename F>
+F* next(F* /*type*/, const char* name) {
+  return reinterpret_cast<F*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+extern "C" std::uint32_t xcb_get_maximum_request_length(xcb_connection_t* xcb) {
+  return requestLimit != 0
+             ? requestLimit
+             : next(&xcb_get_maximum_request_length, "xcb_get_maximum_request_length")(xcb);
+}
+
+extern "C" xcb_void_cookie_t xcb_put_image(xcb_connection_t* xcb, std::uint8_t format,
+                                           xcb_drawable_t to, xcb_gcontext_t gc,
+                                           std::uint16_t width, std::uint16_t height,
+                                           std::int16_t x, std::int16_t y, std::uint8_t pad,
+                                           std::uint8_t depth, std::uint32_t length,
+                                           const std::uint8_t* data) {
+  constexpr std::uint32_t kHead = sizeof(xcb_put_image_request_t) / 4;
+  largestPicture = std::max(largestPicture, kHead + length / 4);
+  return next(&xcb_put_image, "xcb_put_image")(xcb, format, to, gc, width, height, x, y, pad, depth,
+                                               length, data);
+}
 
 namespace qlx::platform::test {
 
@@ -47,7 +80,8 @@ class Host {
   Host() : m_xcb(xcb_connect(nullptr, nullptr)) {
     m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_xcb)).data;
     m_window = xcb_generate_id(m_xcb);
-    const std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_KEY_PRESS};
+    const std::array<std::uint32_t, 2> values{1, XCB_EVENT_MASK_KEY_PRESS |
+                                                     XCB_EVENT_MASK_KEY_RELEASE};
     xcb_create_window(m_xcb, XCB_COPY_FROM_PARENT, m_window, m_screen->root, 100, 100, 300, 200, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                       XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values.data());
@@ -101,7 +135,8 @@ class Host {
   }
   // The button and key records have one layout.
   void send(std::uintptr_t to, std::uint8_t type, std::uint8_t detail, std::int16_t x,
-            std::int16_t y, std::uint16_t state, xcb_timestamp_t time = 0) {
+            std::int16_t y, std::uint16_t state, xcb_timestamp_t time = 0,
+            std::uint32_t toWhoAskedFor = XCB_EVENT_MASK_NO_EVENT) {
     xcb_button_press_event_t event{};
     event.response_type = type;
     event.detail = detail;
@@ -112,9 +147,21 @@ class Host {
     event.event_y = y;
     event.state = state;
     event.same_screen = 1;
-    xcb_send_event(m_xcb, 0, event.event, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char*>(&event));
+    xcb_send_event(m_xcb, 0, event.event, toWhoAskedFor, reinterpret_cast<const char*>(&event));
     sync();
+  }
+  // The keys that came to the window since the last call: "+code" pressed, "-code" released.
+  std::string keys() {
+    sync();
+    std::string all;
+    while (const auto event = owned(xcb_poll_for_event(m_xcb))) {
+      const auto type = event->response_type & 0x7F;
+      if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) continue;
+      const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(*event);
+      EXPECT_EQ(key.event, m_window);
+      all += (type == XCB_KEY_PRESS ? " +" : " -") + std::to_string(key.detail);
+    }
+    return all;
   }
 
  private:
@@ -196,6 +243,16 @@ void expectPictureArrives(const std::vector<std::string>& serverArguments) {
 TEST(X11Picture, ArrivesThroughSharedMemory) { expectPictureArrives({}); }
 TEST(X11Picture, ArrivesThroughTheConnection) { expectPictureArrives({"-extension", "MIT-SHM"}); }
 
+TEST(X11Picture, NoRequestIsLargerThanTheDisplayTakes) {
+  constexpr std::uint32_t kNotQuiteNineRows = 9 * kWidth;
+  requestLimit = kNotQuiteNineRows;
+  largestPicture = 0;
+  expectPictureArrives({"-extension", "MIT-SHM"});
+  EXPECT_LE(largestPicture, requestLimit);
+  EXPECT_GT(largestPicture, 8U * kWidth) << "as many rows as go into one";
+  requestLimit = 0;
+}
+
 TEST(X11NoDisplay, GivesNoWindow) {
   unsetenv("DISPLAY");
   EXPECT_EQ(nativeWindowSystem().openChild(1234, kWidth, kHeight), nullptr);
@@ -238,6 +295,19 @@ TEST_F(X11Windows, DisplayGoneWhileOpen) {
   window->takeFocus();
   popup.reset();
   window.reset();
+}
+
+// A display that hangs up with something still to be read is written to once more.
+TEST_F(X11Windows, DisplayGoneInTheMiddleOfAWrite) {
+  signal(SIGPIPE, SIG_DFL);
+  open();
+  host->send(window->handle(), XCB_BUTTON_PRESS, 1, 5, 6, 0);
+  display.kill();
+  const std::vector<std::uint32_t> picture = testPicture();
+  const std::array<PixelRect, 1> all{PixelRect{0, 0, kWidth, kHeight}};
+  window->present({picture.data(), kWidth, kHeight}, all);
+  window->giveFocusBack();
+  EXPECT_TRUE(comes(WindowEventType::kClosed));
 }
 
 TEST_F(X11Windows, TwoEditorsSideBySide) {
@@ -326,6 +396,65 @@ TEST_F(X11Windows, FocusIsTakenAndGivenBack) {
       << "what was taken elsewhere is left there";
 }
 
+TEST_F(X11Windows, FocusOfTheWindowManagersIsFocusToo) {
+  open();
+  const auto key = [this] {
+    host->send(window->handle(), XCB_KEY_PRESS, 65, 0, 0, 0, 0, XCB_EVENT_MASK_KEY_PRESS);
+    window->pump();
+    return listener.count(WindowEventType::kKeyDown);
+  };
+  EXPECT_EQ(key(), 0U) << "no keys are asked for without the focus";
+  host->focus(static_cast<xcb_window_t>(window->handle()));
+  ASSERT_TRUE(comes(WindowEventType::kFocusGained));
+  EXPECT_TRUE(pumpUntil([&key] { return key() > 0; }));
+}
+
+TEST_F(X11Windows, FocusLossForAPressOnTheWindowItselfIsNone) {
+  open();
+  window->takeFocus();
+  ASSERT_TRUE(comes(WindowEventType::kFocusGained));
+  for (const bool late : {false, true}) {
+    SCOPED_TRACE(late);
+    listener.events.clear();
+    host->focus(host->window());
+    if (late) window->pump();
+    host->send(window->handle(), XCB_BUTTON_PRESS, 1, 5, 6, 0);
+    for (int i = 0; i < 3; ++i) window->pump();
+    EXPECT_EQ(listener.count(WindowEventType::kMouseDown), 1U);
+    EXPECT_EQ(listener.count(WindowEventType::kFocusLost), 0U);
+    EXPECT_EQ(host->focused(), window->handle());
+    host->send(window->handle(), XCB_BUTTON_RELEASE, 1, 5, 6, 0);
+    window->pump();
+  }
+  host->focus(host->window());
+  EXPECT_TRUE(comes(WindowEventType::kFocusLost)) << "without a press it is one";
+}
+
+TEST_F(X11Windows, UnusedKeysGoToWhatHadTheFocus) {
+  open();
+  for (const xcb_window_t before : {host->window(), xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}}) {
+    SCOPED_TRACE(before);
+    host->focus(before);
+    listener.events.clear();
+    window->takeFocus();
+    ASSERT_TRUE(comes(WindowEventType::kFocusGained));
+    const auto key = [this](std::uint8_t type, std::uint8_t code, bool used) {
+      listener.usesKeys = used;
+      host->send(window->handle(), type, code, 0, 0, 0);
+      window->pump();
+    };
+    key(XCB_KEY_PRESS, 65, false);
+    key(XCB_KEY_RELEASE, 65, true);
+    key(XCB_KEY_PRESS, 38, true);
+    key(XCB_KEY_RELEASE, 38, false);
+    key(XCB_KEY_RELEASE, 40, false);
+    EXPECT_EQ(host->keys(), " +65 -65 -40") << "a release follows its press";
+    window->giveFocusBack();
+    ASSERT_TRUE(comes(WindowEventType::kFocusLost));
+  }
+  host->destroyWindow();
+}
+
 struct KeyCase {
   xcb_keysym_t symbol;
   std::uint16_t state;
@@ -370,6 +499,21 @@ TEST_F(X11Windows, KeysAndText) {
     EXPECT_EQ(event.key, c.key);
     EXPECT_EQ(event.character, c.character);
     EXPECT_EQ(event.text, c.text);
+  }
+  constexpr xcb_keysym_t kAnother = 'y';
+  xcb_change_keyboard_mapping(host->xcb(), 1, kFirst, 1, &kAnother);
+  listener.events.clear();
+  host->send(window->handle(), XCB_KEY_PRESS, kFirst, 0, 0, 0);
+  ASSERT_TRUE(comes(WindowEventType::kKeyDown));
+  EXPECT_EQ(listener.last(WindowEventType::kKeyDown)->text, "y") << "the map has changed since";
+  // Two layouts: the event says which of them is in force.
+  ASSERT_EQ(std::system("setxkbmap us,de"), 0);
+  constexpr std::uint16_t kSecondGroup = 1U << 13;
+  for (const std::uint16_t state : {std::uint16_t{0}, kSecondGroup}) {
+    listener.events.clear();
+    host->send(window->handle(), XCB_KEY_PRESS, 29, 0, 0, state);
+    ASSERT_TRUE(comes(WindowEventType::kKeyDown));
+    EXPECT_EQ(listener.last(WindowEventType::kKeyDown)->text, state == 0 ? "y" : "z");
   }
 }
 

@@ -1,0 +1,249 @@
+// Who gets the keys: the editor in a host's window on a display, with a real keyboard and pointer,
+// without a window manager and under one that gives the focus to the top-level window at every
+// click.
+#include "tests/editor/EditorRig.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/VirtualDisplay.h"
+
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <thread>
+
+extern char** environ;
+
+namespace qlx::test {
+namespace {
+
+template <typename T>
+std::unique_ptr<T, void (*)(void*)> owned(T* reply) {
+  return {reply, std::free};
+}
+
+constexpr std::uint16_t kWidth = 401;
+constexpr std::uint16_t kHeight = 570;
+constexpr std::uint16_t kRim = 60; // of the host's own, below the editor
+
+/// A host's top-level window that writes down the keys it gets.
+class HostWindow {
+ public:
+  HostWindow() : m_xcb(xcb_connect(nullptr, nullptr)), m_window(xcb_generate_id(m_xcb)) {
+    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_xcb)).data->root;
+    const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE;
+    xcb_create_window(m_xcb, XCB_COPY_FROM_PARENT, m_window, m_root, 0, 0, kWidth, kHeight + kRim,
+                      0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                      &events);
+    xcb_map_window(m_xcb, m_window);
+    sync();
+  }
+  ~HostWindow() { xcb_disconnect(m_xcb); }
+  HostWindow(const HostWindow&) = delete;
+  HostWindow& operator=(const HostWindow&) = delete;
+
+  xcb_window_t window() const { return m_window; }
+  xcb_window_t focused() const {
+    return owned(xcb_get_input_focus_reply(m_xcb, xcb_get_input_focus(m_xcb), nullptr))->focus;
+  }
+  void takeFocus() const {
+    xcb_set_input_focus(m_xcb, XCB_INPUT_FOCUS_PARENT, m_window, XCB_CURRENT_TIME);
+    sync();
+  }
+  /// Where the window lies on the screen; a window manager puts a frame around it.
+  std::pair<int, int> corner() const {
+    const auto at = owned(xcb_translate_coordinates_reply(
+        m_xcb, xcb_translate_coordinates(m_xcb, m_window, m_root, 0, 0), nullptr));
+    return {at->dst_x, at->dst_y};
+  }
+  /// Codes of the keys pressed since the last call.
+  std::string keys() {
+    sync();
+    std::string all;
+    while (const auto event = owned(xcb_poll_for_event(m_xcb))) {
+      if ((event->response_type & 0x7F) != XCB_KEY_PRESS) continue;
+      all += " " + std::to_string(reinterpret_cast<const xcb_key_press_event_t&>(*event).detail);
+    }
+    return all.empty() ? all : all.substr(1);
+  }
+
+ private:
+  void sync() const { focused(); }
+
+  xcb_connection_t* m_xcb;
+  xcb_window_t m_window;
+  xcb_window_t m_root = 0;
+};
+
+bool hasWindowManager() {
+  constexpr std::string_view kName = "_NET_SUPPORTING_WM_CHECK";
+  xcb_connection_t* xcb = xcb_connect(nullptr, nullptr);
+  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(xcb)).data->root;
+  const auto atom = owned(
+      xcb_intern_atom_reply(xcb, xcb_intern_atom(xcb, 0, kName.size(), kName.data()), nullptr));
+  const auto found = owned(xcb_get_property_reply(
+      xcb, xcb_get_property(xcb, 0, root, atom->atom, XCB_ATOM_WINDOW, 0, 1), nullptr));
+  const bool has = found != nullptr && found->length == 1;
+  xcb_disconnect(xcb);
+  return has;
+}
+
+class WindowManager {
+ public:
+  WindowManager() {
+    std::string name = "openbox";
+    char* arguments[] = {name.data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    if (posix_spawnp(&m_pid, name.c_str(), &actions, nullptr, arguments, environ) != 0) m_pid = -1;
+    posix_spawn_file_actions_destroy(&actions);
+  }
+  ~WindowManager() {
+    if (m_pid <= 0) return;
+    kill(m_pid, SIGTERM);
+    waitpid(m_pid, nullptr, 0);
+  }
+  WindowManager(const WindowManager&) = delete;
+  WindowManager& operator=(const WindowManager&) = delete;
+
+ private:
+  pid_t m_pid = -1;
+};
+
+// Codes of keys, whatever is engraved on them.
+constexpr const char* kSpace = "65";
+constexpr const char* kReturn = "36";
+constexpr const char* kDown = "116";
+
+class KeyboardOnDisplay : public testing::TestWithParam<bool> {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
+    if (GetParam()) {
+      if (std::system("command -v openbox >/dev/null") != 0) GTEST_SKIP() << "openbox is needed";
+      setenv("HOME", folder.path().c_str(), 1);
+      manager.emplace();
+      ASSERT_TRUE(until(hasWindowManager));
+    }
+    host.emplace();
+    if (!GetParam()) host->takeFocus();
+    // A window manager that is still starting overlooks windows.
+    const auto hasFocus = [this] { return host->focused() == host->window(); };
+    for (int i = 0; i < 20 && !until(hasFocus, 100); ++i) host.emplace();
+    ASSERT_TRUE(hasFocus());
+    ASSERT_TRUE(rig.editor->open(reinterpret_cast<void*>(std::uintptr_t{host->window()})));
+    std::tie(left, top) = host->corner();
+  }
+
+  static bool until(const std::function<bool()>& isSo, int steps = 1000) {
+    for (int i = 0; i < steps && !isSo(); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return isSo();
+  }
+  /// What the user does, with as many idles after it as settle everything.
+  void user(const std::string& does) {
+    ASSERT_EQ(std::system(("xdotool " + does).c_str()), 0) << does;
+    for (int i = 0; i < 20; ++i) {
+      rig.editor->idle();
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  }
+  void point(int x, int y, const std::string& then = {}) {
+    user("mousemove " + std::to_string(left + x) + " " + std::to_string(top + y) + " " + then);
+  }
+  void click(int x, int y) { point(x, y, "click 1"); }
+  void leave() { point(kWidth / 2, kHeight + kRim / 2); }
+  void key(const char* codes) { user(std::string("key --delay 1 ") + codes); }
+
+  std::string name() const { return std::string(rig.effect.getPresetSlot(0).nameText()); }
+
+  TemporaryFolder folder;
+  platform::test::VirtualDisplay display{{"-screen", "0", "800x700x24"}};
+  std::optional<WindowManager> manager;
+  std::optional<HostWindow> host;
+  EditorRig rig{&platform::nativeWindowSystem()};
+  int left = 0;
+  int top = 0;
+};
+
+TEST_P(KeyboardOnDisplay, KeysThatTheEditorDoesNotUseAreTheHosts) {
+  point(200, 300);
+  key(kSpace);
+  EXPECT_EQ(host->keys(), kSpace) << "before any click";
+  click(200, 300); // the bare panel
+  key(kSpace);
+  EXPECT_EQ(host->keys(), kSpace);
+  click(357, 244); // the lever
+  rig.effect.log.clear();
+  key(kDown);
+  EXPECT_EQ(rig.effect.log, "(2 2=516 )2");
+  EXPECT_EQ(host->keys(), "");
+  key(kSpace);
+  EXPECT_EQ(host->keys(), kSpace);
+  leave();
+  key(kDown);
+  EXPECT_EQ(host->keys(), kDown) << "the host has the keyboard back";
+  EXPECT_EQ(host->focused(), host->window());
+}
+
+TEST_P(KeyboardOnDisplay, LayoutMayChangeWhileAnEditorIsOpen) {
+  constexpr const char* kKeys = "29 52 47 34 35"; // y ; z [ ] where the layout is American
+  const std::pair<const char*, const char*> layouts[]{
+      {"us", "yz;[]"}, {"de", "zy\xC3\xB6\xC3\xBC+"}, {"us", "yz;[]"}};
+  for (const auto& [layout, typed] : layouts) {
+    ASSERT_EQ(std::system((std::string("setxkbmap ") + layout).c_str()), 0);
+    click(204, 561);
+    key(kKeys);
+    key(kReturn);
+    EXPECT_EQ(name(), typed);
+  }
+  EXPECT_EQ(host->keys(), "");
+}
+
+TEST_P(KeyboardOnDisplay, ASecondClickLeavesTheNameOpen) {
+  click(204, 561);
+  key("a");
+  click(204, 561);
+  key("End b");
+  EXPECT_NE(name(), "ab");
+  key(kReturn);
+  EXPECT_EQ(name(), "ab");
+  EXPECT_EQ(host->keys(), "");
+}
+
+TEST_P(KeyboardOnDisplay, AClickThatClosesTheMenuDoesNoMore) {
+  click(269, 561);
+  ASSERT_TRUE(rig.frame().hasPopup());
+  click(87, 75); // a knob
+  EXPECT_FALSE(rig.frame().hasPopup());
+  EXPECT_EQ(rig.effect.log, "");
+  click(87, 75);
+  EXPECT_NE(rig.effect.log, "");
+}
+
+TEST_P(KeyboardOnDisplay, DialogsKeepTheKeyboardWhenThePointerLeaves) {
+  click(392, 561); // there is no manual
+  ASSERT_NE(rig.frame().getModalView(), nullptr);
+  leave();
+  key(kReturn);
+  EXPECT_EQ(rig.frame().getModalView(), nullptr);
+  EXPECT_EQ(host->keys(), "");
+  key(kSpace);
+  EXPECT_EQ(host->keys(), kSpace);
+}
+
+INSTANTIATE_TEST_SUITE_P(, KeyboardOnDisplay, testing::Values(false, true), [](const auto& test) {
+  return test.param ? "UnderOpenbox" : "WithoutWindowManager";
+});
+
+} // namespace
+} // namespace qlx::test
