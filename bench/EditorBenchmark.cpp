@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/editor/EditorRig.h"
 
 #include "presets/panel/LoadBitmap.h"

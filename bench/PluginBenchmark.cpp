@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Processor time of the plug-in through the interface that hosts use, over rates, modes and kinds
 // of use: "any x86-64" with the code for every such processor, "this processor" with the best for
 // the one at hand. "plain model" is the same sound from the scalar model that the tests hold

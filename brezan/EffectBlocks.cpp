@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/EffectBlocks.h"
 
 #include "brezan/Interrupt.h"

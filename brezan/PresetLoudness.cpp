@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/PresetLoudness.h"
 
 #include "brezan/LoudnessMeter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/ProgrammeTail.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/ProgressBar.h"
 
 #include "brezan/System.h"

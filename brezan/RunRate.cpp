@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/RunRate.h"
 
 #include <cmath>

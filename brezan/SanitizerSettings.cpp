@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Part of sanitized builds only.
 
 /// Read by the leak checker when a program starts. Fontconfig keeps a few patterns of the fonts

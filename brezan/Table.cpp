@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/Table.h"
 
 #include "brezan/Words.h"

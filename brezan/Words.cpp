@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/Words.h"
 
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/Interrupt.h"
 #include "brezan/System.h"
 #include "brezan/commands/Commands.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: ISC
 # Shared build rules of the modules.
 
 # Flags of every target of ours. Floating point is left as the standard defines it: no contraction, no fast-math, so that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/CAbout.h"
 
 #include "editor/CSplashScreenMyView.h"

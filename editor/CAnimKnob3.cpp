@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/CAnimKnob3.h"
 
 #include "editor/WheelStep.h"

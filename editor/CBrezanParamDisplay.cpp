@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/CBrezanParamDisplay.h"
 
 namespace qlx::editor {

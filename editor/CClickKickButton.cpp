@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/CClickKickButton.h"
 
 namespace qlx::editor {

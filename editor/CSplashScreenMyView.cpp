@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/CSplashScreenMyView.h"
 
 #include "editor/CAbout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/DisplayConverters.h"
 
 #include "plugin/parameters/ParameterFormatter.h"

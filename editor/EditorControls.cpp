@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/EditorControls.h"
 
 #include "editor/CAbout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/HostKey.h"
 
 #include "gui/drawing/Utf8.h"

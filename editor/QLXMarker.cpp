@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/QLXMarker.h"
 
 #include <algorithm>

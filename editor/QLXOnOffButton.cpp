@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/QLXOnOffButton.h"
 
 namespace qlx::editor {

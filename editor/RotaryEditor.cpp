@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/RotaryEditor.h"
 
 #include "editor/HostKey.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/WheelStep.h"
 
 namespace qlx::editor {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/EngineFrame.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/RotaryEngine.h"
 
 #include "engine/EngineFrame.h"

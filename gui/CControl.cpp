@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/CControl.h"
 
 #include "gui/drawing/CDrawContext.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/CView.h"
 
 #include "gui/CFrame.h"

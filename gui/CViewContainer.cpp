@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/CViewContainer.h"
 
 #include "gui/CFrame.h"

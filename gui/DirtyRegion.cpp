@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/DirtyRegion.h"
 
 namespace qlx::gui {

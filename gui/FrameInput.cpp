@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // How a frame hands out what comes from its window.
 
 #include "gui/CFrame.h"

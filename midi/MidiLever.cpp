@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "midi/MidiLever.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/FileSelectorChain.h"
 
 namespace qlx::platform {

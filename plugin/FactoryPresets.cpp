@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "plugin/FactoryPresets.h"
 
 #include "plugin/parameters/ParameterIndex.h"

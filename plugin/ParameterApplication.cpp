@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "plugin/ParameterApplication.h"
 
 #include "plugin/parameters/ParameterLaws.h"

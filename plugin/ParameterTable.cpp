@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "plugin/ParameterTable.h"
 
 #include "engine/settings/PendingWork.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/NoiseRecordings.h"
 
 extern "C" {

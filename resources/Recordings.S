@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 /* The recordings as read-only data. The assembler finds the files in the include path. x86-64 puts no
    underscore before C names on either system. */
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # bench.sh BUILD [options of Google Benchmark]: processor time of the plug-in and its editor, medians of repeated runs, and
 # how many times lighter the plug-in is than the plain model. A few minutes.
 set -euo pipefail

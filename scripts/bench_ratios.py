@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: ISC
 """Ratios of the median processor times in a Google Benchmark JSON file of brezan_benchmark: how many times lighter the
 plug-in is than the plain model, and what moving costs beside standing. Usage: bench_ratios.py FILE. A ratio whose
 cases did not run is left out."""

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # demo.sh ROOT: renders the organ phrase through the plug-in, slow - fast - slow - stop - slow, tells what is in it and
 # draws it.
 set -euo pipefail

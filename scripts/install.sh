@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # install.sh ROOT [--prefix DIR] [--uninstall]: puts the plug-in into ~/.vst or DIR, the manual into the user's data folder
 # and the manual's place into the settings, or takes back what it put there. A list in the data folder remembers the files
 # with their sums and the folders made for them, so that nothing else is ever replaced or removed.

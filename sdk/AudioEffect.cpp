@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "sdk/AudioEffect.h"
 
 #include <algorithm>

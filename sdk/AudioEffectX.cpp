@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "sdk/AudioEffectX.h"
 
 #include <bit>

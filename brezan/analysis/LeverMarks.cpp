@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/analysis/LeverMarks.h"
 
 #include "brezan/Words.h"

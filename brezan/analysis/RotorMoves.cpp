@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/analysis/RotorMoves.h"
 
 #include <algorithm>

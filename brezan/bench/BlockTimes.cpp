@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/bench/BlockTimes.h"
 
 #include "brezan/System.h"

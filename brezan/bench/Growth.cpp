@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/bench/Growth.h"
 
 #include "brezan/System.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/bench/Workload.h"
 
 #include "brezan/plugin/ParameterText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/Interrupt.h"
 #include "brezan/ProgressBar.h"
 #include "brezan/Table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/commands/Commands.h"
 
 #include "brezan/Table.h"

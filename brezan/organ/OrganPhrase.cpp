@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/organ/OrganPhrase.h"
 
 #include "brezan/Table.h"

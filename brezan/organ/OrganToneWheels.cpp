@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/organ/OrganToneWheels.h"
 
 #include <cmath>

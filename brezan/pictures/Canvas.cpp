@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/pictures/Canvas.h"
 
 #include "brezan/pictures/PngFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/Table.h"
 #include "brezan/bench/Growth.h"
 #include "brezan/pictures/Canvas.h"

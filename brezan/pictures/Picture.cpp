@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/pictures/Picture.h"
 
 #include "brezan/Table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/pictures/PngFile.h"
 
 #include "brezan/sound/PendingFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/EditorWindow.h"
 
 #include "brezan/pictures/Canvas.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/ParameterText.h"
 
 #include "brezan/Words.h"

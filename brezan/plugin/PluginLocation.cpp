@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/PluginLocation.h"
 
 #include "brezan/System.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/PresetFile.h"
 
 #include "brezan/Table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/StartingPoint.h"
 
 #include "brezan/Words.h"

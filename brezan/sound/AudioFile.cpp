@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/sound/AudioFile.h"
 
 #include "brezan/Words.h"

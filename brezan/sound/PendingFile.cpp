@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/sound/PendingFile.h"
 
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/sound/PlayThrough.h"
 
 #include "brezan/Interrupt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/sound/Renderer.h"
 
 #include "brezan/Interrupt.h"

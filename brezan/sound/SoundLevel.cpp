@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/sound/SoundLevel.h"
 
 #include <algorithm>

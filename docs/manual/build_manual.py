@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: ISC
 """Builds the user manual: build_manual.py BREZAN VERSION OUTDIR writes manual.html, one file with everything inside, and
 manual.pdf. The list of parameters comes from the plug-in itself, through the command-line host BREZAN; a control or preset that
 the manual does not tell about, or one that does not exist, is an error, and so is a link that leads nowhere."""

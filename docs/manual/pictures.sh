@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # pictures.sh BREZAN: takes the manual's pictures anew. The menu is a window of its own and needs a display; where there is
 # none: xvfb-run -a docs/manual/pictures.sh BREZAN.
 set -euo pipefail

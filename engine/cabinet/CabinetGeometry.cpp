@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/cabinet/CabinetGeometry.h"
 
 #include "engine/signal/Interpolation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/cabinet/CrossTalk.h"
 
 #include <algorithm>

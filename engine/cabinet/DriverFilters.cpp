@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/cabinet/DriverFilters.h"
 
 #include "engine/signal/BiquadLanes.h"

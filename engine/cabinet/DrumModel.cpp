@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/cabinet/DrumModel.h"
 
 #include "engine/cabinet/Directivity.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/cabinet/MicrophoneMix.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/kernels/MixKernels.h"
 #include "engine/kernels/NoiseKernels.h"
 #include "engine/kernels/RayKernels.h"

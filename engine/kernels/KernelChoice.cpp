@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/kernels/Kernels.h"
 
 #include <cstdlib>

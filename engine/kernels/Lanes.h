@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #pragma once
 
 // For the per-instruction-set kernel files alone: everything here has internal linkage, so that no

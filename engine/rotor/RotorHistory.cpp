@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorHistory.h"
 
 namespace qlx::engine {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorMotion.h"
 
 #include "engine/signal/Acoustics.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorNoisePlayer.h"
 
 #include "engine/signal/Acoustics.h"

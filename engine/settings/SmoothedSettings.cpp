@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/settings/SmoothedSettings.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/signal/Amplifier.h"
 
 #include "engine/signal/BiquadLanes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/signal/Biquad.h"
 
 #include "engine/signal/Acoustics.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/signal/Interpolation.h"
 
 namespace qlx::engine {

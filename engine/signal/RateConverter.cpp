@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/signal/RateConverter.h"
 
 #include "engine/signal/BiquadLanes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CKickButton.h"
 
 namespace qlx::gui {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CKnob.h"
 
 #include "gui/CFrame.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/COnOffButton.h"
 
 namespace qlx::gui {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CParamDisplay.h"
 
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CRockerSwitch.h"
 
 namespace qlx::gui {

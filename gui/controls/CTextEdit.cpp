@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CTextEdit.h"
 
 #include "gui/CFrame.h"

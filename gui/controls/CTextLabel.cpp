@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CTextLabel.h"
 
 namespace qlx::gui {

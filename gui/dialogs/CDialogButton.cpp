@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/dialogs/CDialogButton.h"
 
 #include "gui/dialogs/DialogLook.h"

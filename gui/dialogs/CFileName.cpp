@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/dialogs/CFileName.h"
 
 #include "gui/dialogs/DialogLook.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/dialogs/CFileSelector.h"
 
 #include "gui/CFrame.h"

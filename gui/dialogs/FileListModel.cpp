@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/dialogs/FileListModel.h"
 
 #include "gui/drawing/Utf8.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/drawing/CBitmap.h"
 
 #include "gui/drawing/PixelMath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/drawing/CTypeface.h"
 
 #include "gui/drawing/Utf8.h"

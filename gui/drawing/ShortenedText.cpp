@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/drawing/ShortenedText.h"
 
 #include "gui/drawing/Utf8.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "plugin/parameters/ParameterDisplays.h"
 
 #include "midi/MidiLever.h"

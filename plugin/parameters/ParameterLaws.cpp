@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "plugin/parameters/ParameterLaws.h"
 
 #include "midi/MidiLever.h"

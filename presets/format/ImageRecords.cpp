@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/format/ImageRecords.h"
 
 namespace qlx::presets {

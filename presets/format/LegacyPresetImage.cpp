@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/format/LegacyPresetImage.h"
 
 #include <algorithm>

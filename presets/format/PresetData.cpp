@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/format/PresetData.h"
 
 #include <algorithm>

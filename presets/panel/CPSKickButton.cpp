@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/panel/CPSKickButton.h"
 
 namespace qlx::presets {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/panel/CQLXTextEdit.h"
 
 namespace qlx::presets {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/panel/LoadBitmap.h"
 
 #include "resources/images/Images.h"

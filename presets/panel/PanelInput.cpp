@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // What the user does with the preset panel.
 
 #include "gui/CFrame.h"

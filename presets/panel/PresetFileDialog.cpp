@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/panel/PresetFileDialog.h"
 
 #include "platform/Files.h"

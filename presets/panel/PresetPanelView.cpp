@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/panel/PresetPanelView.h"
 
 #include "gui/CFrame.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/store/CPresetSystemEffect.h"
 
 #include <algorithm>

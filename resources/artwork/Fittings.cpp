@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/Fittings.h"
 
 #include "resources/artwork/Materials.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/Drawings.h"
 #include "resources/artwork/Materials.h"
 #include "resources/artwork/Palette.h"

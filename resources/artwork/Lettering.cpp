@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/Lettering.h"
 
 #include <ft2build.h>

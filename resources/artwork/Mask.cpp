@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/Mask.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/Materials.h"
 
 #include "resources/artwork/Noise.h"

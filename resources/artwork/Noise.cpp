@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/Noise.h"
 
 #include "resources/artwork/Colour.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/artwork/ArtworkSet.h"
 #include "resources/artwork/Preview.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 /* The editor's images and font as read-only data: a directory of (number, distance of the file from the
    directory, length), then the files: two device-independent bitmaps, PNG all others. The assembler finds them in the include path. */
 

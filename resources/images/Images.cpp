@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/images/Images.h"
 
 #include <algorithm>

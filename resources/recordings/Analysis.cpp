@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/recordings/Analysis.h"
 
 #include <algorithm>

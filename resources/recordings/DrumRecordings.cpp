@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/rotor/Recordings.h"
 #include "resources/recordings/ExactMath.h"
 #include "resources/recordings/MachineParts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/recordings/ExactMath.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/recordings/MachineRecordings.h"
 
 namespace qlx::recordings {

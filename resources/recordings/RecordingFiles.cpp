@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/recordings/RecordingFiles.h"
 
 #include "engine/rotor/Recordings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/recordings/Signal.h"
 
 #include "resources/recordings/ExactMath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Draws the third-octave spectra of the motor-noise recordings: draw_recording_spectra FILE.png
 
 #include "resources/recordings/Analysis.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Writes the six motor-noise recordings into a folder: generate_recordings FOLDER
 
 #include "resources/recordings/RecordingFiles.h"

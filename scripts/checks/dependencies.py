@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: ISC
 """Checks which module (top folder) includes which, and that engine/, sdk/ and others include no library but the standard
 one. Usage: dependencies.py ROOT. Prints every include that is not allowed; exit 1 if there is one."""
 import pathlib

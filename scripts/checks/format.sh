@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # Every C++ file of the project is formatted by .clang-format. Usage: format.sh ROOT [-i]; -i formats them.
 set -euo pipefail
 cd "$1"

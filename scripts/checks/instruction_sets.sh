@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # Instructions that not every x86-64 has may stand in the engine's kernels alone, which are chosen while the plug-in runs.
 # Usage: instruction_sets.sh QLXBrezan.so
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
 # Formatting, shell scripts and clang-tidy. Usage: lint.sh ROOT BUILD [MINUTES [PATTERN]]; BUILD is a configured build
 # folder of clang. Exit code: that of the first check that failed, 3 if only the time was not enough.
 set -euo pipefail

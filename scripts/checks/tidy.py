@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: ISC
 """clang-tidy over the sources that a build folder of clang compiles, but tests and benchmarks.
 Usage: tidy.py ROOT BUILD [--limit MINUTES] [--files REGEX]
 A source is read again only if it, a header of the project that it includes, its command line, .clang-tidy or the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/sound/AudioFile.h"
 #include "tests/support/CommandRun.h"
 

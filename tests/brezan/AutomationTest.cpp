@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/Automation.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // What is measured, and that all of it is reported; not how fast it is.
 #include "brezan/bench/Workload.h"
 #include "tests/support/CommandRun.h"

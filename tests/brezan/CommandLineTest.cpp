@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The program as its users meet it: commands, files, exit codes and what it says.
 #include "brezan/sound/AudioFile.h"
 #include "tests/support/CommandRun.h"

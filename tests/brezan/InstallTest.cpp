@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/support/CommandRun.h"
 
 #include <gmock/gmock.h>

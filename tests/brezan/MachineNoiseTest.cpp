@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The machine's own voice as the plug-in file gives it out.
 
 #include "brezan/analysis/RotorMoves.h"

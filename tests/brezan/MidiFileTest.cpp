@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/plugin/MidiFile.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/analysis/LeverMarks.h"
 #include "brezan/organ/DrawbarOrgan.h"
 #include "brezan/organ/OrganPhrase.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "brezan/pictures/Picture.h"
 #include "brezan/analysis/LeverMarks.h"
 #include "brezan/analysis/Spectrogram.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The plug-in itself through the command-line host.
 #include "brezan/plugin/ParameterText.h"
 #include "brezan/sound/Renderer.h"

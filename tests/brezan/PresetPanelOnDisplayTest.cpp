@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The preset panel as a user works it: the plug-in in a window on a display, its files seen from
 // outside.
 #include "platform/WindowRobot.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Presets on the command line, with files put together by hand and the plug-in itself.
 #include "tests/presets/PresetBytesBuilder.h"
 #include "tests/support/CommandRun.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // A render sounds alike whatever the file's rate: two tones through `brezan render`, compared with
 // the same at 48 kHz.
 #include "brezan/sound/AudioFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // A small effect with every feature of the interface that the command-line host uses, simple enough
 // to predict each sample: out = in x gain + ring; the second output adds the lever's value.
 #include "sdk/VstTypes.h"

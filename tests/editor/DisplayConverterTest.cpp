@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "editor/DisplayConverters.h"
 #include "gui/controls/CParamDisplay.h"
 #include "plugin/ParameterTable.h"

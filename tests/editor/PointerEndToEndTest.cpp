@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The editor as its user meets it: in a window on a display, worked with a real pointer and
 // keyboard, while a host listens and another thread plays.
 #include "tests/support/TemporaryFolder.h"

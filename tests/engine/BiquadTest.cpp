@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/signal/Biquad.h"
 #include "engine/cabinet/RayLanes.h"
 #include "engine/signal/Interpolation.h"

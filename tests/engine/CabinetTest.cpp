@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/cabinet/CabinetGeometry.h"
 #include "engine/cabinet/CrossTalk.h"
 #include "engine/cabinet/DrumModel.h"

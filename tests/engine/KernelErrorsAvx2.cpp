@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/engine/KernelErrors.h"
 
 namespace qlx::engine::test {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/engine/KernelTest.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/settings/SettingMailbox.h"
 #include "tests/engine/EngineFixture.h"
 #include "tests/support/CountingAllocator.h"

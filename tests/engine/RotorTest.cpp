@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorHistory.h"
 #include "engine/rotor/RotorMotion.h"
 #include "engine/rotor/RotorNoisePlayer.h"

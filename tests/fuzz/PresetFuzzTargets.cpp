@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/fuzz/PresetFuzzTargets.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include <random>
 
 #include <gtest/gtest.h>

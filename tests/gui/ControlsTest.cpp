@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/CAnimKnob.h"
 #include "gui/controls/CKickButton.h"
 #include "gui/controls/CMovieBitmap.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/DirtyRegion.h"
 #include "gui/drawing/CBitmap.h"
 #include "gui/drawing/CDrawContext.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/dialogs/CFileList.h"
 #include "gui/dialogs/CFileName.h"
 #include "gui/dialogs/CFileSelector.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/CFrame.h"
 
 #include "gui/controls/CAnimKnob.h"

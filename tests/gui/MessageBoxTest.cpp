@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/dialogs/CMessageBox.h"
 
 #include "tests/gui/FrameFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/controls/COptionMenu.h"
 
 #include "gui/dialogs/CMenuList.h"

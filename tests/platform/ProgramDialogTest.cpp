@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/support/DesktopRig.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/SettingsStore.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/NativeWindow.h"
 #include "tests/support/ProcessResources.h"
 #include "tests/support/VirtualDisplay.h"

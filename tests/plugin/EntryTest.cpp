@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "sdk/VstTypes.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "resources/NoiseRecordings.h"
 #include "tests/plugin/EffectFixture.h"
 #include "tests/plugin/RecordingEngine.h"

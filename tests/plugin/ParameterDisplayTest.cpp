@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "plugin/parameters/ParameterFormatter.h"
 #include "plugin/parameters/ShortText.h"
 #include "tests/plugin/EffectFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/plugin/RecordingEngine.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/plugin/EffectFixture.h"
 #include "tests/support/CountingAllocator.h"
 

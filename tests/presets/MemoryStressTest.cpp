@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include <chrono>
 #include <cstdlib>
 #include <optional>

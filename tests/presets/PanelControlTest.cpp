@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/panel/CPSKickButton.h"
 #include "presets/panel/CPSRockerSwitch.h"
 #include "presets/panel/CSaveLoadButton.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "presets/store/PersistentSettings.h"
 
 #include <gtest/gtest.h>

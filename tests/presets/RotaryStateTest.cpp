@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Presets and states of the effect that hosts load.
 #include "tests/plugin/EffectFixture.h"
 

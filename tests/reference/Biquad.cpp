@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Biquad.h"
 
 #include "tests/reference/Primitives.h"

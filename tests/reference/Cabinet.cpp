@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Cabinet.h"
 
 #include "tests/reference/Primitives.h"

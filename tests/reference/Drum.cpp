@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Drum.h"
 
 #include <algorithm>

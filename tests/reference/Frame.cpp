@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Frame.h"
 
 #include <algorithm>

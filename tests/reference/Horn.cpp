@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Horn.h"
 
 #include <algorithm>

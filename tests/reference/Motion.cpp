@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Motion.h"
 
 #include "tests/reference/Primitives.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/reference/Room.h"
 
 #include "tests/reference/Tables.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Renders a script of host actions through the reference model: reference_render SCRIPT IN OUT.
 // Input and output are interleaved stereo doubles. Lines: rate R | suspend | resume | preset N |
 // param INDEX VALUE | midi STATUS D1 D2 | process N | blocks B N.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "gui/drawing/CBitmap.h"
 #include "resources/artwork/ArtworkSet.h"
 #include "resources/artwork/Layout.h"

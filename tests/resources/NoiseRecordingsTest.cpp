@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The recordings inside the library, as the engine gets them.
 
 #include "resources/NoiseRecordings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // The tools that the recordings are made with.
 
 #include "resources/recordings/ExactMath.h"

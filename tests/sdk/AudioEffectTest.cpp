@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/sdk/ProbeEffect.h"
 
 #include <array>

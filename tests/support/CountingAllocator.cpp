@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/support/CountingAllocator.h"
 
 #include <atomic>

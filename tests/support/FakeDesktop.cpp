@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/support/FakeDesktop.h"
 
 #include <fcntl.h>

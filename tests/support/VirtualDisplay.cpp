@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/support/VirtualDisplay.h"
 
 #include <fcntl.h>

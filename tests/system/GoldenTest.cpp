@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/support/TemporaryFolder.h"
 #include "tests/system/Scenario.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "tests/system/Scenario.h"
 
 #include "resources/NoiseRecordings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Renders scenario files with the reference model into fixtures: make_golden SCENARIO.txt OUT.f64
 // (thinned, interleaved stereo, raw doubles).
 #include "tests/system/Scenario.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: ISC
 """preset_format.py BREZAN: writes and reads presets as docs/preset-format.md tells, without a line of the plug-in's code, and
 holds them against the plug-in: as stored defaults and as a host's state it takes what is written here, in both byte orders and all
 layouts, and what it writes is read here."""

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/FileSelectorChain.h"
 #include "platform/linux/desktop/DesktopDocumentOpener.h"
 #include "platform/linux/desktop/PortalFileSelector.h"

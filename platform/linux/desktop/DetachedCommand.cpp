@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/desktop/DetachedCommand.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/desktop/PortalFileSelector.h"
 
 #include "platform/linux/desktop/FilePatterns.h"

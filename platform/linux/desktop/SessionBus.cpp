@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/desktop/SessionBus.h"
 
 #include "platform/linux/files/FileDescriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/Files.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/files/XdgSettingsStore.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/x11/X11Keyboard.h"
 
 // A member of a record in there has a name that C++ keeps for itself.

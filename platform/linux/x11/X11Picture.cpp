@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/x11/X11Picture.h"
 
 #include <sys/ipc.h>

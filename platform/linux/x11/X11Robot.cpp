@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/WindowRobot.h"
 
 #include "platform/PixelView.h"

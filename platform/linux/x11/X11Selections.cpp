@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/x11/X11Selections.h"
 
 namespace qlx::platform {

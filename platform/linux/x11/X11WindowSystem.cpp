@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 #include "platform/linux/x11/X11Window.h"
 
 namespace qlx::platform {
