@@ -5,8 +5,9 @@
 # a render is the same on every machine.
 add_library(qlx_options INTERFACE)
 target_include_directories(qlx_options INTERFACE ${CMAKE_SOURCE_DIR})
-target_compile_options(qlx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-  -fvisibility=hidden -fvisibility-inlines-hidden -ffp-contract=off)
+target_compile_options(qlx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${QLX_WERROR}>:-Werror>
+  -fvisibility=hidden -fvisibility-inlines-hidden -ffunction-sections -fdata-sections -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Unique symbols would pin the shared object in memory after dlclose.
   target_compile_options(qlx_options INTERFACE -fno-gnu-unique)
@@ -14,6 +15,11 @@ endif()
 if(QLX_SANITIZE)
   target_compile_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE})
+endif()
+
+# ccache does not keep what is compiled with a precompiled header.
+if(CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
 # qlx_module(name SOURCES ... [LINKS ...]): the static library qlx_<name> of one module.
@@ -30,6 +36,7 @@ function(qlx_test name)
   cmake_parse_arguments(ARG "EVERY_PROCESSOR" "" "SOURCES;LINKS;SLOW" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
   target_link_libraries(test_${name} PRIVATE qlx_options ${ARG_LINKS} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_precompile_headers(test_${name} REUSE_FROM qlx_test_headers)
   include(GoogleTest)
   list(JOIN ARG_SLOW : slow)
   if(slow)

@@ -135,6 +135,11 @@ install_files() {
     echo "installed $target"
   done
   rm -f -- "$list.old"
+  cat <<T
+Giada and ZyTrax find the plug-in when $folder is among their VST folders.
+Ardour looks into system folders only: add $folder under Preferences > Plugins > VST > search path,
+or install with --prefix into a folder that stands there.
+T
 }
 
 kept=no
