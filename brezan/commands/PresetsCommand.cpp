@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/commands/Commands.h"
 
-#include "brezan/PresetLoudness.h"
 #include "brezan/Table.h"
 #include "brezan/commands/ListOutput.h"
+#include "brezan/commands/PresetLoudness.h"
 #include "brezan/plugin/PluginLocation.h"
 #include "brezan/plugin/PresetFile.h"
 #include "brezan/plugin/StartingPoint.h"

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/commands/Commands.h"
 
-#include "brezan/RunRate.h"
 #include "brezan/Table.h"
 #include "brezan/plugin/PluginLocation.h"
 #include "brezan/plugin/StartingPoint.h"
 #include "brezan/sound/InputFile.h"
 #include "brezan/sound/Renderer.h"
+#include "brezan/sound/RunRate.h"
 
 #include <algorithm>
 #include <cmath>

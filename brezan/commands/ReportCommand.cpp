@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/commands/Commands.h"
 
-#include "brezan/RunRate.h"
 #include "brezan/Table.h"
 #include "brezan/analysis/LeverMarks.h"
 #include "brezan/analysis/RotorMoves.h"
@@ -9,6 +8,7 @@
 #include "brezan/plugin/StartingPoint.h"
 #include "brezan/sound/InputFile.h"
 #include "brezan/sound/PlayThrough.h"
+#include "brezan/sound/RunRate.h"
 #include "brezan/sound/SoundLevel.h"
 
 #include <algorithm>

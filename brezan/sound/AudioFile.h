@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "brezan/LoudnessMeter.h"
-#include "brezan/SampleRateConverter.h"
+#include "brezan/sound/LoudnessMeter.h"
 #include "brezan/sound/PendingFile.h"
+#include "brezan/sound/SampleRateConverter.h"
 
 #include <cstdio>
 #include <filesystem>

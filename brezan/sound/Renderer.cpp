@@ -2,7 +2,7 @@
 #include "brezan/sound/Renderer.h"
 
 #include "brezan/Interrupt.h"
-#include "brezan/ProgrammeTail.h"
+#include "brezan/sound/ProgrammeTail.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "brezan/EffectBlocks.h"
 #include "brezan/ProgressBar.h"
 #include "brezan/plugin/Automation.h"
 #include "brezan/plugin/MidiFile.h"
 #include "brezan/plugin/PluginHost.h"
 #include "brezan/sound/AudioFile.h"
+#include "brezan/sound/EffectBlocks.h"
 
 namespace qlx::tools {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/EffectBlocks.h"
+#include "brezan/sound/EffectBlocks.h"
 
 #include "brezan/Interrupt.h"
 

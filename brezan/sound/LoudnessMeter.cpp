@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/LoudnessMeter.h"
+#include "brezan/sound/LoudnessMeter.h"
 
 #include <cmath>
 #include <limits>

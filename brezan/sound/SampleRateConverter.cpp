@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/SampleRateConverter.h"
+#include "brezan/sound/SampleRateConverter.h"
 
 #include <algorithm>
 #include <cmath>

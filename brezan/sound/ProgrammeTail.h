@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "brezan/EffectBlocks.h"
+#include "brezan/sound/EffectBlocks.h"
 
 #include <optional>
 #include <vector>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/RunRate.h"
+#include "brezan/sound/RunRate.h"
 
 #include <cmath>
 #include <initializer_list>

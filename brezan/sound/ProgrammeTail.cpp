@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/ProgrammeTail.h"
+#include "brezan/sound/ProgrammeTail.h"
 
 #include <algorithm>
 #include <cmath>

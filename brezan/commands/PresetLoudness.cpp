@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/PresetLoudness.h"
+#include "brezan/commands/PresetLoudness.h"
 
-#include "brezan/LoudnessMeter.h"
 #include "brezan/ProgressBar.h"
 #include "brezan/Table.h"
 #include "brezan/commands/ListOutput.h"
 #include "brezan/organ/DrawbarOrgan.h"
 #include "brezan/organ/OrganPhrase.h"
+#include "brezan/sound/LoudnessMeter.h"
 #include "brezan/sound/PlayThrough.h"
 
 #include <cmath>
