@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "engine/EngineFrame.h"
 
+#include "engine/signal/Denormals.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -30,11 +32,11 @@ double sane(double x) {
 
 /// One step of a fade; what is nearer to the target than any sample can tell has arrived.
 double faded(double level, double target, double coefficient) {
-  const double next = flushed(level + (target - level) * coefficient);
+  const double next = flushDenormals(level + (target - level) * coefficient);
   return std::abs(target - next) < 1e-12 ? target : next;
 }
 
-bool allFinite(const RunBuffer& run, int n) {
+bool allFinite(const SubBlock& run, int n) {
   // Infinite and not a number times zero are not a number, and so is every sum with them.
   double sum = 0.0;
   for (int j = 0; j < n; ++j) sum += run[static_cast<std::size_t>(j)] * 0.0;
@@ -78,7 +80,7 @@ void RotaryEngine::Frame::switchOn() noexcept {
 }
 
 std::uint32_t RotaryEngine::Frame::take(std::uint32_t bits) noexcept {
-  return m_desk.takeWork(bits, [this](Setting setting, double v) { apply(setting, v); });
+  return m_mailbox.takeWork(bits, [this](Setting setting, double v) { apply(setting, v); });
 }
 
 void RotaryEngine::Frame::performAllPendingWork() noexcept {
@@ -107,7 +109,7 @@ void RotaryEngine::Frame::updateTone() noexcept {
 }
 
 void RotaryEngine::Frame::stepState() noexcept {
-  const bool pending = m_desk.isRequested(kAllPendingWork);
+  const bool pending = m_mailbox.isRequested(kAllPendingWork);
   switch (m_state) {
   case State::Running:
   case State::FadingIn:
@@ -132,7 +134,7 @@ void RotaryEngine::Frame::stepState() noexcept {
 void RotaryEngine::Frame::doPendingGroup() noexcept {
   if (take(kPendingResume) != 0) {
     doResume();
-  } else if (m_desk.isRequested(kPendingFullReset)) {
+  } else if (m_mailbox.isRequested(kPendingFullReset)) {
     doFullReset();
   } else if (take(kPendingSetup | kPendingRoomTaps) != 0) {
     applyPlacement();
@@ -257,10 +259,10 @@ void RotaryEngine::Frame::recover() noexcept {
   request(kPendingFullReset);
 }
 
-void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const RunBuffer& wetLeft,
-                                const RunBuffer& wetRight) noexcept {
+void RotaryEngine::Frame::blend(HostSubBlock& s, const SubBlock& inputGain, const SubBlock& wetLeft,
+                                const SubBlock& wetRight) noexcept {
   const auto size = static_cast<std::size_t>(s.n);
-  RunBuffer dryLeft, dryRight;
+  SubBlock dryLeft, dryRight;
   for (std::size_t k = 0; k < size; ++k) {
     dryLeft[k] = inputGain[k] * s.in0[k] * 0.5;
     dryRight[k] = inputGain[k] * s.in1[k] * 0.5;
@@ -283,10 +285,10 @@ void RotaryEngine::Frame::blend(Stretch& s, const RunBuffer& inputGain, const Ru
   }
 }
 
-bool RotaryEngine::Frame::run(Stretch& s) noexcept {
-  const SmoothedRun& settings = m_settings.advance(s.n);
-  const RunBuffer& inputGain = settings[Smoothed::InputGain];
-  RunBuffer signal;
+bool RotaryEngine::Frame::run(HostSubBlock& s) noexcept {
+  const SmoothedValues& settings = m_settings.advance(s.n);
+  const SubBlock& inputGain = settings[Smoothed::InputGain];
+  SubBlock signal;
   for (std::size_t k = 0; k < static_cast<std::size_t>(s.n); ++k)
     signal[k] = (s.in0[k] + s.in1[k]) * 0.5;
   m_amplifier.process(settings, s.n, signal);
@@ -294,8 +296,8 @@ bool RotaryEngine::Frame::run(Stretch& s) noexcept {
   if (m_speakersBypassed) {
     blend(s, inputGain, signal, signal);
   } else {
-    RunBuffer x, left, right;
-    std::array<int, kRun> engineSamples;
+    SubBlock x, left, right;
+    std::array<int, kSubBlock> engineSamples;
     const int count = m_converter.decimate(signal, s.n, x, engineSamples);
     if (count > 0) {
       const bool everySample = count == s.n;
@@ -325,9 +327,9 @@ void RotaryEngine::Frame::processBlock(const Sample* in0, const Sample* in1, Sam
     }
   };
   beginBlock();
-  Stretch s;
+  HostSubBlock s;
   for (int done = 0; done < frames; done += s.n) {
-    s.n = std::min(kRun, frames - done);
+    s.n = std::min(kSubBlock, frames - done);
     std::copy_n(m_input0.begin() + done, s.n, s.in0.begin());
     std::copy_n(m_input1.begin() + done, s.n, s.in1.begin());
     if (!run(s)) {
@@ -345,8 +347,8 @@ void RotaryEngine::Frame::process(const Sample* in0, const Sample* in1, Sample* 
   for (int done = 0; done < frames; done += kLongestBlock)
     processBlock(in0 + done, in1 + done, out0 + done, out1 == nullptr ? nullptr : out1 + done,
                  std::min(kLongestBlock, frames - done));
-  const RotorMotion& horn = m_cabinet.hornTrack().motion;
-  const RotorMotion& drum = m_cabinet.drumTrack().motion;
+  const RotorMotion& horn = m_cabinet.hornHistory().motion;
+  const RotorMotion& drum = m_cabinet.drumHistory().motion;
   m_rotors.store({horn.phase(), horn.phaseSpeed()}, {drum.phase(), drum.phaseSpeed()},
                  RotorReadout::Clock::now(), frames / m_hostRate);
 }

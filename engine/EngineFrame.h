@@ -6,7 +6,9 @@
 #include "engine/rotor/RotorReadout.h"
 #include "engine/settings/SettingMailbox.h"
 #include "engine/signal/Amplifier.h"
+#include "engine/signal/OnePole.h"
 #include "engine/signal/RateConverter.h"
+#include "engine/signal/SubBlock.h"
 
 #include <atomic>
 
@@ -20,7 +22,7 @@ class RotaryEngine::Frame {
 
   // Any thread.
   void set(Setting setting, double value) noexcept;
-  void request(std::uint32_t work) noexcept { m_desk.request(work); }
+  void request(std::uint32_t work) noexcept { m_mailbox.request(work); }
   void setHostRate(double hz) noexcept;
   void setCpuMode(CpuMode mode) noexcept { m_cpuMode.store(mode, std::memory_order_relaxed); }
   void switchOff() noexcept;
@@ -43,10 +45,10 @@ class RotaryEngine::Frame {
   /// Longest block for which the state machine takes one step; longer host blocks count as several.
   static constexpr int kLongestBlock = 512;
 
-  /// One stretch of host samples, in and out.
-  struct Stretch {
-    RunBuffer in0, in1;
-    RunBuffer out0, out1;
+  /// One sub-block of host samples, in and out.
+  struct HostSubBlock {
+    SubBlock in0, in1;
+    SubBlock out0, out1;
     int n;
   };
 
@@ -82,13 +84,13 @@ class RotaryEngine::Frame {
   void processBlock(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
                     int frames) noexcept;
   /// False where the output ran into numbers out of hand.
-  bool run(Stretch& s) noexcept;
-  void blend(Stretch& s, const RunBuffer& inputGain, const RunBuffer& wetLeft,
-             const RunBuffer& wetRight) noexcept;
+  bool run(HostSubBlock& s) noexcept;
+  void blend(HostSubBlock& s, const SubBlock& inputGain, const SubBlock& wetLeft,
+             const SubBlock& wetRight) noexcept;
 
   MicrophonePlacement& m_placement;
   const kernels::Kernels& m_kernels;
-  SettingMailbox m_desk;
+  SettingMailbox m_mailbox;
   std::atomic<double> m_wantedBypass{0.0};
   std::atomic<double> m_bypassJump{kNoJump}; ///< level to which a switch-on jumps
   std::atomic<std::uint32_t> m_stopPresses{0}, m_stopReleases{0};

@@ -16,9 +16,9 @@ constexpr double kColorLowQ = 0.6;
 
 Cabinet::Cabinet(const Recordings& recordings, const kernels::Kernels& kernels)
     : m_kernels(kernels), m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0),
-      m_feeds(kernels), m_horn(hornSettings, recordings, kernels),
+      m_driverFilters(kernels), m_horn(hornSettings, recordings, kernels),
       m_drum(drumSettings, recordings, kernels), m_reduced(hornSettings, drumSettings, kernels),
-      m_room(kernels), m_pairs(kernels), m_output(kernels) {
+      m_room(kernels), m_pairs(kernels), m_microphoneMix(kernels) {
   m_drumShelf.setEnabled(true);
   for (ColorFilters& color : m_color) {
     color[0].init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
@@ -29,21 +29,21 @@ Cabinet::Cabinet(const Recordings& recordings, const kernels::Kernels& kernels)
 }
 
 void Cabinet::setLever(double v) noexcept {
-  if (m_hornTrack.motion.setLever(v) == RotorMotion::Event::Start)
+  if (m_hornHistory.motion.setLever(v) == RotorMotion::Event::Start)
     forHornPlayers([](HornNoisePlayer& player) { player.trigger(); });
-  if (m_drumTrack.motion.setLever(v) == RotorMotion::Event::Start) m_drum.noisePlayer().trigger();
+  if (m_drumHistory.motion.setLever(v) == RotorMotion::Event::Start) m_drum.noisePlayer().trigger();
 }
 
 void Cabinet::setStop(double v) noexcept {
-  if (m_hornTrack.motion.setStop(v) != RotorMotion::Event::None)
+  if (m_hornHistory.motion.setStop(v) != RotorMotion::Event::None)
     forHornPlayers([](HornNoisePlayer& player) { player.trigger(); });
-  if (m_drumTrack.motion.setStop(v) != RotorMotion::Event::None) m_drum.noisePlayer().trigger();
+  if (m_drumHistory.motion.setStop(v) != RotorMotion::Event::None) m_drum.noisePlayer().trigger();
 }
 
 void Cabinet::setHornFlip(double sign) noexcept {
   const bool changed = (sign >= 0.0) != (hornSettings.cabinet.flipSign >= 0.0);
   hornSettings.cabinet.flipSign = sign;
-  m_hornTrack.motion.setFlip(sign);
+  m_hornHistory.motion.setFlip(sign);
   if (!changed) return;
   clearHorns();
   resetHornFilters();
@@ -52,7 +52,7 @@ void Cabinet::setHornFlip(double sign) noexcept {
 void Cabinet::setDrumFlip(double sign) noexcept {
   const bool changed = (sign >= 0.0) != (drumSettings.cabinet.flipSign >= 0.0);
   drumSettings.cabinet.flipSign = sign;
-  m_drumTrack.motion.setFlip(sign);
+  m_drumHistory.motion.setFlip(sign);
   if (!changed) return;
   clearDrums();
   resetDrumFilters();
@@ -81,15 +81,15 @@ void Cabinet::applyDrumReflectionLpf() noexcept { m_drum.updateReflectionPoles()
 
 void Cabinet::setModelRates(double engineRate, int factor) noexcept {
   m_engineRate = engineRate;
-  m_hornTrack.setSampleRate(engineRate, factor);
-  m_drumTrack.setSampleRate(engineRate, factor);
+  m_hornHistory.setSampleRate(engineRate, factor);
+  m_drumHistory.setSampleRate(engineRate, factor);
   m_horn.setSampleRate(engineRate);
   m_drum.setSampleRate(engineRate);
   m_reduced.setSampleRate(engineRate);
 }
 
 void Cabinet::clearHorns() noexcept {
-  m_hornTrack.clear();
+  m_hornHistory.clear();
   m_hornLine.clear();
   m_reducedHornLine.clear();
   m_horn.clear();
@@ -97,16 +97,16 @@ void Cabinet::clearHorns() noexcept {
 }
 
 void Cabinet::clearDrums() noexcept {
-  m_drumTrack.clear();
+  m_drumHistory.clear();
   m_drumLine.clear();
-  m_feeds.clearDrum();
+  m_driverFilters.clearDrum();
   m_drum.clear();
   m_reduced.clearDrum();
 }
 
 void Cabinet::clearState() noexcept {
-  m_feeds.clearHorn();
-  m_output.clear();
+  m_driverFilters.clearHorn();
+  m_microphoneMix.clear();
   m_crossTalk.clearSmoothers();
   setInstantUpdate();
   clearHorns();
@@ -115,9 +115,9 @@ void Cabinet::clearState() noexcept {
 
 void Cabinet::setInstantUpdate() noexcept {
   m_drumShelf.setInstantUpdate(true);
-  m_feeds.setHornInstantUpdate();
+  m_driverFilters.setHornInstantUpdate();
   m_crossTalk.setInstantUpdate();
-  m_output.setInstantUpdate();
+  m_microphoneMix.setInstantUpdate();
   for (ColorFilters& color : m_color) {
     color[0].setInstantUpdate(true);
     color[1].setInstantUpdate(true);
@@ -130,7 +130,7 @@ void Cabinet::resetHornFilters() noexcept {
 }
 
 void Cabinet::resetDrumFilters() noexcept {
-  m_feeds.setDrumRate(m_engineRate);
+  m_driverFilters.setDrumRate(m_engineRate);
   m_drum.resetFilters();
   m_reduced.resetDrumFilters();
 }
@@ -138,9 +138,9 @@ void Cabinet::resetDrumFilters() noexcept {
 void Cabinet::updateFilterRates(double engineRate) noexcept {
   m_drumShelf.setSampleRate(engineRate);
   m_drumShelf.setInstantUpdate(false);
-  m_feeds.setHornRate(engineRate);
+  m_driverFilters.setHornRate(engineRate);
   m_crossTalk.setSampleRate(engineRate);
-  m_output.setSampleRate(engineRate);
+  m_microphoneMix.setSampleRate(engineRate);
   for (ColorFilters& color : m_color) {
     color[0].setSampleRate(engineRate);
     color[1].setSampleRate(engineRate);
@@ -164,43 +164,43 @@ void Cabinet::clearEverything() noexcept {
   m_crossTalk.clearFilters();
   m_room.clear();
   m_drumShelf.clearState();
-  m_feeds.clearFilters();
-  m_output.clearFilters();
+  m_driverFilters.clearFilters();
+  m_microphoneMix.clearFilters();
   for (ColorFilters& color : m_color) {
     color[0].clearState();
     color[1].clearState();
   }
 }
 
-void Cabinet::runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, Microphones& mics,
+void Cabinet::runRotors(const SubBlock& x, const SmoothedValues& settings, int n, Microphones& mics,
                         Reduced& reduced) noexcept {
   const auto size = static_cast<std::size_t>(n);
   DriverFilters::Output feeds;
   feeds.drum = x;
   m_drumShelf.processFixed({feeds.drum.data(), size});
   for (std::size_t k = 0; k < size; ++k) feeds.drum[k] *= settings[Smoothed::DrumFeedGain][k];
-  m_feeds.process(x, settings[Smoothed::HornFeedGain], n, feeds);
+  m_driverFilters.process(x, settings[Smoothed::HornFeedGain], n, feeds);
 
-  m_drumTrack.advance(n);
-  m_hornTrack.advance(n);
-  m_drumLine.writeRun(m_drumTrack.writeIndex(0), {feeds.drum.data(), size});
-  m_hornLine.writeRun(m_hornTrack.writeIndex(0), {feeds.horn.data(), size});
-  m_reducedHornLine.writeRun(m_hornTrack.writeIndex(0), {feeds.reducedHorn.data(), size});
-  m_drum.process(m_drumTrack, m_drumLine, n, mics.drum);
-  m_horn.process(m_hornTrack, m_hornLine, n, mics.horn1, mics.horn2);
-  m_reduced.process({m_hornTrack, m_reducedHornLine}, {m_drumTrack, m_drumLine}, n, reduced.horn,
-                    reduced.drum);
+  m_drumHistory.advance(n);
+  m_hornHistory.advance(n);
+  m_drumLine.write(m_drumHistory.writeIndex(0), {feeds.drum.data(), size});
+  m_hornLine.write(m_hornHistory.writeIndex(0), {feeds.horn.data(), size});
+  m_reducedHornLine.write(m_hornHistory.writeIndex(0), {feeds.reducedHorn.data(), size});
+  m_drum.process(m_drumHistory, m_drumLine, n, mics.drum);
+  m_horn.process(m_hornHistory, m_hornLine, n, mics.horn1, mics.horn2);
+  m_reduced.process({m_hornHistory, m_reducedHornLine}, {m_drumHistory, m_drumLine}, n,
+                    reduced.horn, reduced.drum);
   runNoise(n, mics);
-  m_drumTrack.finish(n);
-  m_hornTrack.finish(n);
+  m_drumHistory.finish(n);
+  m_hornHistory.finish(n);
 }
 
 void Cabinet::runNoise(int n, Microphones& mics) noexcept {
   const auto size = static_cast<std::size_t>(n);
   HornMicrophone &first = m_horn.microphone(0), &second = m_horn.microphone(1);
-  first.noisePlayer().read(m_hornTrack.speeds(n), first.position().angle,
+  first.noisePlayer().read(m_hornHistory.speeds(n), first.position().angle,
                            {mics.noise1.data(), size});
-  second.noisePlayer().read(m_hornTrack.speeds(n), second.position().angle,
+  second.noisePlayer().read(m_hornHistory.speeds(n), second.position().angle,
                             {mics.noise2.data(), size});
   m_pairs.process({&first.noisePlayer().bandPass(), 1}, {&second.noisePlayer().bandPass(), 1}, n,
                   mics.noise1, mics.noise2);
@@ -210,12 +210,12 @@ void Cabinet::runNoise(int n, Microphones& mics) noexcept {
     mics.noise1[k] *= gain1;
     mics.noise2[k] *= gain2;
   }
-  m_drum.noisePlayer().process(m_drumTrack.speeds(n), m_drum.microphone().angle,
+  m_drum.noisePlayer().process(m_drumHistory.speeds(n), m_drum.microphone().angle,
                                m_drum.staticLevel() * drumSettings.noiseLevel,
                                {mics.drumNoise.data(), size});
 }
 
-kernels::MixGains Cabinet::mixGains(const SmoothedRun& s) const noexcept {
+kernels::MixGains Cabinet::mixGains(const SmoothedValues& s) const noexcept {
   const auto of = [&](Smoothed setting) { return s[setting].data(); };
   return {of(Smoothed::HornGain),
           of(Smoothed::HornMic2Gain),
@@ -232,9 +232,9 @@ kernels::MixGains Cabinet::mixGains(const SmoothedRun& s) const noexcept {
           noiseSendGain};
 }
 
-void Cabinet::addRoom(const SmoothedRun& s, const kernels::MixSignals& signals,
+void Cabinet::addRoom(const SmoothedValues& s, const kernels::MixSignals& signals,
                       const kernels::MixGains& gains, int n) noexcept {
-  RunBuffer sendLeft, sendRight, left, right;
+  SubBlock sendLeft, sendRight, left, right;
   m_kernels.mixSends(signals, gains, sendLeft.data(), sendRight.data(), n);
   m_room.process(sendLeft, sendRight, s[Smoothed::RoomReturnGain], n, left, right);
   m_pairs.process(m_color[0], m_color[1], n, left, right);
@@ -243,8 +243,8 @@ void Cabinet::addRoom(const SmoothedRun& s, const kernels::MixSignals& signals,
   m_kernels.mixRoom(signals, gains, left.data(), right.data(), levels, n);
 }
 
-void Cabinet::process(const RunBuffer& x, const SmoothedRun& settings, int n, RunBuffer& left,
-                      RunBuffer& right) noexcept {
+void Cabinet::process(const SubBlock& x, const SmoothedValues& settings, int n, SubBlock& left,
+                      SubBlock& right) noexcept {
   Microphones mics;
   Reduced reduced;
   runRotors(x, settings, n, mics, reduced);
@@ -255,7 +255,7 @@ void Cabinet::process(const RunBuffer& x, const SmoothedRun& settings, int n, Ru
       mics.cross.toHorns.data(), mics.cross.hornEcho.data(), mics.cross.toDrum.data()};
   const kernels::MixGains gains = mixGains(settings);
   addRoom(settings, signals, gains, n);
-  m_output.process(signals, gains, settings, n, left, right);
+  m_microphoneMix.process(signals, gains, settings, n, left, right);
 }
 
 } // namespace qlx::engine

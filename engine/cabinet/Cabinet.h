@@ -11,17 +11,18 @@
 #include "engine/rotor/RotorHistory.h"
 #include "engine/settings/SmoothedSettings.h"
 #include "engine/signal/BiquadLanes.h"
+#include "engine/signal/SubBlock.h"
 
 namespace qlx::engine {
 
 /// Everything that runs at the engine rate: feeds, cross-over, both rotors, cross-talk, room,
-/// microphones' output. The stages run one after the other over stretches of at most kRun samples.
-/// Audio thread only.
+/// microphones' output. The stages run one after the other over sub-blocks of at most kSubBlock
+/// samples. Audio thread only.
 class Cabinet {
  public:
   Cabinet(const Recordings& recordings, const kernels::Kernels& kernels);
 
-  // Settings, as they are taken by the stages; changed by the frame between stretches.
+  // Settings, as they are taken by the stages; changed by the frame between sub-blocks.
   HornSettings hornSettings;
   DrumSettings drumSettings;
   RoomSettings roomSettings;
@@ -31,16 +32,16 @@ class Cabinet {
 
   HornModel& horn() noexcept { return m_horn; }
   DrumModel& drum() noexcept { return m_drum; }
-  MicrophoneMix& output() noexcept { return m_output; }
-  RotorHistory& hornTrack() noexcept { return m_hornTrack; }
-  RotorHistory& drumTrack() noexcept { return m_drumTrack; }
+  MicrophoneMix& microphoneMix() noexcept { return m_microphoneMix; }
+  RotorHistory& hornHistory() noexcept { return m_hornHistory; }
+  RotorHistory& drumHistory() noexcept { return m_drumHistory; }
 
   void setLever(double v) noexcept;
   void setStop(double v) noexcept;
   void setHornFlip(double sign) noexcept;
   void setDrumFlip(double sign) noexcept;
-  void setHornSaturation(double drive) noexcept { m_feeds.setHornSaturation(drive); }
-  void setDrumSaturation(double drive) noexcept { m_feeds.setDrumSaturation(drive); }
+  void setHornSaturation(double drive) noexcept { m_driverFilters.setHornSaturation(drive); }
+  void setDrumSaturation(double drive) noexcept { m_driverFilters.setDrumSaturation(drive); }
   void setColor(double midDb, double lowDb) noexcept;
   void applyHornReflectionLpf() noexcept;
   void applyDrumReflectionLpf() noexcept;
@@ -71,13 +72,13 @@ class Cabinet {
   void clearEverything() noexcept;
 
   /// n engine samples of the input `x`; writes the stereo mix.
-  void process(const RunBuffer& x, const SmoothedRun& settings, int n, RunBuffer& left,
-               RunBuffer& right) noexcept;
+  void process(const SubBlock& x, const SmoothedValues& settings, int n, SubBlock& left,
+               SubBlock& right) noexcept;
 
  private:
   struct Microphones {
-    RunBuffer horn1, horn2, drum;
-    RunBuffer noise1, noise2, drumNoise;
+    SubBlock horn1, horn2, drum;
+    SubBlock noise1, noise2, drumNoise;
     CrossTalk::Output cross;
   };
 
@@ -87,22 +88,22 @@ class Cabinet {
   void resetDrumFilters() noexcept;
   /// What the cross-talk paths are fed with.
   struct Reduced {
-    RunBuffer horn, drum;
+    SubBlock horn, drum;
   };
 
-  void runRotors(const RunBuffer& x, const SmoothedRun& settings, int n, Microphones& mics,
+  void runRotors(const SubBlock& x, const SmoothedValues& settings, int n, Microphones& mics,
                  Reduced& reduced) noexcept;
   void runNoise(int n, Microphones& mics) noexcept;
-  kernels::MixGains mixGains(const SmoothedRun& settings) const noexcept;
-  void addRoom(const SmoothedRun& settings, const kernels::MixSignals& signals,
+  kernels::MixGains mixGains(const SmoothedValues& settings) const noexcept;
+  void addRoom(const SmoothedValues& settings, const kernels::MixSignals& signals,
                const kernels::MixGains& gains, int n) noexcept;
 
   const kernels::Kernels& m_kernels;
   double m_engineRate = 44100.0;
   Biquad m_drumShelf;
-  DriverFilters m_feeds;
-  RotorHistory m_hornTrack{RotorMotion::Direction::Horn};
-  RotorHistory m_drumTrack{RotorMotion::Direction::Drum};
+  DriverFilters m_driverFilters;
+  RotorHistory m_hornHistory{RotorMotion::Direction::Horn};
+  RotorHistory m_drumHistory{RotorMotion::Direction::Drum};
   DelayLine m_hornLine, m_reducedHornLine, m_drumLine;
   HornModel m_horn;
   DrumModel m_drum;
@@ -112,7 +113,7 @@ class Cabinet {
   using ColorFilters = std::array<Biquad, 2>; ///< mid, low
   std::array<ColorFilters, 2> m_color;        ///< left, right
   PairRunner m_pairs;
-  MicrophoneMix m_output;
+  MicrophoneMix m_microphoneMix;
 };
 
 } // namespace qlx::engine

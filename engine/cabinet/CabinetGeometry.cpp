@@ -2,6 +2,7 @@
 #include "engine/cabinet/CabinetGeometry.h"
 
 #include "engine/signal/Interpolation.h"
+#include "engine/signal/Phase.h"
 
 #include <cmath>
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "engine/signal/Acoustics.h"
-
 #include <array>
 #include <span>
 

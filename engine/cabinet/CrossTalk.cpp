@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "engine/cabinet/CrossTalk.h"
 
+#include "engine/signal/SpeedOfSound.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -80,8 +82,8 @@ double CrossTalk::tap(const Ring& ring, int writeIndex, double delay) noexcept {
   return (1.0 - fraction) * ring.at(i) + fraction * ring.at(i + 1);
 }
 
-bool CrossTalk::readAhead(Path& path, const SmoothedRun& settings, int n) const noexcept {
-  const RunBuffer& delay = settings[path.delay];
+bool CrossTalk::readAhead(Path& path, const SmoothedValues& settings, int n) const noexcept {
+  const SubBlock& delay = settings[path.delay];
   const double samples = delay[0];
   if (samples != delay[static_cast<std::size_t>(n - 1)] || samples < n + 1 || samples >= kRingSize)
     return false;
@@ -94,13 +96,13 @@ bool CrossTalk::readAhead(Path& path, const SmoothedRun& settings, int n) const 
   return true;
 }
 
-void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunBuffer& input,
-                        const SmoothedRun& s, int n, Output& out) noexcept {
+void CrossTalk::process(const SubBlock& drum, const SubBlock& horn, const SubBlock& input,
+                        const SmoothedValues& s, int n, Output& out) noexcept {
   const auto size = static_cast<std::size_t>(n);
-  RunBuffer port;
+  SubBlock port;
   for (std::size_t k = 0; k < size; ++k) port[k] = input[k] * 8.0;
   m_portFilter.processGlide({port.data(), size});
-  RunBuffer drumReturn, hornReturn;
+  SubBlock drumReturn, hornReturn;
   for (std::size_t k = 0; k < size; ++k) {
     port[k] *= s[Smoothed::DrumFeedGain][k] * 8.0;
     drumReturn[k] = drum[k] * 4.0;
@@ -115,7 +117,7 @@ void CrossTalk::process(const RunBuffer& drum, const RunBuffer& horn, const RunB
                   {m_port, Smoothed::PortToDrumDelay, {}},
                   {m_hornReturn, Smoothed::HornEchoDelay, {}}};
   // Lines are read before they are written, sample by sample, unless all delays stand still and
-  // are longer than the stretch.
+  // are longer than the sub-block.
   const bool ahead = std::all_of(std::begin(paths), std::end(paths),
                                  [&](Path& path) { return readAhead(path, s, n); });
   for (std::size_t k = 0; k < size; ++k) {

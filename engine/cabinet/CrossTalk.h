@@ -5,6 +5,8 @@
 #include "engine/settings/SmoothedSettings.h"
 #include "engine/signal/Biquad.h"
 #include "engine/signal/Interpolation.h"
+#include "engine/signal/OnePole.h"
+#include "engine/signal/SubBlock.h"
 
 namespace qlx::engine {
 
@@ -34,15 +36,15 @@ class CrossTalk {
 
   /// What reaches the microphones, one value a sample.
   struct Output {
-    RunBuffer toHorns;
-    RunBuffer hornEcho;
-    RunBuffer toDrum;
+    SubBlock toHorns;
+    SubBlock hornEcho;
+    SubBlock toDrum;
   };
 
   /// n samples of the reduced drum's and horn's sound and of the engine's input, which excites the
   /// port.
-  void process(const RunBuffer& drum, const RunBuffer& horn, const RunBuffer& input,
-               const SmoothedRun& settings, int n, Output& out) noexcept;
+  void process(const SubBlock& drum, const SubBlock& horn, const SubBlock& input,
+               const SmoothedValues& settings, int n, Output& out) noexcept;
 
  private:
   static constexpr int kRingSize = 1024;
@@ -52,11 +54,11 @@ class CrossTalk {
   struct Path {
     const Ring& ring;
     Smoothed delay;
-    RunBuffer value;
+    SubBlock value;
   };
 
   static double tap(const Ring& ring, int writeIndex, double delay) noexcept;
-  bool readAhead(Path& path, const SmoothedRun& settings, int n) const noexcept;
+  bool readAhead(Path& path, const SmoothedValues& settings, int n) const noexcept;
 
   Ring m_drumReturn, m_hornReturn, m_port;
   int m_writeIndex = 0;

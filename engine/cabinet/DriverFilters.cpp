@@ -2,7 +2,9 @@
 #include "engine/cabinet/DriverFilters.h"
 
 #include "engine/signal/BiquadLanes.h"
+#include "engine/signal/Denormals.h"
 #include "engine/signal/FilterDesigns.h"
+#include "engine/signal/OnePole.h"
 
 namespace qlx::engine {
 
@@ -114,7 +116,7 @@ void DriverFilters::setDrumSaturation(double drive) noexcept {
   for (Biquad& section : m_drum) section.setSaturation(drive);
 }
 
-void DriverFilters::differentiate(const RunBuffer& x, const RunBuffer& hornGain, int n,
+void DriverFilters::differentiate(const SubBlock& x, const SubBlock& hornGain, int n,
                                   Output& out) noexcept {
   double state = m_differentiator, previous = m_previous;
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
@@ -122,11 +124,11 @@ void DriverFilters::differentiate(const RunBuffer& x, const RunBuffer& hornGain,
     previous = x[k];
     out.horn[k] = out.reducedHorn[k] = state * hornGain[k];
   }
-  m_differentiator = flushed(state);
+  m_differentiator = flushDenormals(state);
   m_previous = previous;
 }
 
-void DriverFilters::process(const RunBuffer& x, const RunBuffer& hornGain, int n,
+void DriverFilters::process(const SubBlock& x, const SubBlock& hornGain, int n,
                             Output& out) noexcept {
   differentiate(x, hornGain, n, out);
   const std::span<Biquad> reduced = std::span<Biquad>(m_reducedHorn).first(kReducedEnabled);
@@ -142,8 +144,8 @@ void DriverFilters::process(const RunBuffer& x, const RunBuffer& hornGain, int n
   ChainCopy<4> horn(std::span<Biquad>(m_horn).last(4)), reducedHorn(reduced);
   ChainCopy<4> drum(m_drum, &Biquad::fixedMemory);
   kernels::ChainSections<4>* const chains[] = {&horn.lanes(), &reducedHorn.lanes(), &drum.lanes()};
-  double* const runs[] = {out.horn.data(), out.reducedHorn.data(), out.drum.data()};
-  m_kernels.limitedChains(chains, runs, 3, n);
+  double* const signals[] = {out.horn.data(), out.reducedHorn.data(), out.drum.data()};
+  m_kernels.limitedChains(chains, signals, 3, n);
 }
 
 } // namespace qlx::engine

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/kernels/Kernels.h"
-#include "engine/signal/Acoustics.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 
@@ -27,15 +27,15 @@ class DriverFilters {
   void clearFilters() noexcept;
 
   struct Output {
-    RunBuffer horn, reducedHorn, drum;
+    SubBlock horn, reducedHorn, drum;
   };
 
   /// n samples: `x` the engine's input, `hornGain` one value a sample; out.drum holds the drum's
   /// feed and is filtered in place.
-  void process(const RunBuffer& x, const RunBuffer& hornGain, int n, Output& out) noexcept;
+  void process(const SubBlock& x, const SubBlock& hornGain, int n, Output& out) noexcept;
 
  private:
-  void differentiate(const RunBuffer& x, const RunBuffer& hornGain, int n, Output& out) noexcept;
+  void differentiate(const SubBlock& x, const SubBlock& hornGain, int n, Output& out) noexcept;
 
   const kernels::Kernels& m_kernels;
   std::array<Biquad, 12> m_horn;

@@ -2,6 +2,7 @@
 #include "engine/cabinet/DrumModel.h"
 
 #include "engine/cabinet/Directivity.h"
+#include "engine/signal/Denormals.h"
 
 #include <algorithm>
 #include <cmath>
@@ -128,7 +129,7 @@ double DrumModel::rayGain(std::size_t ray) const noexcept {
   return m_settings.rayGain[kKinds[ray].gain];
 }
 
-void DrumModel::refreshLanes(const RotorHistory& track, const DelayLine& line) noexcept {
+void DrumModel::refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept {
   if (m_lanesFresh && m_laneSettings == m_settings) return;
   m_lanesFresh = true;
   m_bank.rays.base = line.data();
@@ -144,22 +145,22 @@ void DrumModel::refreshLanes(const RotorHistory& track, const DelayLine& line) n
     RayPath path{m_settings.cabinet, m_rays, m_attenuation, kind.image};
     path.gain = gain * reflection;
     path.bouncePole = kind.bounces > 0 ? m_bouncePole[kind.bounces - 1U] : 0.0;
-    setLane(m_bank.rays, lane, path, track, line);
+    setLane(m_bank.rays, lane, path, history, line);
   }
 }
 
-void DrumModel::addStaticRay(const RotorHistory& track, const DelayLine& line, int n,
-                             RunBuffer& sum) noexcept {
+void DrumModel::addStaticRay(const RotorHistory& history, const DelayLine& line, int n,
+                             SubBlock& sum) noexcept {
   std::array<double, 4> weight;
-  const double* tap = fixedTap(line, track.writeIndex(0),
-                               m_rays.distance[kDirect] * track.samplesPerMetre(), weight);
+  const double* tap = fixedTap(line, history.writeIndex(0),
+                               m_rays.distance[kDirect] * history.samplesPerMetre(), weight);
   const double level = staticLevel();
   const double lowGain = m_settings.lowStaticGain * m_gainSum;
-  RunBuffer value, low;
+  SubBlock value, low;
   for (int j = 0; j < n; ++j)
     value[static_cast<std::size_t>(j)] = weight[0] * tap[j] + weight[1] * tap[j + 1] +
                                          weight[2] * tap[j + 2] + weight[3] * tap[j + 3];
-  const auto until = static_cast<std::size_t>(std::min(track.nextUpdate(0), n));
+  const auto until = static_cast<std::size_t>(std::min(history.nextUpdate(0), n));
   const auto size = static_cast<std::size_t>(n);
   // Low-pass and splitter in one go; the second follows the first by the level alone.
   double smooth = m_staticLowPass.state, bass = m_staticLowBand.state;
@@ -170,19 +171,19 @@ void DrumModel::addStaticRay(const RotorHistory& track, const DelayLine& line, i
     bass = bass * m_splitterPole + value[k] * (1.0 - m_splitterPole);
     low[k] = bass;
   }
-  m_staticLowPass.state = flushed(smooth);
-  m_staticLowBand.state = flushed(bass);
+  m_staticLowPass.state = flushDenormals(smooth);
+  m_staticLowBand.state = flushDenormals(bass);
   for (std::size_t k = 0; k < size; ++k)
     sum[k] += low[k] * lowGain + (value[k] - low[k]) * m_settings.staticGain;
 }
 
-void DrumModel::process(const RotorHistory& track, const DelayLine& line, int n,
-                        RunBuffer& out) noexcept {
-  refreshLanes(track, line);
+void DrumModel::process(const RotorHistory& history, const DelayLine& line, int n,
+                        SubBlock& out) noexcept {
+  refreshLanes(history, line);
   m_bank.splitterPole = m_splitterPole;
   const int lanes = m_region == MicrophoneRegion::Front ? kLanesWithoutSides : kernels::kDrumLanes;
-  m_kernels.drumRays(m_bank, lanes, track.pass(n), out.data());
-  addStaticRay(track, line, n, out);
+  m_kernels.drumRays(m_bank, lanes, history.pass(n), out.data());
+  addStaticRay(history, line, n, out);
 }
 
 } // namespace qlx::engine

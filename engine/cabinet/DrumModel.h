@@ -4,6 +4,8 @@
 #include "engine/cabinet/RayLanes.h"
 #include "engine/rotor/RotorNoisePlayer.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/OnePole.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 
@@ -55,13 +57,13 @@ class DrumModel {
 
   /// The next n samples: `line` holds the pre-filtered bass up to them. Writes the rotating sound
   /// with the static ray and the static low band.
-  void process(const RotorHistory& track, const DelayLine& line, int n, RunBuffer& out) noexcept;
+  void process(const RotorHistory& history, const DelayLine& line, int n, SubBlock& out) noexcept;
 
  private:
-  void refreshLanes(const RotorHistory& track, const DelayLine& line) noexcept;
+  void refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept;
   double rayGain(std::size_t ray) const noexcept;
-  void addStaticRay(const RotorHistory& track, const DelayLine& line, int n,
-                    RunBuffer& sum) noexcept;
+  void addStaticRay(const RotorHistory& history, const DelayLine& line, int n,
+                    SubBlock& sum) noexcept;
 
   static constexpr std::size_t kRayCount = 6;
 

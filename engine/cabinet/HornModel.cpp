@@ -2,7 +2,9 @@
 #include "engine/cabinet/HornModel.h"
 
 #include "engine/cabinet/Directivity.h"
+#include "engine/signal/OnePole.h"
 #include "engine/signal/ParallelForm.h"
+#include "engine/signal/SpeedOfSound.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,7 +101,7 @@ void HornModel::rebuildGeometry(std::size_t microphone) noexcept {
   m_lanesFresh = false;
 }
 
-void HornModel::refreshLanes(const RotorHistory& track, const DelayLine& line) noexcept {
+void HornModel::refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept {
   if (m_lanesFresh && m_laneSettings == m_settings) return;
   m_lanesFresh = true;
   m_bank.rays.base = line.data();
@@ -112,7 +114,7 @@ void HornModel::refreshLanes(const RotorHistory& track, const DelayLine& line) n
             {m_settings.cabinet, microphone.rays(), microphone.attenuation(), ray, 0.0,
              microphone.rayGain(ray), m_settings.ampClip,
              bounces > 0 ? m_bouncePole[bounces - 1U] : 0.0},
-            track, line);
+            history, line);
   }
   const double reflection = m_settings.cabinet.reflectionCoeff;
   const double gain = m_settings.zAxisGain * reflection * reflection;
@@ -127,13 +129,13 @@ void HornModel::refreshLanes(const RotorHistory& track, const DelayLine& line) n
   }
 }
 
-void HornModel::addStaticRays(const RotorHistory& track, const DelayLine& line, int n,
+void HornModel::addStaticRays(const RotorHistory& history, const DelayLine& line, int n,
                               double* pairs) noexcept {
   for (std::size_t m = 0; m < 2; ++m) {
     std::array<double, 4> weight;
     m_static.first[m] =
-        fixedTap(line, track.writeIndex(0),
-                 m_microphones[m].rays().distance[0] * track.samplesPerMetre(), weight);
+        fixedTap(line, history.writeIndex(0),
+                 m_microphones[m].rays().distance[0] * history.samplesPerMetre(), weight);
     for (std::size_t i = 0; i < weight.size(); ++i) m_static.weight[i][m] = weight[i];
     m_static.gain[m] = m_settings.staticGain * m_microphones[m].staticLevel();
   }
@@ -147,14 +149,14 @@ void HornModel::addZAxisEchoes(int n, double* pairs) noexcept {
   std::copy_n(m_past.data() + std::ptrdiff_t{2} * n, 2 * kPastSize, m_past.data());
 }
 
-void HornModel::process(const RotorHistory& track, const DelayLine& line, int n, RunBuffer& out1,
-                        RunBuffer& out2) noexcept {
-  refreshLanes(track, line);
+void HornModel::process(const RotorHistory& history, const DelayLine& line, int n, SubBlock& out1,
+                        SubBlock& out2) noexcept {
+  refreshLanes(history, line);
   const bool sides = m_microphones[0].hearsSideWalls() || m_microphones[1].hearsSideWalls();
-  std::array<double, 2 * (kRun + 2)> pairs{};
-  m_kernels.hornRays(m_bank, sides ? kernels::kHornLanes : kLanesWithoutSides, track.pass(n),
+  std::array<double, 2 * (kSubBlock + 2)> pairs{};
+  m_kernels.hornRays(m_bank, sides ? kernels::kHornLanes : kLanesWithoutSides, history.pass(n),
                      pairs.data());
-  addStaticRays(track, line, n, pairs.data());
+  addStaticRays(history, line, n, pairs.data());
   addZAxisEchoes(n, pairs.data());
   m_kernels.body(m_body, pairs.data(), n);
   const double gain1 = m_microphones[0].outputGain(), gain2 = m_microphones[1].outputGain();

@@ -3,6 +3,7 @@
 
 #include "engine/cabinet/HornMicrophone.h"
 #include "engine/cabinet/RayLanes.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 
@@ -26,17 +27,17 @@ class HornModel {
   void updateStaticPole() noexcept;
   void updateReflectionPoles() noexcept;
 
-  /// The next n samples: `line` holds the treble up to them, written at track.writeIndex; writes
+  /// The next n samples: `line` holds the treble up to them, written at history.writeIndex; writes
   /// what both microphones hear.
-  void process(const RotorHistory& track, const DelayLine& line, int n, RunBuffer& out1,
-               RunBuffer& out2) noexcept;
+  void process(const RotorHistory& history, const DelayLine& line, int n, SubBlock& out1,
+               SubBlock& out2) noexcept;
 
  private:
   static constexpr std::size_t kBounceCount = 5;
   static constexpr int kPastSize = 32; ///< samples of the past that the echoes reach
 
-  void refreshLanes(const RotorHistory& track, const DelayLine& line) noexcept;
-  void addStaticRays(const RotorHistory& track, const DelayLine& line, int n,
+  void refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept;
+  void addStaticRays(const RotorHistory& history, const DelayLine& line, int n,
                      double* pairs) noexcept;
   void addZAxisEchoes(int n, double* pairs) noexcept;
 
@@ -51,7 +52,7 @@ class HornModel {
   std::array<double, kBounceCount> m_bouncePole{};
   kernels::FixedPair m_static{};
   kernels::ParallelSections<28, 2> m_body{};
-  std::array<double, 2 * (kPastSize + kRun + 2)> m_past{};
+  std::array<double, 2 * (kPastSize + kSubBlock + 2)> m_past{};
   kernels::PairTaps m_echoes{};
 };
 

@@ -52,12 +52,12 @@ void MicrophoneMix::setInstantUpdate() noexcept {
 }
 
 void MicrophoneMix::process(const kernels::MixSignals& signals, const kernels::MixGains& gains,
-                            const SmoothedRun& s, int n, RunBuffer& left,
-                            RunBuffer& right) noexcept {
-  RunBuffer horn1, horn2, drum;
-  std::copy_n(signals.horn1, kRun, horn1.begin());
-  std::copy_n(signals.horn2, kRun, horn2.begin());
-  std::copy_n(signals.drum, kRun, drum.begin());
+                            const SmoothedValues& s, int n, SubBlock& left,
+                            SubBlock& right) noexcept {
+  SubBlock horn1, horn2, drum;
+  std::copy_n(signals.horn1, kSubBlock, horn1.begin());
+  std::copy_n(signals.horn2, kSubBlock, horn2.begin());
+  std::copy_n(signals.drum, kSubBlock, drum.begin());
   m_pairs.process({&m_highPass[0], 1}, {&m_highPass[1], 1}, n, horn1, horn2);
   m_drumLowPass.process({drum.data(), static_cast<std::size_t>(n)}, m_drumPole);
   const kernels::MixFilters filters{horn1.data(), horn2.data(), drum.data(),

@@ -3,6 +3,8 @@
 
 #include "engine/settings/SmoothedSettings.h"
 #include "engine/signal/BiquadLanes.h"
+#include "engine/signal/OnePole.h"
+#include "engine/signal/SubBlock.h"
 
 namespace qlx::engine {
 
@@ -24,7 +26,7 @@ class MicrophoneMix {
 
   /// n samples of both horn microphones and the drum; writes the mix to `left` and `right`.
   void process(const kernels::MixSignals& signals, const kernels::MixGains& gains,
-               const SmoothedRun& settings, int n, RunBuffer& left, RunBuffer& right) noexcept;
+               const SmoothedValues& settings, int n, SubBlock& left, SubBlock& right) noexcept;
 
  private:
   double inRange(double hz) const noexcept;

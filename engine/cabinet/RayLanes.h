@@ -5,6 +5,7 @@
 #include "engine/kernels/Kernels.h"
 #include "engine/rotor/RotorHistory.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/Phase.h"
 
 #include <algorithm>
 #include <array>
@@ -28,7 +29,7 @@ struct RayPath {
 /// Describes a path to the kernels; the lane's state stays. The lanes' base must be set.
 template <int N>
 void setLane(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
-             const RotorHistory& track, const DelayLine& line) noexcept {
+             const RotorHistory& history, const DelayLine& line) noexcept {
   const Rays& rays = path.rays;
   const double distance = rays.distance[path.ray], halfWidth = rays.halfWidth[path.ray];
   const double sign = rays.signY[path.ray], amRadius = path.cabinet.amRadius;
@@ -36,19 +37,19 @@ void setLane(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
   lanes.halfWidth[lane] = halfWidth;
   lanes.nearRate[lane] = sign * std::numbers::pi / (2.0 * halfWidth);
   lanes.farRate[lane] = sign * std::numbers::pi / (1.0 - 2.0 * halfWidth);
-  lanes.delay[lane] = (distance - path.shorter) * track.samplesPerMetre();
-  lanes.swing[lane] = path.cabinet.fmRadius * track.samplesPerMetre();
+  lanes.delay[lane] = (distance - path.shorter) * history.samplesPerMetre();
+  lanes.swing[lane] = path.cabinet.fmRadius * history.samplesPerMetre();
   lanes.levelPlace[lane] = (distance - 0.3 + amRadius) * 100.0;
   lanes.levelSwing[lane] = amRadius * 100.0;
   lanes.levelScale[lane] = path.attenuation.scale();
   lanes.lowestLevel[lane] = path.lowestLevel;
   lanes.gain[lane] = path.gain;
   lanes.bouncePole[lane] = path.bouncePole;
-  lanes.angles[lane] = track.angles();
+  lanes.angles[lane] = history.angles();
   // All of it stands in one engine object, so that the distances are small.
   lanes.line[lane] = static_cast<int>(line.data() - lanes.base);
   lanes.levels[lane] = static_cast<int>(path.attenuation.pieces() - lanes.base);
-  lanes.angleLag[lane] = static_cast<int>(kTrackSize - distance * track.samplesPerMetre());
+  lanes.angleLag[lane] = static_cast<int>(kHistorySize - distance * history.samplesPerMetre());
 }
 
 /// The rate of gliding filters, Hz, and where the counter-warp of their Q ends, as a share of it.
@@ -79,15 +80,15 @@ constexpr std::array<double, N + 1> continued(const std::array<double, N>& table
 }
 
 /// A sound that arrives at a fixed delay of `samples`: returns the oldest of the four points for
-/// the stretch's first sample and writes the weights of all four.
+/// the sub-block's first sample and writes the weights of all four.
 inline const double* fixedTap(const DelayLine& line, int writeIndex, double samples,
                               std::array<double, 4>& weight) noexcept {
   double position = writeIndex - samples;
-  while (position < 1.0) position += kTrackSize;
+  while (position < 1.0) position += kHistorySize;
   const int whole = static_cast<int>(position);
   const CubicWeights<double> w(position - whole);
   weight = {w.w0, w.w1, w.w2, w.w3};
-  return line.data() + ((whole - 1) & (kTrackSize - 1));
+  return line.data() + ((whole - 1) & (kHistorySize - 1));
 }
 
 } // namespace qlx::engine

@@ -2,6 +2,7 @@
 #include "engine/cabinet/ReducedModels.h"
 
 #include "engine/cabinet/Directivity.h"
+#include "engine/signal/OnePole.h"
 #include "engine/signal/ParallelForm.h"
 
 #include <algorithm>
@@ -131,7 +132,7 @@ void ReducedModels::refreshLanes(const Source& horn, const Source& drum) noexcep
       path.shorter = m_microphone.distance - 2.0 * cabinet.fmRadius;
       path.gain = gain[i];
       path.bouncePole = i == 0 ? 0.0 : m_bouncePole;
-      setLane(m_bank.rays, lanes[i], path, source.track, source.line);
+      setLane(m_bank.rays, lanes[i], path, source.history, source.line);
     }
   };
   set({kHornDirect, kHornBack, kHornWallB, kHornWallA}, horn, m_horn, m_hornSettings.cabinet,
@@ -147,8 +148,8 @@ void ReducedModels::addStaticRays(const Source& horn, const Source& drum, int n,
     const double distance = model.rays.distance[0];
     std::array<double, 4> weight;
     m_static.first[k] = fixedTap(
-        source.line, source.track.writeIndex(done),
-        (distance - m_microphone.distance + shorter) * source.track.samplesPerMetre(), weight);
+        source.line, source.history.writeIndex(done),
+        (distance - m_microphone.distance + shorter) * source.history.samplesPerMetre(), weight);
     for (std::size_t i = 0; i < weight.size(); ++i) m_static.weight[i][k] = weight[i];
     m_static.gain[k] = model.attenuation.level(distance, cabinet.amRadius, 0.0) * gain;
   };
@@ -160,21 +161,21 @@ void ReducedModels::addStaticRays(const Source& horn, const Source& drum, int n,
   };
   int done = 0;
   if (m_static.pole[1] != m_wantedDrumPole) {
-    done = std::min(drum.track.nextUpdate(0), n);
+    done = std::min(drum.history.nextUpdate(0), n);
     add(0, done);
     if (done < n) m_static.pole[1] = m_wantedDrumPole;
   }
   add(done, n);
 }
 
-void ReducedModels::process(const Source& horn, const Source& drum, int n, RunBuffer& hornOut,
-                            RunBuffer& drumOut) noexcept {
+void ReducedModels::process(const Source& horn, const Source& drum, int n, SubBlock& hornOut,
+                            SubBlock& drumOut) noexcept {
   refreshLanes(horn, drum);
-  std::array<double, 2 * (kRun + 2)> pairs;
+  std::array<double, 2 * (kSubBlock + 2)> pairs;
   const bool noSides =
       m_horn.region == MicrophoneRegion::Front && m_drum.region == MicrophoneRegion::Front;
   m_kernels.reducedRays(m_bank, noSides ? kLanesWithoutSides : kernels::kReducedLanes,
-                        horn.track.pass(n), drum.track.pass(n), pairs.data());
+                        horn.history.pass(n), drum.history.pass(n), pairs.data());
   addStaticRays(horn, drum, n, pairs.data());
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
     hornOut[k] = pairs[2 * k];

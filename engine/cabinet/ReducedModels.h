@@ -4,6 +4,7 @@
 #include "engine/cabinet/DrumModel.h"
 #include "engine/cabinet/HornMicrophone.h"
 #include "engine/cabinet/RayLanes.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 
@@ -33,13 +34,13 @@ class ReducedModels {
 
   /// The sound of one rotor and where it stands.
   struct Source {
-    const RotorHistory& track;
+    const RotorHistory& history;
     const DelayLine& line;
   };
 
   /// The next n samples of both.
-  void process(const Source& horn, const Source& drum, int n, RunBuffer& hornOut,
-               RunBuffer& drumOut) noexcept;
+  void process(const Source& horn, const Source& drum, int n, SubBlock& hornOut,
+               SubBlock& drumOut) noexcept;
 
  private:
   struct Model {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "engine/cabinet/Room.h"
 
+#include "engine/signal/OnePole.h"
+#include "engine/signal/SpeedOfSound.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -69,7 +72,7 @@ void Room::clear() noexcept {
   m_right.clear();
 }
 
-void Room::Side::write(const RunBuffer& send, int writeIndex, int n) noexcept {
+void Room::Side::write(const SubBlock& send, int writeIndex, int n) noexcept {
   for (int j = 0; j < n; ++j) {
     const auto i = static_cast<std::size_t>((writeIndex + j) & (kLineSize - 1));
     line[i] = send[static_cast<std::size_t>(j)];
@@ -77,8 +80,8 @@ void Room::Side::write(const RunBuffer& send, int writeIndex, int n) noexcept {
   }
 }
 
-void Room::process(Side& side, const RunBuffer& send, const RunBuffer& returnGain, int n,
-                   RunBuffer& out) const noexcept {
+void Room::process(Side& side, const SubBlock& send, const SubBlock& returnGain, int n,
+                   SubBlock& out) const noexcept {
   side.write(send, m_writeIndex, n);
   for (std::size_t i = 0; i < kTapCount; ++i)
     side.taps.first[i] = side.line.data() + ((m_writeIndex - side.delay[i]) & (kLineSize - 1));
@@ -86,8 +89,8 @@ void Room::process(Side& side, const RunBuffer& send, const RunBuffer& returnGai
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) out[k] *= returnGain[k];
 }
 
-void Room::process(const RunBuffer& sendLeft, const RunBuffer& sendRight,
-                   const RunBuffer& returnGain, int n, RunBuffer& left, RunBuffer& right) noexcept {
+void Room::process(const SubBlock& sendLeft, const SubBlock& sendRight, const SubBlock& returnGain,
+                   int n, SubBlock& left, SubBlock& right) noexcept {
   process(m_left, sendLeft, returnGain, n, left);
   process(m_right, sendRight, returnGain, n, right);
   m_writeIndex = (m_writeIndex + n) & (kLineSize - 1);

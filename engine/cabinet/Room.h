@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/kernels/Kernels.h"
-#include "engine/signal/Acoustics.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 #include <vector>
@@ -27,13 +27,14 @@ class Room {
   void clear() noexcept;
 
   /// n samples: sends in, returns (times returnGain, one value a sample) out.
-  void process(const RunBuffer& sendLeft, const RunBuffer& sendRight, const RunBuffer& returnGain,
-               int n, RunBuffer& left, RunBuffer& right) noexcept;
+  void process(const SubBlock& sendLeft, const SubBlock& sendRight, const SubBlock& returnGain,
+               int n, SubBlock& left, SubBlock& right) noexcept;
 
  private:
   static constexpr std::size_t kTapCount = kernels::RoomSide::kTaps;
   static constexpr int kLineSize = 65536;
-  static constexpr int kContinued = kRun + 8; ///< samples of the begin that follow the end again
+  static constexpr int kContinued =
+      kSubBlock + 8; ///< samples of the begin that follow the end again
 
   struct Side {
     std::array<int, kTapCount> delay{};
@@ -43,12 +44,12 @@ class Room {
     void compute(const std::array<double, kTapCount>& path,
                  const std::array<double, kTapCount>& cutoff, const RoomSettings& settings,
                  double dbPerMetre, double engineRate) noexcept;
-    void write(const RunBuffer& send, int writeIndex, int n) noexcept;
+    void write(const SubBlock& send, int writeIndex, int n) noexcept;
     void clear() noexcept;
   };
 
-  void process(Side& side, const RunBuffer& send, const RunBuffer& returnGain, int n,
-               RunBuffer& out) const noexcept;
+  void process(Side& side, const SubBlock& send, const SubBlock& returnGain, int n,
+               SubBlock& out) const noexcept;
 
   const kernels::Kernels& m_kernels;
   Side m_left, m_right;

@@ -6,19 +6,19 @@ namespace qlx::engine::kernels {
 // Memory that the kernels work on, laid out by field so that neighbouring lanes lie side by side.
 // Plain data without functions: files compiled for different instruction sets share it.
 
-/// Longest stretch, samples; the buffers have room for whole groups of four beyond it.
-inline constexpr int kLongestRun = 64;
+/// Longest sub-block, samples; the buffers have room for whole groups of four beyond it.
+inline constexpr int kLongestSubBlock = 64;
 /// Samples of the lines of sound and of angles, which are stored twice in a row.
 inline constexpr int kLineSize = 4096;
 /// Pieces of a level law, four coefficients each, from the constant up.
 inline constexpr int kLevelPieces = 511;
 
-/// One stretch of a rotor: where its samples stand in the lines, and the samples at which filters
+/// One sub-block of a rotor: where its samples stand in the lines, and the samples at which filters
 /// that follow the mouth's angle are re-tuned.
 struct RayPass {
   int writeIndex;
   int n;
-  int firstUpdate; ///< at or after 0; may lie beyond the stretch
+  int firstUpdate; ///< at or after 0; may lie beyond the sub-block
   int updateInterval;
 };
 
@@ -111,7 +111,7 @@ struct ReducedBank {
 /// Two sounds that arrive at a fixed delay: four points and their weights, a one-pole low-pass and
 /// a gain each.
 struct FixedPair {
-  const double* first[2]; ///< oldest of the four points of the stretch's first sample
+  const double* first[2]; ///< oldest of the four points of the sub-block's first sample
   double weight[4][2];
   double pole[2], gain[2];
   double state[2];
@@ -172,14 +172,14 @@ struct NoiseTreble {
 /// One side of the room: twelve taps on a line that is continued behind its end.
 struct RoomSide {
   static constexpr int kTaps = 12;
-  const double* first[kTaps]; ///< older of the two points of the stretch's first sample
+  const double* first[kTaps]; ///< older of the two points of the sub-block's first sample
   double older[kTaps], newer[kTaps];
   double pole[kTaps], state[kTaps];
 };
 
 inline constexpr int kFirTaps = 32;
 
-/// Signals of one stretch at the microphones.
+/// Signals of one sub-block at the microphones.
 struct MixSignals {
   double *horn1, *horn2, *drum;
   double *noise1, *noise2, *drumNoise; ///< of the motors; noise1 and noise2 become each side's own

@@ -48,9 +48,9 @@ void restTreble(NoiseTreble& t) {
   t.remaining = 0;
 }
 
-/// Targets for the tunings of a stretch, a vector of samples at a time, where the speed moves.
+/// Targets for the tunings of a sub-block, a vector of samples at a time, where the speed moves.
 struct TrebleTargets {
-  TrebleRoots roots[kLongestRun + kWidth];
+  TrebleRoots roots[kLongestSubBlock + kWidth];
   int known = 0; ///< samples from the first on whose targets stand in `roots`
 
   /// Target for sample j, whose place lies between the speeds and differs from the last one.
@@ -191,7 +191,7 @@ void loopRead(const float* loop, int length, const double* position, const doubl
     Lanes at = load(position + j);
     at = select(at < 0.0, at + whole, at);
     at = select(at >= whole, at - whole, at);
-    at = smaller(larger(at, Lanes{}), whole); // whatever stands behind the stretch's end
+    at = smaller(larger(at, Lanes{}), whole); // whatever stands behind the sub-block's end
     const WholeLanes here = truncated(at);
     const WholeLanes before = _mm_sub_epi32(here, _mm_set1_epi32(1));
     const WholeLanes index = _mm_add_epi32(before, _mm_and_si128(_mm_srai_epi32(before, 31), wrap));

@@ -7,8 +7,8 @@
 namespace qlx::engine::kernels {
 namespace {
 
-/// Samples of a stretch rounded up to the groups of four that are read together.
-constexpr int kBuffer = kLongestRun + 4;
+/// Samples of a sub-block rounded up to the groups of four that are read together.
+constexpr int kBuffer = kLongestSubBlock + 4;
 
 /// The movement of the mouth along the rays of one vector: the short arc in which it passes a ray's
 /// direction takes half a period, the long way round the other half.
@@ -40,7 +40,7 @@ struct Warp {
   }
 };
 
-/// Where the first sample of a stretch stands in the lines of each lane of a vector.
+/// Where the first sample of a sub-block stands in the lines of each lane of a vector.
 struct Beginning {
   int index[kWidth];
 
@@ -111,7 +111,7 @@ struct Arrival {
   }
 };
 
-/// Traces one vector of rays through a stretch: `x` what arrives, `level` how loud.
+/// Traces one vector of rays through a sub-block: `x` what arrives, `level` how loud.
 template <int N>
 inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int n,
                   double lowestSine, Lanes* x, Lanes* level) {
@@ -120,7 +120,7 @@ inline void trace(const RayLanes<N>& rays, int lane, const Beginning& begin, int
   const ArrivingAngles angles(rays, lane, begin);
   // The four points begin one before the place; two lengths more keep it positive.
   Lanes direct = begin.position() + (2.0 * kLineSize - 1.0) - arrival.delay;
-  // One step for the whole stretch at a time: short chains of dependent operations keep the
+  // One step for the whole sub-block at a time: short chains of dependent operations keep the
   // processor busy.
   Lanes sine[kBuffer];
   for (int j = 0; j < n; j += 4) {

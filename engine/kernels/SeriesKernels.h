@@ -15,7 +15,7 @@ constexpr int kSkew = 2;
 
 /// Sections side by side in a vector, each working on a sample that the one before it has finished:
 /// with `group` lanes a section, section k is k x kSkew samples late. The lateness stays inside a
-/// stretch, because lanes rest before their first and after their last sample.
+/// sub-block, because lanes rest before their first and after their last sample.
 struct SkewedSections {
   Lanes a1, a2, b0, b1, b2;
   Lanes x1, x2, y1, y2;
@@ -71,7 +71,7 @@ struct Begun {
 template <int Group>
 constexpr Begun<Group> kBegun;
 
-/// Lanes that have a sample at step s of a stretch of n.
+/// Lanes that have a sample at step s of a sub-block of n.
 template <int Group>
 inline LaneBits activeLanes(int s, int n) {
   const LaneBits begun = kBegun<Group>.at(s);
@@ -88,8 +88,8 @@ struct Travelling {
 };
 static_assert(kSkew == 2);
 
-/// A step in which some lanes rest: feed(s, y) makes the input from sample s of the stretch and the
-/// outputs of kSkew steps before, drain(s, y) takes the last section's output for sample s.
+/// A step in which some lanes rest: feed(s, y) makes the input from sample s of the sub-block and
+/// the outputs of kSkew steps before, drain(s, y) takes the last section's output for sample s.
 template <int Group, class Sections, class Feed, class Drain>
 inline void stepAtEdge(Sections& sections, Travelling& outputs, int s, int n, Feed feed,
                        Drain drain) {
@@ -101,7 +101,7 @@ inline void stepAtEdge(Sections& sections, Travelling& outputs, int s, int n, Fe
   if (s >= kLate) drain(s - kLate, outputs.last);
 }
 
-/// Runs one vector over a stretch.
+/// Runs one vector over a sub-block.
 template <int Group, class Sections, class Feed, class Drain>
 inline void runSkewed(Sections& sections, int n, Feed feed, Drain drain) {
   constexpr int kLate = Begun<Group>::kLate;
@@ -148,7 +148,7 @@ inline void addParallel(ParallelSections<Sections, Channels>& s, int lane, int n
 void body(ParallelSections<28, 2>& s, double* pairs, int n) {
   constexpr int kVectors = 2;
   static_assert(ParallelSections<28, 2>::kLanes % (kVectors * kWidth) == 0);
-  Lanes sum[kLongestRun] = {};
+  Lanes sum[kLongestSubBlock] = {};
   const auto pair = [&](int j) {
 #if defined(__AVX2__) && defined(__FMA__)
     return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(pairs + 2 * j));
@@ -167,7 +167,7 @@ void body(ParallelSections<28, 2>& s, double* pairs, int n) {
 }
 
 void reducedBody(ParallelSections<8, 1>& s, double* run, int n) {
-  Lanes sum[kLongestRun] = {};
+  Lanes sum[kLongestSubBlock] = {};
   addParallel<8 / kWidth>(
       s, 0, n, [&](int j) { return all(run[j]); }, sum);
   for (int j = 0; j < n; ++j) run[j] = s.direct * run[j] + sumOfLanes(sum[j]);

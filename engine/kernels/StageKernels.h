@@ -7,7 +7,7 @@ namespace qlx::engine::kernels {
 namespace {
 
 void roomSide(RoomSide& side, double* out, int n) {
-  Lanes sum[kLongestRun + 4] = {};
+  Lanes sum[kLongestSubBlock + 4] = {};
   for (int tap = 0; tap < RoomSide::kTaps; tap += kWidth) {
     // A tap's line and low-pass y = (y' - x) p + x in one.
     const Lanes pole = load(side.pole + tap), rest = 1.0 - pole;
@@ -73,7 +73,7 @@ inline Lanes tubeStage(Lanes x) {
 }
 
 void tube(const double* drive, double trackerShare, double& tracker, double* run, int n) {
-  alignas(32) double driven[kLongestRun + 4], dc[kLongestRun + 4];
+  alignas(32) double driven[kLongestSubBlock + 4], dc[kLongestSubBlock + 4];
   for (int j = 0; j < n; j += kWidth)
     store(driven + j, -tubeStage(-tubeStage(load(drive + j) * load(run + j) * 1.18)));
   // The asymmetry's DC is tracked through silence too, so that no thump follows it.

@@ -18,14 +18,14 @@ void RotorHistory::clear() noexcept {
 }
 
 void RotorHistory::advance(int n) noexcept {
-  RunBuffer angles;
+  SubBlock angles;
   const auto size = static_cast<std::size_t>(n);
   motion.advance({angles.data(), size}, {m_speeds.data(), size});
-  m_angles.writeRun(m_writeIndex, {angles.data(), size});
+  m_angles.write(m_writeIndex, {angles.data(), size});
 }
 
 void RotorHistory::finish(int n) noexcept {
-  m_writeIndex = (m_writeIndex + n) & (kTrackSize - 1);
+  m_writeIndex = (m_writeIndex + n) & (kHistorySize - 1);
   m_counter = (m_counter + n) & (kUpdateInterval - 1);
 }
 

@@ -3,18 +3,22 @@
 
 #include "engine/kernels/Kernels.h"
 #include "engine/rotor/RotorMotion.h"
-#include "engine/signal/Acoustics.h"
 #include "engine/signal/Interpolation.h"
+#include "engine/signal/SpeedOfSound.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 #include <span>
 
 namespace qlx::engine {
 
-/// Length of the lines in which rotors and their sound are remembered: 4096 engine samples, over 27
-/// m of air.
-inline constexpr int kTrackSize = kernels::kLineSize;
-using DelayLine = MirroredRing<kTrackSize>;
+/// Host samples between two updates of what follows the rotors' angle slowly (filters of the rays).
+inline constexpr int kUpdateInterval = 16;
+
+/// Length of the delay lines in which rotors and their sound are remembered: 4096 engine samples,
+/// over 27 m of air.
+inline constexpr int kHistorySize = kernels::kLineSize;
+using DelayLine = MirroredRing<kHistorySize>;
 
 /// A rotor as its models see it: the motion, the angles of the recent past (a ray that arrives now
 /// left the mouth some time ago), and the clock by which what follows the angle slowly is updated.
@@ -33,13 +37,13 @@ class RotorHistory {
   /// writeIndex() on.
   void advance(int n) noexcept;
 
-  /// Ends the stretch that advance began.
+  /// Ends the sub-block that advance began.
   void finish(int n) noexcept;
 
-  /// Where sample j of the current stretch stands in the lines, not yet wrapped.
+  /// Where sample j of the current sub-block stands in the lines, not yet wrapped.
   int writeIndex(int j) const noexcept { return m_writeIndex + j; }
 
-  /// The current stretch of n samples as the ray kernels take it.
+  /// The current sub-block of n samples as the ray kernels take it.
   kernels::RayPass pass(int n) const noexcept {
     return {m_writeIndex, n, nextUpdate(0), m_updateInterval};
   }
@@ -47,12 +51,12 @@ class RotorHistory {
   /// Angles (turns) of the past, as a line that is written like the sound.
   const double* angles() const noexcept { return m_angles.data(); }
 
-  /// First sample at or after j at which slow followers are updated; may lie beyond the stretch.
+  /// First sample at or after j at which slow followers are updated; may lie beyond the sub-block.
   int nextUpdate(int j) const noexcept {
     return j + ((m_updateInterval - (m_counter + j)) & (m_updateInterval - 1));
   }
 
-  /// Revolutions a sample, one entry a sample of the current stretch.
+  /// Revolutions a sample, one entry a sample of the current sub-block.
   std::span<const double> speeds(int n) const noexcept {
     return {m_speeds.data(), static_cast<std::size_t>(n)};
   }
@@ -60,8 +64,8 @@ class RotorHistory {
   double samplesPerMetre() const noexcept { return m_sampleRate * kInverseSpeedOfSound; }
 
  private:
-  MirroredRing<kTrackSize> m_angles;
-  RunBuffer m_speeds{};
+  MirroredRing<kHistorySize> m_angles;
+  SubBlock m_speeds{};
   int m_writeIndex = 0;
   int m_counter = 0;
   int m_updateInterval = kUpdateInterval;

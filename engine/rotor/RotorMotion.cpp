@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorMotion.h"
 
-#include "engine/signal/Acoustics.h"
+#include "engine/signal/Denormals.h"
+#include "engine/signal/Phase.h"
 
 #include <algorithm>
 #include <cmath>
@@ -89,7 +90,7 @@ void RotorMotion::advance(std::span<double> angles, std::span<double> speeds) no
   } else {
     for (double& s : speeds) {
       const double pole = speed > m_targetSpeed ? m_decelPole : m_accelPole;
-      s = speed = flushed(speed * pole + m_targetSpeed * (1.0 - pole));
+      s = speed = flushDenormals(speed * pole + m_targetSpeed * (1.0 - pole));
     }
   }
   m_currentSpeed = speed;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorNoisePlayer.h"
 
-#include "engine/signal/Acoustics.h"
 #include "engine/signal/Interpolation.h"
+#include "engine/signal/Phase.h"
+#include "engine/signal/SubBlock.h"
 
 #include <algorithm>
 #include <array>
@@ -103,8 +104,9 @@ RotorNoisePlayer::Gains RotorNoisePlayer::gainsFor(std::span<const double> speed
     }
     m_blendedSpeed = -1.0;
   }
-  const auto heard = [&](const RunBuffer& run) {
-    return std::any_of(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(speeds.size()),
+  const auto heard = [&](const SubBlock& samples) {
+    return std::any_of(samples.begin(),
+                       samples.begin() + static_cast<std::ptrdiff_t>(speeds.size()),
                        [](double gain) { return gain != 0.0; });
   };
   gains.slowHeard = heard(gains.slow);
@@ -112,14 +114,14 @@ RotorNoisePlayer::Gains RotorNoisePlayer::gainsFor(std::span<const double> speed
   return gains;
 }
 
-void RotorNoisePlayer::addSwitchSound(std::span<double> run) noexcept {
+void RotorNoisePlayer::addSwitchSound(std::span<double> samples) noexcept {
   if (!m_switchSound.isPlaying()) return;
-  for (double& x : run) x += m_switchSound.tick();
+  for (double& x : samples) x += m_switchSound.tick();
 }
 
-void RotorNoisePlayer::finish(double level, std::span<double> run) noexcept {
-  m_bandPass.processGlide(run);
-  for (double& x : run) x *= gain(level);
+void RotorNoisePlayer::finish(double level, std::span<double> samples) noexcept {
+  m_bandPass.processGlide(samples);
+  for (double& x : samples) x *= gain(level);
 }
 
 HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
@@ -160,10 +162,10 @@ void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, d
 void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
                            std::span<double> out) noexcept {
   constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
-  const double place = micAngle / kHornFastTurns + m_turnOffset;
+  const double loopOffset = micAngle / kHornFastTurns + m_turnOffset;
   const auto n = static_cast<int>(speeds.size());
   const Gains gains = gainsFor(speeds, &NoiseSpeedRange::hornBlend);
-  RunBuffer position, sum{};
+  SubBlock position, sum{};
   if (gains.slowHeard) {
     for (std::size_t i = 0; i < speeds.size(); ++i)
       position[i] = m_slowPosition + static_cast<double>(static_cast<int>(i)) * m_slowStep;
@@ -173,7 +175,8 @@ void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
   if (m_slowPosition >= kSlow) m_slowPosition -= kSlow;
   advanceTurns(m_fastPhase, 1.0 / kHornFastTurns, speeds, {position.data(), speeds.size()});
   if (gains.fastHeard) {
-    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] = (position[i] + place) * kFast;
+    for (std::size_t i = 0; i < speeds.size(); ++i)
+      position[i] = (position[i] + loopOffset) * kFast;
     m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), sum.data(), n);
   }
   std::copy_n(sum.begin(), n, out.begin());
@@ -220,10 +223,10 @@ void DrumNoisePlayer::setMicDistance(double metres) noexcept {
 void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
                               std::span<double> out) noexcept {
   constexpr int kSlow = kDrumSlowLength, kFast = kDrumFastLength;
-  const double place = micAngle / kDrumFastTurns + kDrumTurnOffset;
+  const double loopOffset = micAngle / kDrumFastTurns + kDrumTurnOffset;
   const auto n = static_cast<int>(speeds.size());
   const Gains gains = gainsFor(speeds, &NoiseSpeedRange::drumBlend);
-  RunBuffer position, slow{}, fast{}, between{};
+  SubBlock position, slow{}, fast{}, between{};
   advanceTurns(m_slowPhase, 1.0 / kDrumSlowTurns, speeds, {position.data(), speeds.size()});
   if (gains.slowHeard) {
     for (std::size_t i = 0; i < speeds.size(); ++i) position[i] *= kSlow;
@@ -232,7 +235,8 @@ void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, d
   }
   advanceTurns(m_fastPhase, 1.0 / kDrumFastTurns, speeds, {position.data(), speeds.size()});
   if (gains.fastHeard) {
-    for (std::size_t i = 0; i < speeds.size(); ++i) position[i] = (position[i] + place) * kFast;
+    for (std::size_t i = 0; i < speeds.size(); ++i)
+      position[i] = (position[i] + loopOffset) * kFast;
     m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), fast.data(),
                        n);
   }

@@ -3,8 +3,8 @@
 
 #include "engine/kernels/Kernels.h"
 #include "engine/rotor/Recordings.h"
-#include "engine/signal/Acoustics.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/SubBlock.h"
 
 #include <cstdint>
 #include <span>
@@ -79,9 +79,9 @@ class RotorNoisePlayer {
                    std::span<const float> fastLoop, std::span<const float> startStop, double bandHz,
                    double bandQ) noexcept;
 
-  /// How loud both recordings are, a sample of the stretch each.
+  /// How loud both recordings are, a sample of the sub-block each.
   struct Gains {
-    RunBuffer slow{}, fast{};
+    SubBlock slow{}, fast{};
     bool slowHeard = false, fastHeard = false;
   };
 
@@ -89,8 +89,8 @@ class RotorNoisePlayer {
   Gains gainsFor(std::span<const double> speeds,
                  NoiseBlend (NoiseSpeedRange::*law)(double) const noexcept) noexcept;
   void prepareBandPass(double sampleRate, double hz, double q) noexcept;
-  void addSwitchSound(std::span<double> run) noexcept;
-  void finish(double level, std::span<double> run) noexcept; ///< band-pass and level
+  void addSwitchSound(std::span<double> samples) noexcept;
+  void finish(double level, std::span<double> samples) noexcept; ///< band-pass and level
 
   const kernels::Kernels& m_kernels;
   std::span<const float> m_slowLoop;
@@ -111,7 +111,7 @@ class RotorNoisePlayer {
 /// to the rotor.
 class HornNoisePlayer : public RotorNoisePlayer {
  public:
-  /// `microphone` 0 or 1 chooses the recording and the place in the turn.
+  /// `microphone` 0 or 1 chooses the recording and the loopOffset in the turn.
   HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
                   int microphone) noexcept;
 
@@ -119,8 +119,8 @@ class HornNoisePlayer : public RotorNoisePlayer {
   void clear() noexcept; ///< phases and switching sound
   void setMicDistance(double metres) noexcept;
 
-  /// The recordings alone: one sample per entry of `speeds` (revolutions a sample, at most kRun)
-  /// into `out`; `micAngle` in turns.
+  /// The recordings alone: one sample per entry of `speeds` (revolutions a sample, at most
+  /// kSubBlock) into `out`; `micAngle` in turns.
   void read(std::span<const double> speeds, double micAngle, std::span<double> out) noexcept;
 
   /// The same with band-pass and gain at a level.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace qlx::engine {
 
@@ -28,7 +29,7 @@ constexpr double kHighestRayGain = 1.5; ///< controls reach 1
 constexpr double kHighestDb = 15.0;     ///< controls reach 12
 constexpr double kHighestHz = 100000.0;
 
-double panGain(double share) { return std::sin(share * kHalfPi); }
+double panGain(double share) { return std::sin(share * 0.5 * std::numbers::pi); }
 
 } // namespace
 
@@ -54,18 +55,18 @@ const SettingTable::Row& SettingTable::row(Setting setting) noexcept {
 
       {S::Lever, -1, 2, [](F& f, double v) { f.m_cabinet.setLever(v); }},
       {S::Stop, 0, 1, [](F& f, double v) { f.applyStop(v); }},
-      {S::HornSlowSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.hornTrack().motion.setSlowSpeed(v); }},
-      {S::HornFastSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.hornTrack().motion.setFastSpeed(v); }},
+      {S::HornSlowSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.hornHistory().motion.setSlowSpeed(v); }},
+      {S::HornFastSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.hornHistory().motion.setFastSpeed(v); }},
       {S::HornAccelSeconds, 0.001, 100,
-       [](F& f, double v) { f.m_cabinet.hornTrack().motion.setAccelTime(v); }},
+       [](F& f, double v) { f.m_cabinet.hornHistory().motion.setAccelTime(v); }},
       {S::HornDecelSeconds, 0.001, 100,
-       [](F& f, double v) { f.m_cabinet.hornTrack().motion.setDecelTime(v); }},
-      {S::DrumSlowSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.drumTrack().motion.setSlowSpeed(v); }},
-      {S::DrumFastSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.drumTrack().motion.setFastSpeed(v); }},
+       [](F& f, double v) { f.m_cabinet.hornHistory().motion.setDecelTime(v); }},
+      {S::DrumSlowSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.drumHistory().motion.setSlowSpeed(v); }},
+      {S::DrumFastSpeedHz, 0, 40, [](F& f, double v) { f.m_cabinet.drumHistory().motion.setFastSpeed(v); }},
       {S::DrumAccelSeconds, 0.001, 100,
-       [](F& f, double v) { f.m_cabinet.drumTrack().motion.setAccelTime(v); }},
+       [](F& f, double v) { f.m_cabinet.drumHistory().motion.setAccelTime(v); }},
       {S::DrumDecelSeconds, 0.001, 100,
-       [](F& f, double v) { f.m_cabinet.drumTrack().motion.setDecelTime(v); }},
+       [](F& f, double v) { f.m_cabinet.drumHistory().motion.setDecelTime(v); }},
 
       {S::HornMic1Angle, -1, 1, [](F& f, double v) { f.m_cabinet.horn().microphone(0).setAngle(v); }},
       {S::HornMic1Distance, 0.3, 8, [](F& f, double v) { f.m_cabinet.horn().microphone(0).setDistance(v); }},
@@ -204,7 +205,7 @@ void RotaryEngine::Frame::set(Setting setting, double value) noexcept {
     (value >= 0.5 ? m_stopPresses : m_stopReleases).fetch_add(1, std::memory_order_relaxed);
   const double limited = std::clamp(value, row.lowest, row.highest);
   if (setting == Setting::Bypass) m_wantedBypass.store(limited, std::memory_order_relaxed);
-  m_desk.write(setting, limited);
+  m_mailbox.write(setting, limited);
 }
 
 void RotaryEngine::Frame::apply(Setting setting, double value) noexcept {
@@ -212,7 +213,7 @@ void RotaryEngine::Frame::apply(Setting setting, double value) noexcept {
 }
 
 void RotaryEngine::Frame::takeSettings() noexcept {
-  m_desk.collect([this](Setting setting, double v) { apply(setting, v); });
+  m_mailbox.collect([this](Setting setting, double v) { apply(setting, v); });
 }
 
 void RotaryEngine::Frame::applyStop(double v) noexcept {
@@ -242,12 +243,12 @@ void RotaryEngine::Frame::setColor(double Frame::*gain, double db) noexcept {
 }
 
 void RotaryEngine::Frame::setHornHighPass(double hz) noexcept {
-  m_cabinet.output().setHornHighPass(hz);
+  m_cabinet.microphoneMix().setHornHighPass(hz);
   m_settings.setTarget(Smoothed::HornHighPassOn, hz > 0.0 ? 1.0 : 0.0);
 }
 
 void RotaryEngine::Frame::setDrumLowPass(double hz) noexcept {
-  m_cabinet.output().setDrumLowPass(hz > 0.0 ? hz : kHighestHz);
+  m_cabinet.microphoneMix().setDrumLowPass(hz > 0.0 ? hz : kHighestHz);
   m_settings.setTarget(Smoothed::DrumLowPassOn, hz > 0.0 ? 1.0 : 0.0);
 }
 

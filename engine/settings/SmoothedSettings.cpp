@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "engine/settings/SmoothedSettings.h"
 
+#include "engine/signal/Denormals.h"
+#include "engine/signal/OnePole.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -22,20 +25,20 @@ void SmoothedSettings::setSampleRate(double hz) noexcept {
   m_driveCoefficient = approachCoefficient(kDriveSeconds, hz);
 }
 
-const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
-  if (!m_moving) return m_hostRun;
+const SmoothedValues& SmoothedSettings::advance(int n) noexcept {
+  if (!m_moving) return m_hostValues;
   m_moving = false;
   for (std::size_t i = 0; i < kCount; ++i) {
-    RunBuffer& run = m_hostRun.m_values[i];
+    SubBlock& values = m_hostValues.m_values[i];
     const double target = m_target[i];
     const double x = m_current[i];
     if (std::abs(target - x) <= kArrived * std::max(1.0, std::abs(target))) {
       // What has arrived fills its buffers once and is then left alone.
-      if (m_flat[i] && run[0] == target) continue;
+      if (m_flat[i] && values[0] == target) continue;
       m_current[i] = target;
       m_flat[i] = true;
-      run.fill(target);
-      m_engineRun.m_values[i].fill(target);
+      values.fill(target);
+      m_engineValues.m_values[i].fill(target);
       continue;
     }
     m_flat[i] = false;
@@ -44,21 +47,22 @@ const SmoothedRun& SmoothedSettings::advance(int n) noexcept {
     double distance = target - x;
     for (int j = 0; j < n; ++j) {
       distance *= 1.0 - k;
-      run[static_cast<std::size_t>(j)] = target - distance;
+      values[static_cast<std::size_t>(j)] = target - distance;
     }
-    m_current[i] = flushed(target - distance);
+    m_current[i] = flushDenormals(target - distance);
   }
-  return m_hostRun;
+  return m_hostValues;
 }
 
-const SmoothedRun& SmoothedSettings::pick(std::span<const int> hostSamples) noexcept {
-  if (!m_moving) return m_engineRun;
+const SmoothedValues& SmoothedSettings::pick(std::span<const int> hostSamples) noexcept {
+  if (!m_moving) return m_engineValues;
   for (std::size_t i = 0; i < kCount; ++i) {
     if (m_flat[i]) continue;
     for (std::size_t k = 0; k < hostSamples.size(); ++k)
-      m_engineRun.m_values[i][k] = m_hostRun.m_values[i][static_cast<std::size_t>(hostSamples[k])];
+      m_engineValues.m_values[i][k] =
+          m_hostValues.m_values[i][static_cast<std::size_t>(hostSamples[k])];
   }
-  return m_engineRun;
+  return m_engineValues;
 }
 
 } // namespace qlx::engine

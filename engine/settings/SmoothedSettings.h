@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "engine/signal/Acoustics.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 #include <cstddef>
@@ -48,16 +48,16 @@ enum class Smoothed : unsigned char {
   Count
 };
 
-/// Values of all smoothed settings over one stretch, one each sample.
-class SmoothedRun {
+/// Values of all smoothed settings over one sub-block, one each sample.
+class SmoothedValues {
  public:
-  const RunBuffer& operator[](Smoothed setting) const noexcept {
+  const SubBlock& operator[](Smoothed setting) const noexcept {
     return m_values[static_cast<std::size_t>(setting)];
   }
 
  private:
   friend class SmoothedSettings;
-  std::array<RunBuffer, static_cast<std::size_t>(Smoothed::Count)> m_values{};
+  std::array<SubBlock, static_cast<std::size_t>(Smoothed::Count)> m_values{};
 };
 
 /// All smoothed settings, advanced once per host sample. Audio thread only.
@@ -74,12 +74,12 @@ class SmoothedSettings {
     m_moving = true;
   }
 
-  /// Moves on by n host samples (at most kRun) and gives their values; they hold until the next
-  /// call.
-  const SmoothedRun& advance(int n) noexcept;
+  /// Moves on by n host samples (at most kSubBlock) and gives their values; they hold until the
+  /// next call.
+  const SmoothedValues& advance(int n) noexcept;
 
-  /// The values of the given host samples of the last stretch, those on which the engine runs.
-  const SmoothedRun& pick(std::span<const int> hostSamples) noexcept;
+  /// The values of the given host samples of the last sub-block, those on which the engine runs.
+  const SmoothedValues& pick(std::span<const int> hostSamples) noexcept;
 
  private:
   static constexpr std::size_t kCount = static_cast<std::size_t>(Smoothed::Count);
@@ -87,8 +87,8 @@ class SmoothedSettings {
 
   std::array<double, kCount> m_target{};
   std::array<double, kCount> m_current{};
-  SmoothedRun m_hostRun, m_engineRun;
-  std::array<bool, kCount> m_flat{}; ///< arrived, both runs filled with the target
+  SmoothedValues m_hostValues, m_engineValues;
+  std::array<bool, kCount> m_flat{}; ///< arrived, both filled with the target
   bool m_moving = true;              ///< not all are known to be flat
   double m_coefficient = 0.0;
   double m_driveCoefficient = 0.0;

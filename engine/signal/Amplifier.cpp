@@ -59,21 +59,21 @@ void Amplifier::setTone(Tone tone, double db) noexcept {
   if (!m_tone[i].standsAt(kTone[i].hz, q, gain)) m_tone[i].setFrequencyQGain(kTone[i].hz, q, gain);
 }
 
-void Amplifier::process(const SmoothedRun& settings, int n, RunBuffer& run) noexcept {
-  const RunBuffer& input = settings[Smoothed::InputGain];
-  const RunBuffer& drive = settings[Smoothed::DriveGain];
-  const RunBuffer& post = settings[Smoothed::PostDriveGain];
+void Amplifier::process(const SmoothedValues& settings, int n, SubBlock& samples) noexcept {
+  const SubBlock& input = settings[Smoothed::InputGain];
+  const SubBlock& drive = settings[Smoothed::DriveGain];
+  const SubBlock& post = settings[Smoothed::PostDriveGain];
   const auto size = static_cast<std::size_t>(n);
-  for (std::size_t k = 0; k < size; ++k) run[k] *= input[k];
+  for (std::size_t k = 0; k < size; ++k) samples[k] *= input[k];
   if (m_type == Type::Tube)
-    m_kernels.tube(drive.data(), m_dcCoefficient, m_dcTracker, run.data(), n);
-  if (m_type == Type::Solid) m_kernels.transistor(drive.data(), run.data(), n);
-  for (std::size_t k = 0; k < size; ++k) run[k] *= post[k];
+    m_kernels.tube(drive.data(), m_dcCoefficient, m_dcTracker, samples.data(), n);
+  if (m_type == Type::Solid) m_kernels.transistor(drive.data(), samples.data(), n);
+  for (std::size_t k = 0; k < size; ++k) samples[k] *= post[k];
   if (allSettled(m_tone)) {
     ChainCopy<4> tone(m_tone);
-    m_kernels.chainSeries(tone.lanes().field[0], 4, 4, run.data(), n);
+    m_kernels.chainSeries(tone.lanes().field[0], 4, 4, samples.data(), n);
   } else {
-    for (Biquad& filter : m_tone) filter.processGlide({run.data(), size});
+    for (Biquad& filter : m_tone) filter.processGlide({samples.data(), size});
   }
 }
 

@@ -4,6 +4,7 @@
 #include "engine/kernels/Kernels.h"
 #include "engine/settings/SmoothedSettings.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/SubBlock.h"
 
 namespace qlx::engine {
 
@@ -28,7 +29,7 @@ class Amplifier {
   void setTone(Tone tone, double db) noexcept;
 
   /// n samples of the mono input, in place; drive and gains as smoothed.
-  void process(const SmoothedRun& settings, int n, RunBuffer& run) noexcept;
+  void process(const SmoothedValues& settings, int n, SubBlock& samples) noexcept;
 
  private:
   const kernels::Kernels& m_kernels;

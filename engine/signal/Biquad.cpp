@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "engine/signal/Biquad.h"
 
-#include "engine/signal/Acoustics.h"
+#include "engine/signal/Denormals.h"
+#include "engine/signal/Phase.h"
 
 #include <algorithm>
 #include <cmath>
@@ -344,7 +345,7 @@ void Biquad::runMoving(std::span<double> run, Limiter limit) noexcept {
   m_glide = m;
   const auto n = static_cast<double>(run.size());
   for (std::size_t i = 0; i < kRootCount; ++i)
-    m_currentRoots[i] = flushed(m_currentRoots[i] + n * m_increments[i]);
+    m_currentRoots[i] = flushDenormals(m_currentRoots[i] + n * m_increments[i]);
   m_glideRemaining -= static_cast<int>(run.size());
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/kernels/Kernels.h"
-#include "engine/signal/Acoustics.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/SubBlock.h"
 
 #include <algorithm>
 #include <span>
@@ -81,30 +81,30 @@ class PairRunner {
 
   using Channel = std::span<Biquad>; ///< one or two sections
 
-  void process(Channel left, Channel right, int n, RunBuffer& leftRun,
-               RunBuffer& rightRun) const noexcept {
+  void process(Channel left, Channel right, int n, SubBlock& leftSamples,
+               SubBlock& rightSamples) const noexcept {
     if (!allSettled(left) || !allSettled(right)) {
       const auto size = static_cast<std::size_t>(n);
-      for (Biquad& section : left) section.processGlide({leftRun.data(), size});
-      for (Biquad& section : right) section.processGlide({rightRun.data(), size});
+      for (Biquad& section : left) section.processGlide({leftSamples.data(), size});
+      for (Biquad& section : right) section.processGlide({rightSamples.data(), size});
       return;
     }
     kernels::PairSections<2> sections{};
     std::fill(std::begin(sections.field[kernels::kB0]), std::end(sections.field[kernels::kB0]),
               1.0);
-    std::array<double, 2 * (kRun + 2)> pairs;
+    std::array<double, 2 * (kSubBlock + 2)> pairs;
     for (std::size_t i = 0; i < left.size(); ++i) {
       copyToLane(left[i], left[i].glideMemory(), sections.field, 2 * i);
       copyToLane(right[i], right[i].glideMemory(), sections.field, 2 * i + 1);
     }
     for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-      pairs[2 * k] = leftRun[k];
-      pairs[2 * k + 1] = rightRun[k];
+      pairs[2 * k] = leftSamples[k];
+      pairs[2 * k + 1] = rightSamples[k];
     }
     m_kernels.pairSeries(sections.field[0], 4, 2, pairs.data(), n);
     for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
-      leftRun[k] = pairs[2 * k];
-      rightRun[k] = pairs[2 * k + 1];
+      leftSamples[k] = pairs[2 * k];
+      rightSamples[k] = pairs[2 * k + 1];
     }
     for (std::size_t i = 0; i < left.size(); ++i) {
       copyFromLane(sections.field, 2 * i, left[i].glideMemory());

@@ -27,7 +27,7 @@ struct CubicWeights {
   }
 };
 
-/// A delay line of Size samples stored twice in a row, so that a four-point read or a run never
+/// A delay line of Size samples stored twice in a row, so that a four-point read or a samples never
 /// wraps.
 template <int Size>
 class MirroredRing {
@@ -43,15 +43,15 @@ class MirroredRing {
     m_samples[i + Size] = x;
   }
 
-  /// Writes a run of samples from `index` on.
-  void writeRun(int index, std::span<const double> run) noexcept {
+  /// Writes a block of samples from `index` on.
+  void write(int index, std::span<const double> samples) noexcept {
     const auto begin = static_cast<std::size_t>(index & (Size - 1));
-    if (begin + run.size() <= std::size_t{Size}) {
-      std::copy(run.begin(), run.end(), m_samples.begin() + begin);
-      std::copy(run.begin(), run.end(), m_samples.begin() + begin + Size);
+    if (begin + samples.size() <= std::size_t{Size}) {
+      std::copy(samples.begin(), samples.end(), m_samples.begin() + begin);
+      std::copy(samples.begin(), samples.end(), m_samples.begin() + begin + Size);
       return;
     }
-    for (const double x : run) write(index++, x);
+    for (const double x : samples) write(index++, x);
   }
 
   double at(int index) const noexcept {

@@ -69,8 +69,8 @@ void RateConverter::Line::finish(int n) noexcept {
   std::copy_n(m_samples.begin() + n, kPast, m_samples.begin());
 }
 
-int RateConverter::decimate(const RunBuffer& in, int n, RunBuffer& out,
-                            std::array<int, kRun>& at) noexcept {
+int RateConverter::decimate(const SubBlock& in, int n, SubBlock& out,
+                            std::array<int, kSubBlock>& at) noexcept {
   int count = 0;
   for (int j = firstEngineSample(); j < n; j += m_factor) at[static_cast<std::size_t>(count++)] = j;
   if (m_factor == 1) {
@@ -83,20 +83,20 @@ int RateConverter::decimate(const RunBuffer& in, int n, RunBuffer& out,
   return count;
 }
 
-void RateConverter::interpolateSide(Line& line, int n, RunBuffer& side) const noexcept {
+void RateConverter::interpolateSide(Line& line, int n, SubBlock& side) const noexcept {
   for (int j = 0; j < n; ++j) line.write(j, side[static_cast<std::size_t>(j)] * m_factor);
   m_kernels.fir(m_table.data(), line.before(0), 1, side.data(), n);
   line.finish(n);
 }
 
-void RateConverter::interpolate(int n, RunBuffer& left, RunBuffer& right) noexcept {
+void RateConverter::interpolate(int n, SubBlock& left, SubBlock& right) noexcept {
   if (m_factor > 1) {
     // Zeros between the engine samples, then the image filters, then the low-passes.
     kernels::PairSections<2> image{};
     image.field[kernels::kB0][2] = image.field[kernels::kB0][3] = 1.0;
     copyToLane(m_imageLeft, m_imageLeft.fixedMemory(), image.field, 0);
     copyToLane(m_imageRight, m_imageRight.fixedMemory(), image.field, 1);
-    std::array<double, 2 * (kRun + 2)> pairs{};
+    std::array<double, 2 * (kSubBlock + 2)> pairs{};
     std::size_t next = 0;
     for (int j = firstEngineSample(); j < n; j += m_factor, ++next) {
       pairs[2 * static_cast<std::size_t>(j)] = left[next];

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/kernels/Kernels.h"
-#include "engine/signal/Acoustics.h"
 #include "engine/signal/Biquad.h"
+#include "engine/signal/SubBlock.h"
 
 #include <array>
 #include <cstdint>
@@ -31,32 +31,32 @@ class RateConverter {
 
   /// Takes n host samples of `in`; writes what falls on engine samples to `out` and the host
   /// samples' numbers to `at`. Returns how many engine samples there are.
-  int decimate(const RunBuffer& in, int n, RunBuffer& out, std::array<int, kRun>& at) noexcept;
+  int decimate(const SubBlock& in, int n, SubBlock& out, std::array<int, kSubBlock>& at) noexcept;
 
   /// The reverse for both outputs, in place: `left` and `right` hold the engine samples, then n
   /// host samples. Belongs to the decimate call before it.
-  void interpolate(int n, RunBuffer& left, RunBuffer& right) noexcept;
+  void interpolate(int n, SubBlock& left, SubBlock& right) noexcept;
 
  private:
-  /// A stretch of samples behind the ones that the low-pass still needs; in single precision, as
+  /// A sub-block of samples behind the ones that the low-pass still needs; in single precision, as
   /// the low-pass's coefficients are.
   class Line {
    public:
     void clear() noexcept { m_samples.fill(0.0); }
-    /// Appends a sample of the current stretch.
+    /// Appends a sample of the current sub-block.
     void write(int j, double x) noexcept {
       m_samples[kPast + static_cast<std::size_t>(j)] = static_cast<double>(static_cast<float>(x));
     }
-    /// Where the low-pass begins for sample j of the current stretch.
+    /// Where the low-pass begins for sample j of the current sub-block.
     const double* before(int j) const noexcept { return m_samples.data() + j; }
     void finish(int n) noexcept;
 
    private:
     static constexpr std::size_t kPast = kernels::kFirTaps - 1;
-    std::array<double, kPast + kRun + 8> m_samples{};
+    std::array<double, kPast + kSubBlock + 8> m_samples{};
   };
 
-  void interpolateSide(Line& line, int n, RunBuffer& side) const noexcept;
+  void interpolateSide(Line& line, int n, SubBlock& side) const noexcept;
   int firstEngineSample() const noexcept {
     return static_cast<int>((0U - m_sampleCounter) & static_cast<std::uint32_t>(m_factor - 1));
   }

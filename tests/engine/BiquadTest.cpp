@@ -213,7 +213,7 @@ TEST(Interpolation, LoopsWrapBothWays) {
     return loop[static_cast<std::size_t>((i + 4 * kLength) % kLength)];
   };
   for (double x = -15.9; x < 31.9; x += 0.37) {
-    RunBuffer position{}, gain{}, sum{};
+    SubBlock position{}, gain{}, sum{};
     position[1] = position[2] = x;
     gain[1] = 1.0;
     gain[2] = 2.0;
@@ -231,7 +231,7 @@ TEST(Interpolation, LoopsWrapBothWays) {
 
 TEST(Interpolation, FixedTapsWrapInTheirLine) {
   DelayLine line;
-  for (int i = 0; i < kTrackSize; ++i) line.write(i, std::sin(2 * kPi * i / 64));
+  for (int i = 0; i < kHistorySize; ++i) line.write(i, std::sin(2 * kPi * i / 64));
   for (const int writeIndex : {0, 1, 2, 5, 100, 4094, 4095}) {
     for (const double delay : {0.0, 0.3, 1.0, 2.75, 77.7, 3000.2}) {
       std::array<double, 4> weight;

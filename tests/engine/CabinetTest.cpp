@@ -86,10 +86,10 @@ class ModelBench {
   }
 
   void prepare(double hz) {
-    for (RotorHistory* track : {&hornTrack, &drumTrack}) {
-      track->motion.setSlowSpeed(hz);
-      track->motion.setLever(1.0);
-      track->setSampleRate(kRate, 1);
+    for (RotorHistory* history : {&hornHistory, &drumHistory}) {
+      history->motion.setSlowSpeed(hz);
+      history->motion.setLever(1.0);
+      history->setSampleRate(kRate, 1);
     }
     horn.setSampleRate(kRate);
     horn.clear();
@@ -104,37 +104,37 @@ class ModelBench {
 
   template <class Signal>
   std::vector<double> runHorn(int n, Signal signal) {
-    return run(hornTrack, n, signal, [&](RunBuffer& out) {
-      RunBuffer second;
-      horn.process(hornTrack, line, kRun, out, second);
+    return run(hornHistory, n, signal, [&](SubBlock& out) {
+      SubBlock second;
+      horn.process(hornHistory, line, kSubBlock, out, second);
     });
   }
 
   template <class Signal>
   std::vector<double> runDrum(int n, Signal signal) {
-    return run(drumTrack, n, signal,
-               [&](RunBuffer& out) { drum.process(drumTrack, line, kRun, out); });
+    return run(drumHistory, n, signal,
+               [&](SubBlock& out) { drum.process(drumHistory, line, kSubBlock, out); });
   }
 
   test::PlainRecordings recordings;
   HornSettings hornSettings;
   DrumSettings drumSettings;
-  RotorHistory hornTrack{RotorMotion::Direction::Horn}, drumTrack{RotorMotion::Direction::Drum};
+  RotorHistory hornHistory{RotorMotion::Direction::Horn}, drumHistory{RotorMotion::Direction::Drum};
   HornModel horn;
   DrumModel drum;
 
  private:
   template <class Signal, class Process>
-  std::vector<double> run(RotorHistory& track, int n, Signal signal, Process process) {
+  std::vector<double> run(RotorHistory& history, int n, Signal signal, Process process) {
     std::vector<double> result;
     line.clear();
-    for (int i = 0; i < n; i += kRun) {
-      track.advance(kRun);
-      for (int j = 0; j < kRun; ++j) line.write(track.writeIndex(j), signal(i + j));
-      RunBuffer out;
+    for (int i = 0; i < n; i += kSubBlock) {
+      history.advance(kSubBlock);
+      for (int j = 0; j < kSubBlock; ++j) line.write(history.writeIndex(j), signal(i + j));
+      SubBlock out;
       process(out);
       result.insert(result.end(), out.begin(), out.end());
-      track.finish(kRun);
+      history.finish(kSubBlock);
     }
     return result;
   }
@@ -276,12 +276,12 @@ TEST(Room, TapsArriveByPathAndFallLinearlyInDecibels) {
   Room room(kernels::chooseKernels());
   room.computeTaps(settings, kRate);
   std::vector<double> left;
-  RunBuffer gain;
+  SubBlock gain;
   gain.fill(1.0);
-  for (int i = 0; i < 10000; i += kRun) {
-    RunBuffer send{}, l, r;
+  for (int i = 0; i < 10000; i += kSubBlock) {
+    SubBlock send{}, l, r;
     if (i == 0) send[0] = 1.0;
-    room.process(send, send, gain, kRun, l, r);
+    room.process(send, send, gain, kSubBlock, l, r);
     left.insert(left.end(), l.begin(), l.end());
   }
   const double longest = 4.0 * 1.2 * 14.9 + 0.15;
@@ -290,8 +290,8 @@ TEST(Room, TapsArriveByPathAndFallLinearlyInDecibels) {
     const double pole =
         std::exp(-2 * std::numbers::pi *
                  std::clamp(kCutoffs[tap] * settings.mainCutoffHz, 20.0, 20000.0) / kRate);
-    // Sum of the tap's impulse response over a short stretch: the level times what the low-pass has
-    // let through.
+    // Sum of the tap's impulse response over a short sub-block: the level times what the low-pass
+    // has let through.
     double sum = 0;
     const auto first = static_cast<std::size_t>(samples);
     for (std::size_t i = first - 1; i < first + 40; ++i) sum += left[i];
@@ -333,11 +333,11 @@ TEST(CrossTalk, ReadsAtTheSmoothedDelay) {
   settings.setTarget(Smoothed::HornEchoLevel, 1.0);
   settings.snap();
   std::vector<double> echo;
-  for (int i = 0; i < 256; i += kRun) {
-    RunBuffer impulse{}, silence{};
+  for (int i = 0; i < 256; i += kSubBlock) {
+    SubBlock impulse{}, silence{};
     if (i == 0) impulse[0] = 1.0;
     CrossTalk::Output out;
-    cross.process(silence, impulse, silence, settings.advance(kRun), kRun, out);
+    cross.process(silence, impulse, silence, settings.advance(kSubBlock), kSubBlock, out);
     echo.insert(echo.end(), out.hornEcho.begin(), out.hornEcho.end());
   }
   EXPECT_EQ(firstAbove(echo, 1e-9), 50U);

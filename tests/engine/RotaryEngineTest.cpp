@@ -239,7 +239,7 @@ TEST(RotaryEngine, ANewRateIsTakenWhileSwitchedOn) {
 /// Another thread writes a value and asks for its work between the audio thread's look at the
 /// settings and its look at the work.
 TEST(SettingMailbox, WorkBringsTheSettingsWrittenBeforeIt) {
-  SettingMailbox desk;
+  SettingMailbox mailbox;
   double distance = 0.0;
   int writes = 0;
   const auto take = [&](Setting setting, double v) {
@@ -247,17 +247,17 @@ TEST(SettingMailbox, WorkBringsTheSettingsWrittenBeforeIt) {
     distance = v;
     ++writes;
   };
-  desk.write(Setting::HornMic1Distance, 1.0);
-  desk.request(kPendingHornMic1);
-  desk.collect(take);
-  desk.write(Setting::HornMic1Distance, 2.0);
-  desk.request(kPendingHornMic1 | kPendingDrum);
-  EXPECT_EQ(desk.takeWork(kPendingHornMic1 | kPendingHornMic2, take), kPendingHornMic1);
+  mailbox.write(Setting::HornMic1Distance, 1.0);
+  mailbox.request(kPendingHornMic1);
+  mailbox.collect(take);
+  mailbox.write(Setting::HornMic1Distance, 2.0);
+  mailbox.request(kPendingHornMic1 | kPendingDrum);
+  EXPECT_EQ(mailbox.takeWork(kPendingHornMic1 | kPendingHornMic2, take), kPendingHornMic1);
   EXPECT_EQ(distance, 2.0);
-  EXPECT_TRUE(desk.isRequested(kPendingDrum));
-  EXPECT_FALSE(desk.isRequested(kPendingHornMic1));
-  desk.write(Setting::HornMic1Distance, 3.0);
-  EXPECT_EQ(desk.takeWork(kPendingHornMic1, take), 0U);
+  EXPECT_TRUE(mailbox.isRequested(kPendingDrum));
+  EXPECT_FALSE(mailbox.isRequested(kPendingHornMic1));
+  mailbox.write(Setting::HornMic1Distance, 3.0);
+  EXPECT_EQ(mailbox.takeWork(kPendingHornMic1, take), 0U);
   EXPECT_EQ(writes, 2) << "no work, no look";
 }
 

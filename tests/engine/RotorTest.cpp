@@ -129,10 +129,10 @@ TEST(RotorMotion, RateChangeKeepsHertzAndSnaps) {
 }
 
 std::vector<double> play(HornNoisePlayer& player, double hz, double rate, int n) {
-  const std::vector<double> speeds(kRun, hz / rate);
+  const std::vector<double> speeds(kSubBlock, hz / rate);
   std::vector<double> out(static_cast<std::size_t>(n));
-  for (std::size_t done = 0; done < out.size(); done += kRun) {
-    const std::size_t size = std::min<std::size_t>(kRun, out.size() - done);
+  for (std::size_t done = 0; done < out.size(); done += kSubBlock) {
+    const std::size_t size = std::min<std::size_t>(kSubBlock, out.size() - done);
     player.process({speeds.data(), size}, 0.0, 1.0, {out.data() + done, size});
   }
   return out;
