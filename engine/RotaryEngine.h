@@ -2,18 +2,19 @@
 #pragma once
 
 #include "engine/rotor/Recordings.h"
+#include "engine/rotor/RotorReadout.h"
 #include "engine/settings/PendingWork.h"
 #include "engine/settings/Setting.h"
+#include "engine/settings/SettingMailbox.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
 
 namespace qlx::engine {
 
-/// Internal quality: LowCpu runs the rotors at a half to an eighth of the host's rate, Brilliant at
-/// the host's rate up to 50 kHz and at half or a quarter of it above.
-enum class CpuMode : unsigned char { LowCpu = 0, Brilliant = 1 };
+class SignalPath;
 
 /// Who knows the microphone placements and what the lever was told. Called on the audio thread
 /// behind the mute (and once while constructing).
@@ -30,7 +31,9 @@ class MicrophonePlacement {
   ~MicrophonePlacement() = default;
 };
 
-/// The rotary cabinet from the amplifier's input to the stereo microphones' output.
+/// The rotary cabinet from the amplifier's input to the stereo microphones' output: takes settings
+/// from all threads and, block by block, hands them and the samples to the signal path; what needs
+/// more than a new number is done behind a short mute.
 ///
 /// Threads: set, request, setHostRate, setCpuMode, switchOff, switchOn and the read-outs may be
 /// called from any thread at any time, none of them blocks; process and performAllPendingWork
@@ -44,7 +47,8 @@ class RotaryEngine {
   RotaryEngine(const RotaryEngine&) = delete;
   RotaryEngine& operator=(const RotaryEngine&) = delete;
 
-  /// Gives a physical value; see Setting for units.
+  /// Gives a physical value; see Setting for units. Asks for the work that the value makes
+  /// necessary (SettingTable), as request does.
   void set(Setting setting, double value) noexcept;
 
   /// Asks for re-initialisation: the output fades to the dry signal within about 60 ms, the work
@@ -82,9 +86,49 @@ class RotaryEngine {
   double hostRate() const noexcept;
 
  private:
-  friend struct SettingTable;
-  class Frame;
-  std::unique_ptr<Frame> m_frame;
+  static constexpr double kNoJump = -1.0;
+
+  /// The mute: FadingOut to the dry signal, Reinitialising one group of work a block, FadingIn.
+  enum class State : unsigned char { Running, FadingOut, Reinitialising, FadingIn };
+
+  // Audio thread.
+  void takeSettings() noexcept;
+  void apply(Setting setting, double value) noexcept;
+  void applyStop(double v) noexcept;
+  /// Takes work with the settings that were written before it was asked for.
+  std::uint32_t take(std::uint32_t work) noexcept;
+  void beginBlock() noexcept;
+  void stepState() noexcept;
+  void doPendingGroup() noexcept;
+  void doFullReset() noexcept;
+  void fadeIn() noexcept;
+  void applyPlacement() noexcept;
+  void refreshHostRate() noexcept;
+  void reset() noexcept;
+  CpuMode cpuMode() const noexcept { return m_cpuMode.load(std::memory_order_relaxed); }
+  template <class Sample>
+  void processBlocks(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
+                     int frames) noexcept;
+  template <class Sample>
+  void processBlock(const Sample* in0, const Sample* in1, Sample* out0, Sample* out1,
+                    int frames) noexcept;
+
+  // Any thread.
+  SettingMailbox m_mailbox;
+  std::atomic<double> m_wantedBypass{0.0};
+  std::atomic<double> m_bypassJump{kNoJump}; ///< share to which a switch-on jumps
+  std::atomic<std::uint32_t> m_stopPresses{0}, m_stopReleases{0};
+  std::atomic<double> m_wantedHostRate{44100.0};
+  std::atomic<bool> m_switchedOn{false};
+  std::atomic<CpuMode> m_cpuMode{CpuMode::LowCpu};
+  RotorReadout m_rotors;
+  std::atomic<double> m_publishedHostRate{44100.0};
+
+  // Audio thread.
+  MicrophonePlacement& m_placement;
+  State m_state = State::Running;
+  std::uint32_t m_seenStopPresses = 0, m_seenStopReleases = 0;
+  std::unique_ptr<SignalPath> m_path; ///< kept apart so that who includes this sees no filters
 };
 
 } // namespace qlx::engine

@@ -30,7 +30,8 @@ constexpr std::array<RoomPreset, 5> kRoomPresets = {{
 /// Motor noise against the sound, and the drum's recordings against the horn's.
 constexpr double kMechScale = 0.25;
 constexpr double kDrumNoiseScale = 7.96214341106;
-/// Mech speaks twice as loud as Drum Sample Volume, which sends the plain level again.
+/// A new value of Mech counts double until Drum Sample Volume is set, which sends the plain level
+/// again.
 constexpr double kMechFactor = 2.0;
 
 /// No closer to the horn than its cabinet allows, metres.
@@ -82,7 +83,7 @@ void ParameterApplication::applyLever(float v) {
   if (m_lastLever.exchange(v, std::memory_order_relaxed) != v) {
     set(Setting::Lever, 1.0 - static_cast<double>(v));
   }
-  // Who reaches for the lever wants the rotors to turn; a recalled preset only brings it along.
+  // Moving the lever releases Stop; a preset that contains the lever's position does not.
   if (m_effect.isApplyingPreset()) return;
   if (isEngaged(value(kStop))) m_effect.setParameterAutomated(kStop, 0.0F);
 }
@@ -127,16 +128,11 @@ void ParameterApplication::applyHornDistance(float v) {
   m_hornDistance.store(distance, std::memory_order_relaxed);
   set(Setting::HornMic1Distance, distance);
   setMic2Distance();
-  request(engine::kPendingHornMic1 | engine::kPendingHornMic2 | kCrossTalkWork);
-  // The index is nobody's; the editor hears of the distance under it.
-  constexpr std::int32_t kDistanceForEditor = 71;
+  // Not a parameter of its own: the editor shows the new distance under this index.
   m_effect.setParameter(kDistanceForEditor, v);
 }
 
-void ParameterApplication::applyMic2Distance(float /*v*/) {
-  setMic2Distance();
-  request(engine::kPendingHornMic1 | engine::kPendingHornMic2 | kCrossTalkWork);
-}
+void ParameterApplication::applyMic2Distance(float /*v*/) { setMic2Distance(); }
 
 void ParameterApplication::setMic2Distance() noexcept {
   const double first = m_hornDistance.load(std::memory_order_relaxed);
@@ -148,7 +144,6 @@ void ParameterApplication::applyDrumDistance(float v) {
   const float distance = micDistanceLaw(v);
   if (m_drumDistance.exchange(distance, std::memory_order_relaxed) == distance) return;
   set(Setting::DrumMicDistance, distance);
-  request(engine::kPendingDrum | kCrossTalkWork);
 }
 
 void ParameterApplication::applyMidiChannel(float v) { m_midiLever.setChannel(midiChannelLaw(v)); }

@@ -22,11 +22,6 @@ namespace qlx::plugin {
 /// values.
 class ParameterApplication final : public engine::MicrophonePlacement {
  public:
-  /// A moved microphone or source changes, beside its own rays, everything that is heard around the
-  /// corner.
-  static constexpr std::uint32_t kCrossTalkWork =
-      engine::kPendingReducedDrum | engine::kPendingReducedHorn | engine::kPendingCrossDelays;
-
   /// All three outlive this; none is called before apply.
   ParameterApplication(presets::CPresetSystemEffect& effect, engine::RotaryEngine& engine,
                        midi::MidiLever& midiLever) noexcept

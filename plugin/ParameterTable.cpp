@@ -14,38 +14,23 @@ namespace {
 
 using A = ParameterApplication;
 using S = engine::Setting;
-using engine::kPendingCrossDelays;
-using engine::kPendingDrum;
-using engine::kPendingHornMic1;
-using engine::kPendingHornMic2;
-using engine::kPendingRoomTaps;
 
-/// What a moved microphone or source changes beside its own rays: everything that is heard around
-/// the corner.
-constexpr std::uint32_t kCrossTalkWork = A::kCrossTalkWork;
-/// The horn's, the drum's rays and what depends on them.
-constexpr std::uint32_t kHornGeometryWork =
-    kPendingHornMic1 | kPendingHornMic2 | engine::kPendingReducedHorn;
-constexpr std::uint32_t kHornWork = kHornGeometryWork | kPendingCrossDelays;
-constexpr std::uint32_t kDrumWork =
-    kPendingDrum | engine::kPendingReducedDrum | kPendingCrossDelays;
-
-/// One setting of the engine through one law; geometry is rebuilt by the work that it asks for.
-template <S setting, auto law, std::uint32_t work = 0>
-void to(A& application, float v) {
+/// One setting of the engine through one law.
+template <S setting, auto law>
+void setsEngine(A& application, float v) {
   application.set(setting, law(v));
-  if constexpr (work != 0) application.request(work);
 }
 
-/// Work without a setting: the parameter is heard nowhere, but stored sounds expect the mute.
+/// Work without a setting: the parameter changes no sound, but a stored value of it has always come
+/// with the mute.
 template <std::uint32_t work>
-void ask(A& application, float /*v*/) {
+void requests(A& application, float /*v*/) {
   application.request(work);
 }
 
 /// What takes more than a setting and a law.
 template <void (A::*operation)(float)>
-void by(A& application, float v) {
+void calls(A& application, float v) {
   (application.*operation)(v);
 }
 
@@ -84,154 +69,165 @@ void applySwitchVolume(A& a, float v) {
 constexpr std::array<ParameterRow, kNumParameters> kRows = {{
     // index, name, display, default, what is done with it, kept (unless Kept), steps (unless fine)
     // Modes and levers
-    {0, "Bypass", kOnOff, 0.0F, to<S::Bypass, switchPosition>, kInAllPresets, kSwitchSteps},
-    {1, "CPUmode", kCpuModeWord, 1.0F, by<&A::applyCpuMode>, kInAllPresets, kSwitchSteps},
-    {2, "Lever", kLeverPlace, 0.0F, by<&A::applyLever>, kInAllPresets},
-    {3, "Speed", kSilent, 0.0F, nothing, kInAllPresets, kSwitchSteps},
-    {4, "Stop", kStopWord, 0.0F, by<&A::applyStop>, kInAllPresets, kSwitchSteps},
+    {kBypass, "Bypass", kOnOff, 0.0F, setsEngine<S::Bypass, switchPosition>, kInAllPresets, kSwitchSteps},
+    {kCPUmode, "CPUmode", kCpuModeWord, 1.0F, calls<&A::applyCpuMode>, kInAllPresets, kSwitchSteps},
+    {kLever, "Lever", kLeverPosition, 0.0F, calls<&A::applyLever>, kInAllPresets},
+    {kSpeed, "Speed", kSilent, 0.0F, nothing, kInAllPresets, kSwitchSteps},
+    {kStop, "Stop", kStopWord, 0.0F, calls<&A::applyStop>, kInAllPresets, kSwitchSteps},
 
     // Amplifier, tone, placement and room
-    {5, "Mech", kGain, 0.5F, by<&A::applyMech>},
-    {6, "Bottom", kTone, 0.5F, to<S::BottomGainDb, toneDb>},
-    {7, "LoMid", kTone, 0.5F, to<S::LoMidGainDb, toneDb>},
-    {8, "Presence", kTone, 0.501063F, to<S::PresenceGainDb, toneDb>},
-    {9, "Top", kTone, 0.5F, to<S::TopGainDb, toneDb>},
-    {10, "Setup", kMicSetup, 0.25F, by<&A::applySetup>, kKept, kSetupSteps},
-    {11, "Input", kInputGain, 0.500008F, to<S::InputGain, inputGainLaw>},
-    {12, "Type", kAmpType, 0.5F, to<S::AmplifierType, ampTypePosition>, kKept, kTypeSteps},
-    {13, "Drive", kDriveGain, 0.5F, to<S::DriveGain, driveLaw>},
-    {14, "Size", kRoomNumber, 0.0F, by<&A::applySize>, kKept, kSizeSteps},
-    {15, "Color", kPercent, 0.508422F, applyColor},
-    {16, "Amount", kRoomAmount, 0.0F, applyAmount},
+    {kMech, "Mech", kGain, 0.5F, calls<&A::applyMech>},
+    {kBottom, "Bottom", kTone, 0.5F, setsEngine<S::BottomGainDb, toneDb>},
+    {kLoMid, "LoMid", kTone, 0.5F, setsEngine<S::LoMidGainDb, toneDb>},
+    {kPresence, "Presence", kTone, 0.501063F, setsEngine<S::PresenceGainDb, toneDb>},
+    {kTop, "Top", kTone, 0.5F, setsEngine<S::TopGainDb, toneDb>},
+    {kSetup, "Setup", kMicSetup, 0.25F, calls<&A::applySetup>, kKept, kSetupSteps},
+    {kInput, "Input", kInputGain, 0.500008F, setsEngine<S::InputGain, inputGainLaw>},
+    {kType, "Type", kAmpType, 0.5F, setsEngine<S::AmplifierType, ampTypePosition>, kKept, kTypeSteps},
+    {kDrive, "Drive", kDriveGain, 0.5F, setsEngine<S::DriveGain, driveLaw>},
+    {kSize, "Size", kRoomNumber, 0.0F, calls<&A::applySize>, kKept, kSizeSteps},
+    {kColor, "Color", kPercent, 0.508422F, applyColor},
+    {kAmount, "Amount", kRoomAmount, 0.0F, applyAmount},
 
     // Horn
-    {17, "HSlowSpd", kRotorSpeed, 0.0673F, to<S::HornSlowSpeedHz, rotorSpeedLaw>},
-    {18, "HFastSpd", kRotorSpeed, 0.677088F, to<S::HornFastSpeedHz, rotorSpeedLaw>},
-    {19, "HAccel", kRampTime, 0.375887F, to<S::HornAccelSeconds, timeLaw>},
-    {20, "HDecel", kRampTime, 0.455859F, to<S::HornDecelSeconds, timeLaw>},
-    {21, "HDistance", kDistance, 0.5F, by<&A::applyHornDistance>},
-    {22, "HHPF", kHighPass, 0.0F, to<S::HornHighPassHz, hornHighPassLaw>},
-    {23, "HGain", kGain, 0.5F, to<S::HornGain, gainLaw>},
+    {kHSlowSpd, "HSlowSpd", kRotorSpeed, 0.0673F, setsEngine<S::HornSlowSpeedHz, rotorSpeedLaw>},
+    {kHFastSpd, "HFastSpd", kRotorSpeed, 0.677088F, setsEngine<S::HornFastSpeedHz, rotorSpeedLaw>},
+    {kHAccel, "HAccel", kRampTime, 0.375887F, setsEngine<S::HornAccelSeconds, timeLaw>},
+    {kHDecel, "HDecel", kRampTime, 0.455859F, setsEngine<S::HornDecelSeconds, timeLaw>},
+    {kHDistance, "HDistance", kDistance, 0.5F, calls<&A::applyHornDistance>},
+    {kHHPF, "HHPF", kHighPass, 0.0F, setsEngine<S::HornHighPassHz, hornHighPassLaw>},
+    {kHGain, "HGain", kGain, 0.5F, setsEngine<S::HornGain, gainLaw>},
 
     // Drum
-    {24, "DSlowSpd", kRotorSpeed, 0.0931F, to<S::DrumSlowSpeedHz, rotorSpeedLaw>},
-    {25, "DFastSpd", kRotorSpeed, 0.65282F, to<S::DrumFastSpeedHz, rotorSpeedLaw>},
-    {26, "DAccel", kRampTime, 0.630063F, to<S::DrumAccelSeconds, timeLaw>},
-    {27, "DDecel", kRampTime, 0.741758F, to<S::DrumDecelSeconds, timeLaw>},
-    {28, "DDistance", kDistance, 0.0F, by<&A::applyDrumDistance>},
-    {29, "DLPF", kLowPass, 1.0F, to<S::DrumLowPassHz, drumLowPassLaw>},
-    {30, "DGain", kGain, 0.5F, to<S::DrumGain, gainLaw>},
+    {kDSlowSpd, "DSlowSpd", kRotorSpeed, 0.0931F, setsEngine<S::DrumSlowSpeedHz, rotorSpeedLaw>},
+    {kDFastSpd, "DFastSpd", kRotorSpeed, 0.65282F, setsEngine<S::DrumFastSpeedHz, rotorSpeedLaw>},
+    {kDAccel, "DAccel", kRampTime, 0.630063F, setsEngine<S::DrumAccelSeconds, timeLaw>},
+    {kDDecel, "DDecel", kRampTime, 0.741758F, setsEngine<S::DrumDecelSeconds, timeLaw>},
+    {kDDistance, "DDistance", kDistance, 0.0F, calls<&A::applyDrumDistance>},
+    {kDLPF, "DLPF", kLowPass, 1.0F, setsEngine<S::DrumLowPassHz, drumLowPassLaw>},
+    {kDGain, "DGain", kGain, 0.5F, setsEngine<S::DrumGain, gainLaw>},
 
     // Reserved; MIDI
-    {31, "", kSilent, 0.5F},
-    {32, "", kSilent, 0.5F},
-    {33, "", kSilent, 1.0F},
-    {34, "", kSilent, 0.5F},
-    {35, "MIDIchl", kMidiChannel, 1.0F, by<&A::applyMidiChannel>, kInAllPresets},
-    {36, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved31, "", kSilent, 0.5F},
+    {kReserved32, "", kSilent, 0.5F},
+    {kReserved33, "", kSilent, 1.0F},
+    {kReserved34, "", kSilent, 0.5F},
+    {kMIDIchl, "MIDIchl", kMidiChannel, 1.0F, calls<&A::applyMidiChannel>, kInAllPresets},
+    {kReserved36, "", kSilent, 0.0F, nothing, kNotKept},
 
     // Horn: microphones, rotor and cabinet
-    {37, "Horn Gain", kGain, 0.5F, to<S::HornFeedGain, hornFeedLaw>},
-    {38, "Horn Mic1 Angle", kAngle, 0.19F, to<S::HornMic1Angle, micAngleLaw, kPendingHornMic1 | kCrossTalkWork>},
-    {39, "Horn Mic1 Panorama", kPanorama, 0.0F, to<S::HornMic1Pan, plain>},
-    {40, "Horn Mic2 Angle", kAngle, 0.52F, to<S::HornMic2Angle, micAngleLaw, kPendingHornMic2 | kCrossTalkWork>},
-    {41, "Horn Mic2 Distance", kMic2Offset, 0.2575F, by<&A::applyMic2Distance>},
-    {42, "Horn Mic2 Panorama", kPanorama, 1.0F, to<S::HornMic2Pan, plain>},
-    {43, "Horn Mic2 Gain", kGain, 0.55F, to<S::HornMic2Gain, gainLaw>},
-    {44, "Horn FM Radius", kRadius, 0.245586F, to<S::HornFmRadius, radiusLaw, kPendingCrossDelays>},
-    {45, "Horn Attenuation", kTwice, 0.497676F, to<S::HornAttenuationExponent, twice, kHornWork>},
-    {46, "Horn Ray 1 (front)", kPlain, 0.497715F, to<S::HornRayGain1, plain>},
-    {47, "Horn Ray 2 (back/sides)", kPlain, 0.5F, to<S::HornRayGain2, plain>},
-    {48, "Horn Ray 3 (back-right)", kPlain, 0.5F, to<S::HornRayGain3, plain>},
-    {49, "Horn Ray 4 (back-left)", kPlain, 0.5F, to<S::HornRayGain4, plain>},
-    {50, "Horn Ray 5 (LBR)", kPlain, 0.5F, to<S::HornRayGain5, plain>},
-    {51, "Horn Ray 6 (RBL)", kPlain, 0.5F, to<S::HornRayGain6, plain>},
-    {52, "Horn Rays 7-10 (misc)", kPlain, 0.559258F, to<S::HornRayGain7, plain>},
-    {53, "Horn LPF cut low", kFrequency, 0.0F},
-    {54, "Horn LPF cut high", kFrequency, 1.0F},
-    {55, "Horn Reflection coeff", kCoefficient, 0.922695F, to<S::HornReflectionCoeff, coefLaw>},
-    {56, "Horn Z-axis rays", kPlain, 0.696738F, to<S::HornZAxisGain, plain>},
-    {57, "", kSilent, 0.0F, nothing, kNotKept},
-    {58, "Horn Flip", kFlip, 0.0F, to<S::HornFlip, flipLaw, kHornWork>},
-    {59, "", kSilent, 0.0F, nothing, kNotKept},
-    {60, "Horn Reflection LPF", kOctaves, 0.348672F, to<S::HornReflectionLpfOctaves, twice>},
+    {kHornGain, "Horn Gain", kGain, 0.5F, setsEngine<S::HornFeedGain, hornFeedLaw>},
+    {kHornMic1Angle, "Horn Mic1 Angle", kAngle, 0.19F, setsEngine<S::HornMic1Angle, micAngleLaw>},
+    {kHornMic1Panorama, "Horn Mic1 Panorama", kPanorama, 0.0F, setsEngine<S::HornMic1Pan, plain>},
+    {kHornMic2Angle, "Horn Mic2 Angle", kAngle, 0.52F, setsEngine<S::HornMic2Angle, micAngleLaw>},
+    {kHornMic2Distance, "Horn Mic2 Distance", kMic2Offset, 0.2575F, calls<&A::applyMic2Distance>},
+    {kHornMic2Panorama, "Horn Mic2 Panorama", kPanorama, 1.0F, setsEngine<S::HornMic2Pan, plain>},
+    {kHornMic2Gain, "Horn Mic2 Gain", kGain, 0.55F, setsEngine<S::HornMic2Gain, gainLaw>},
+    {kHornFMRadius, "Horn FM Radius", kRadius, 0.245586F, setsEngine<S::HornFmRadius, radiusLaw>},
+    {kHornAttenuation, "Horn Attenuation", kTwice, 0.497676F, setsEngine<S::HornAttenuationExponent, twice>},
+    {kHornRay1, "Horn Ray 1 (front)", kPlain, 0.497715F, setsEngine<S::HornRayGain1, plain>},
+    {kHornRay2, "Horn Ray 2 (back/sides)", kPlain, 0.5F, setsEngine<S::HornRayGain2, plain>},
+    {kHornRay3, "Horn Ray 3 (back-right)", kPlain, 0.5F, setsEngine<S::HornRayGain3, plain>},
+    {kHornRay4, "Horn Ray 4 (back-left)", kPlain, 0.5F, setsEngine<S::HornRayGain4, plain>},
+    {kHornRay5, "Horn Ray 5 (LBR)", kPlain, 0.5F, setsEngine<S::HornRayGain5, plain>},
+    {kHornRay6, "Horn Ray 6 (RBL)", kPlain, 0.5F, setsEngine<S::HornRayGain6, plain>},
+    {kHornRays7To10, "Horn Rays 7-10 (misc)", kPlain, 0.559258F, setsEngine<S::HornRayGain7, plain>},
+    {kHornLPFCutLow, "Horn LPF cut low", kFrequency, 0.0F},
+    {kHornLPFCutHigh, "Horn LPF cut high", kFrequency, 1.0F},
+    {kHornReflectionCoeff, "Horn Reflection coeff", kCoefficient, 0.922695F, setsEngine<S::HornReflectionCoeff, coefLaw>},
+    {kHornZAxisRays, "Horn Z-axis rays", kPlain, 0.696738F, setsEngine<S::HornZAxisGain, plain>},
+    {kReserved57, "", kSilent, 0.0F, nothing, kNotKept},
+    {kHornFlip, "Horn Flip", kFlip, 0.0F, setsEngine<S::HornFlip, flipLaw>},
+    {kReserved59, "", kSilent, 0.0F, nothing, kNotKept},
+    {kHornReflectionLPF, "Horn Reflection LPF", kOctaves, 0.348672F, setsEngine<S::HornReflectionLpfOctaves, twice>},
 
     // Drum: microphone, rotor and cabinet
-    {61, "Drum Gain", kGain, 0.61418F, to<S::DrumFeedGain, gainLaw>},
-    {62, "Drum Mic1 Angle", kAngle, 0.5F, to<S::DrumMicAngle, micAngleLaw, kPendingDrum | kCrossTalkWork>},
-    {63, "Drum Mic1 Pan", kPanorama, 0.476328F, to<S::DrumMicPan, plain>},
-    {64, "", kSilent, 0.0F, nothing, kNotKept},
-    {65, "", kSilent, 0.0F, nothing, kNotKept},
-    {66, "", kSilent, 0.0F, nothing, kNotKept},
-    {67, "", kSilent, 0.0F, nothing, kNotKept},
-    {68, "Drum FM Radius", kRadius, 0.658691F, to<S::DrumFmRadius, radiusLaw, kPendingCrossDelays>},
-    {69, "Drum Attenuation", kTwice, 0.492148F, to<S::DrumAttenuationExponent, twice, kDrumWork>},
-    {70, "Drum Reflection coeff", kCoefficient, 0.923145F, to<S::DrumReflectionCoeff, coefLaw>},
-    {71, "", kSilent, 0.0F, nothing, kNotKept},
-    {72, "Horn Open Back Mode", kOnOff, 0.0F, to<S::HornOpenBackMode, openBackModeLaw, kHornGeometryWork>},
-    {73, "Drum Open Back Mode", kNotImplemented, 0.0F, nothing, kNotKept},
+    {kDrumGain, "Drum Gain", kGain, 0.61418F, setsEngine<S::DrumFeedGain, gainLaw>},
+    {kDrumMic1Angle, "Drum Mic1 Angle", kAngle, 0.5F, setsEngine<S::DrumMicAngle, micAngleLaw>},
+    {kDrumMic1Pan, "Drum Mic1 Pan", kPanorama, 0.476328F, setsEngine<S::DrumMicPan, plain>},
+    {kReserved64, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved65, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved66, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved67, "", kSilent, 0.0F, nothing, kNotKept},
+    {kDrumFMRadius, "Drum FM Radius", kRadius, 0.658691F, setsEngine<S::DrumFmRadius, radiusLaw>},
+    {kDrumAttenuation, "Drum Attenuation", kTwice, 0.492148F, setsEngine<S::DrumAttenuationExponent, twice>},
+    {kDrumReflectionCoeff, "Drum Reflection coeff", kCoefficient, 0.923145F, setsEngine<S::DrumReflectionCoeff, coefLaw>},
+    {kDistanceForEditor, "", kSilent, 0.0F, nothing, kNotKept},
+    {kHornOpenBackMode, "Horn Open Back Mode", kOnOff, 0.0F, setsEngine<S::HornOpenBackMode, openBackModeLaw>},
+    {kDrumOpenBackMode, "Drum Open Back Mode", kNotImplemented, 0.0F, nothing, kNotKept},
 
     // Amplifier and cross-talk levels
-    {74, "Amp Post-drive Gain", kGain, 0.5F, to<S::PostDriveGain, gainLaw>},
-    {75, "BR to Tube Mic Gain", kGain, 0.06F, to<S::PortToHornGain, gainLaw>},
-    {76, "BR to Drum Mic Gain", kGain, 0.184834F, to<S::PortToDrumGain, gainLaw>},
-    {77, "Drum->Tube feedback", kGain, 0.4F, to<S::DrumToHornGain, gainLaw, kPendingCrossDelays>},
-    {78, "Horn->Drum feedback", kGain, 0.3F, to<S::HornToDrumGain, gainLaw, kPendingCrossDelays>},
-    {79, "", kSilent, 0.0F, ask<kPendingCrossDelays>},
-    {80, "Drum Flip", kFlip, 0.0F, to<S::DrumFlip, flipLaw, kDrumWork>},
-    {81, "", kSilent, 0.0F, nothing, kNotKept},
-    {82, "", kSilent, 0.0F, nothing, kNotKept},
-    {83, "", kSilent, 0.0F, nothing, kNotKept},
-    {84, "", kSilent, 0.0F, nothing, kNotKept},
+    {kAmpPostDriveGain, "Amp Post-drive Gain", kGain, 0.5F, setsEngine<S::PostDriveGain, gainLaw>},
+    {kBRToTubeMicGain, "BR to Tube Mic Gain", kGain, 0.06F, setsEngine<S::PortToHornGain, gainLaw>},
+    {kBRToDrumMicGain, "BR to Drum Mic Gain", kGain, 0.184834F, setsEngine<S::PortToDrumGain, gainLaw>},
+    {kDrumToTubeFeedback, "Drum->Tube feedback", kGain, 0.4F, setsEngine<S::DrumToHornGain, gainLaw>},
+    {kHornToDrumFeedback, "Horn->Drum feedback", kGain, 0.3F, setsEngine<S::HornToDrumGain, gainLaw>},
+    {kReserved79, "", kSilent, 0.0F, requests<engine::kPendingCrossDelays>},
+    {kDrumFlip, "Drum Flip", kFlip, 0.0F, setsEngine<S::DrumFlip, flipLaw>},
+    {kReserved81, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved82, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved83, "", kSilent, 0.0F, nothing, kNotKept},
+    {kReserved84, "", kSilent, 0.0F, nothing, kNotKept},
 
     // Drum cabinet, attenuation of both rotors
-    {85, "Drum Ray 1 (front)", kPlain, 0.5F, to<S::DrumRayGain1, plain>},
-    {86, "Drum Ray 2 (back/sides)", kPlain, 0.5F, to<S::DrumRayGain2, plain>},
-    {87, "Drum LPF cut low", kFrequency, 0.849902F},
-    {88, "Drum LPF cut high", kFrequency, 1.0F},
-    {89, "Drum Reflection LPF", kOctaves, 0.13F, to<S::DrumReflectionLpfOctaves, twice>},
-    {90, "Horn Attenuation distance", kHornReach, 0.657754F, to<S::HornAttenuationDistance, hornAttenuationDistanceLaw, kHornWork>},
-    {91, "Drum Attenuation distance", kDrumReach, 0.653926F, to<S::DrumAttenuationDistance, drumAttenuationDistanceLaw, kPendingDrum | kCrossTalkWork>},
-    {92, "Horn Static Ray", kPlain, 0.353047F, to<S::HornStaticGain, plain>},
-    {93, "Horn Att Decay Exp", kDecayExponent, 0.5F, to<S::HornAttenuationFadeExponent, decayExponentLaw, kHornWork>},
-    {94, "Drum Att Decay Exp", kDecayExponent, 0.500977F, to<S::DrumAttenuationFadeExponent, decayExponentLaw, kDrumWork>},
-    {95, "Drum Static Ray", kPlain, 0.0F, to<S::DrumStaticGain, plain>},
-    {96, "Horn AM Radius", kRadius, 0.658926F, to<S::HornAmRadius, radiusLaw, kHornWork>},
-    {97, "Drum AM Radius", kRadius, 0.67334F, to<S::DrumAmRadius, radiusLaw, kDrumWork>},
+    {kDrumRay1, "Drum Ray 1 (front)", kPlain, 0.5F, setsEngine<S::DrumRayGain1, plain>},
+    {kDrumRay2, "Drum Ray 2 (back/sides)", kPlain, 0.5F, setsEngine<S::DrumRayGain2, plain>},
+    {kDrumLPFCutLow, "Drum LPF cut low", kFrequency, 0.849902F},
+    {kDrumLPFCutHigh, "Drum LPF cut high", kFrequency, 1.0F},
+    {kDrumReflectionLPF, "Drum Reflection LPF", kOctaves, 0.13F, setsEngine<S::DrumReflectionLpfOctaves, twice>},
+    {kHornAttenuationDistance, "Horn Attenuation distance", kHornReach, 0.657754F, setsEngine<S::HornAttenuationDistance, hornAttenuationDistanceLaw>},
+    {kDrumAttenuationDistance, "Drum Attenuation distance", kDrumReach, 0.653926F, setsEngine<S::DrumAttenuationDistance, drumAttenuationDistanceLaw>},
+    {kHornStaticRay, "Horn Static Ray", kPlain, 0.353047F, setsEngine<S::HornStaticGain, plain>},
+    {kHornAttDecayExp, "Horn Att Decay Exp", kDecayExponent, 0.5F, setsEngine<S::HornAttenuationFadeExponent, decayExponentLaw>},
+    {kDrumAttDecayExp, "Drum Att Decay Exp", kDecayExponent, 0.500977F, setsEngine<S::DrumAttenuationFadeExponent, decayExponentLaw>},
+    {kDrumStaticRay, "Drum Static Ray", kPlain, 0.0F, setsEngine<S::DrumStaticGain, plain>},
+    {kHornAMRadius, "Horn AM Radius", kRadius, 0.658926F, setsEngine<S::HornAmRadius, radiusLaw>},
+    {kDrumAMRadius, "Drum AM Radius", kRadius, 0.67334F, setsEngine<S::DrumAmRadius, radiusLaw>},
 
     // Saturation, room and motor noise
-    {98, "Horn Filter Saturation", kPlain, 0.3F, to<S::HornFilterSaturation, saturationLaw>},
-    {99, "Early Refl. Room Size", kRoomSize, 0.193426F, to<S::RoomSize, roomSizeLaw, kPendingRoomTaps>},
-    {100, "Early Refl. Virtual Room Size", kVirtualRoomSize, 0.371357F, to<S::VirtualRoomSize, virtualRoomSizeLaw, kPendingRoomTaps>},
-    {101, "Early Refl. LR Delay", kLeftRightDelay, 0.241094F, to<S::RoomLeftRightDelay, leftRightDelayLaw, kPendingRoomTaps>},
-    {102, "Slow Sample Volume", kGain, 0.125F, applySlowVolume},
-    {103, "Fast Sample Volume", kGain, 0.170079F, applyFastVolume},
-    {104, "Accel Sample Volume", kGain, 0.100002F},
-    {105, "Decel Sample Volume", kGain, 0.120002F, applySwitchVolume},
-    {106, "Early Refl. Main Cutoff", kFrequency, 0.69897F, to<S::RoomMainCutoffHz, freqLaw, kPendingRoomTaps>},
-    {107, "Early Refl. X Cutoff", kPlain, 0.0F, ask<kPendingRoomTaps>},
-    {108, "", kSilent, 0.0F, nothing, kNotKept},
-    {109, "Slow Speed Button", kOnOff, 0.0F},
+    {kHornFilterSaturation, "Horn Filter Saturation", kPlain, 0.3F, setsEngine<S::HornFilterSaturation, saturationLaw>},
+    {kEarlyReflRoomSize, "Early Refl. Room Size", kRoomSize, 0.193426F, setsEngine<S::RoomSize, roomSizeLaw>},
+    {kEarlyReflVirtualRoomSize, "Early Refl. Virtual Room Size", kVirtualRoomSize, 0.371357F, setsEngine<S::VirtualRoomSize, virtualRoomSizeLaw>},
+    {kEarlyReflLRDelay, "Early Refl. LR Delay", kLeftRightDelay, 0.241094F, setsEngine<S::RoomLeftRightDelay, leftRightDelayLaw>},
+    {kSlowSampleVolume, "Slow Sample Volume", kGain, 0.125F, applySlowVolume},
+    {kFastSampleVolume, "Fast Sample Volume", kGain, 0.170079F, applyFastVolume},
+    {kAccelSampleVolume, "Accel Sample Volume", kGain, 0.100002F},
+    {kDecelSampleVolume, "Decel Sample Volume", kGain, 0.120002F, applySwitchVolume},
+    {kEarlyReflMainCutoff, "Early Refl. Main Cutoff", kFrequency, 0.69897F, setsEngine<S::RoomMainCutoffHz, freqLaw>},
+    {kEarlyReflXCutoff, "Early Refl. X Cutoff", kPlain, 0.0F, requests<engine::kPendingRoomTaps>},
+    {kReserved108, "", kSilent, 0.0F, nothing, kNotKept},
+    {kSlowSpeedButton, "Slow Speed Button", kOnOff, 0.0F},
 
     // Drum and horn, continued
-    {110, "Drum Filter Saturation", kPlain, 0.5F, to<S::DrumFilterSaturation, saturationLaw>},
-    {111, "Drum Static Filter Cutoff", kFrequency, 1.0F, to<S::DrumStaticCutoffHz, freqLaw>},
-    {112, "Horn Static Filter Cutoff", kFrequency, 0.256055F, to<S::HornStaticCutoffHz, freqLaw>},
-    {113, "Drum Ray 3 (back-left)", kPlain, 0.5F, to<S::DrumRayGain3, plain>},
-    {114, "Drum Ray 4 (back-right)", kPlain, 0.5F, to<S::DrumRayGain4, plain>},
-    {115, "Drum Sample Volume", kGain, 0.789297F, by<&A::applyDrumSampleVolume>},
-    {116, "Drum Splitter Frequency", kSplitter, 0.30103F, to<S::DrumSplitterHz, drumSplitterLaw>},
-    {117, "Drum LP Static Gain", kGain, 0.328904F, to<S::DrumLowStaticGain, gainLaw>},
-    {118, "Bypass Speakers (Amp Only)", kOnOff, 0.0F, to<S::SpeakersBypassed, switchPosition>},
-    {119, "Horn Amplitude Clip", kCoefficient, 0.795879F, to<S::HornAmpClip, coefLaw>},
+    {kDrumFilterSaturation, "Drum Filter Saturation", kPlain, 0.5F, setsEngine<S::DrumFilterSaturation, saturationLaw>},
+    {kDrumStaticFilterCutoff, "Drum Static Filter Cutoff", kFrequency, 1.0F, setsEngine<S::DrumStaticCutoffHz, freqLaw>},
+    {kHornStaticFilterCutoff, "Horn Static Filter Cutoff", kFrequency, 0.256055F, setsEngine<S::HornStaticCutoffHz, freqLaw>},
+    {kDrumRay3, "Drum Ray 3 (back-left)", kPlain, 0.5F, setsEngine<S::DrumRayGain3, plain>},
+    {kDrumRay4, "Drum Ray 4 (back-right)", kPlain, 0.5F, setsEngine<S::DrumRayGain4, plain>},
+    {kDrumSampleVolume, "Drum Sample Volume", kGain, 0.789297F, calls<&A::applyDrumSampleVolume>},
+    {kDrumSplitterFrequency, "Drum Splitter Frequency", kSplitter, 0.30103F, setsEngine<S::DrumSplitterHz, drumSplitterLaw>},
+    {kDrumLPStaticGain, "Drum LP Static Gain", kGain, 0.328904F, setsEngine<S::DrumLowStaticGain, gainLaw>},
+    {kBypassSpeakers, "Bypass Speakers (Amp Only)", kOnOff, 0.0F, setsEngine<S::SpeakersBypassed, switchPosition>},
+    {kHornAmplitudeClip, "Horn Amplitude Clip", kCoefficient, 0.795879F, setsEngine<S::HornAmpClip, coefLaw>},
 }};
 
-constexpr unsigned char kDefaultsOrder[] = {
-    2, 37, 38, 21, 39, 23, 40, 41, 42, 43, 17, 18, 44, 45, 46, 47, 48, 49, 50, 51, 52, 53, 54, 55, 56, 57, 19, 20,
-    58, 59, 60, 61, 62, 28, 63, 30, 64, 65, 66, 67, 26, 27, 24, 25, 68, 69, 70, 22, 71, 72, 73, 74, 13, 75, 76, 77,
-    78, 79, 80, 81, 82, 83, 84, 85, 86, 87, 88, 89, 90, 12, 91, 92, 93, 94, 95, 96, 97, 98, 16, 99, 100, 101, 5,
-    102, 103, 104, 105, 106, 107, 29, 108, 8, 4, 109, 3, 7, 9, 110, 11, 111, 112, 113, 114, 115, 116, 117, 118, 10,
-    119, 6, 15, 14, 1, 35, 0};
+constexpr std::int32_t kDefaultsOrder[] = {
+    kLever, kHornGain, kHornMic1Angle, kHDistance, kHornMic1Panorama, kHGain, kHornMic2Angle, kHornMic2Distance,
+    kHornMic2Panorama, kHornMic2Gain, kHSlowSpd, kHFastSpd, kHornFMRadius, kHornAttenuation, kHornRay1, kHornRay2,
+    kHornRay3, kHornRay4, kHornRay5, kHornRay6, kHornRays7To10, kHornLPFCutLow, kHornLPFCutHigh, kHornReflectionCoeff,
+    kHornZAxisRays, kReserved57, kHAccel, kHDecel, kHornFlip, kReserved59, kHornReflectionLPF, kDrumGain,
+    kDrumMic1Angle, kDDistance, kDrumMic1Pan, kDGain, kReserved64, kReserved65, kReserved66, kReserved67, kDAccel,
+    kDDecel, kDSlowSpd, kDFastSpd, kDrumFMRadius, kDrumAttenuation, kDrumReflectionCoeff, kHHPF, kDistanceForEditor,
+    kHornOpenBackMode, kDrumOpenBackMode, kAmpPostDriveGain, kDrive, kBRToTubeMicGain, kBRToDrumMicGain,
+    kDrumToTubeFeedback, kHornToDrumFeedback, kReserved79, kDrumFlip, kReserved81, kReserved82, kReserved83,
+    kReserved84, kDrumRay1, kDrumRay2, kDrumLPFCutLow, kDrumLPFCutHigh, kDrumReflectionLPF, kHornAttenuationDistance,
+    kType, kDrumAttenuationDistance, kHornStaticRay, kHornAttDecayExp, kDrumAttDecayExp, kDrumStaticRay, kHornAMRadius,
+    kDrumAMRadius, kHornFilterSaturation, kAmount, kEarlyReflRoomSize, kEarlyReflVirtualRoomSize, kEarlyReflLRDelay,
+    kMech, kSlowSampleVolume, kFastSampleVolume, kAccelSampleVolume, kDecelSampleVolume, kEarlyReflMainCutoff,
+    kEarlyReflXCutoff, kDLPF, kReserved108, kPresence, kStop, kSlowSpeedButton, kSpeed, kLoMid, kTop,
+    kDrumFilterSaturation, kInput, kDrumStaticFilterCutoff, kHornStaticFilterCutoff, kDrumRay3, kDrumRay4,
+    kDrumSampleVolume, kDrumSplitterFrequency, kDrumLPStaticGain, kBypassSpeakers, kSetup, kHornAmplitudeClip, kBottom,
+    kColor, kSize, kCPUmode, kMIDIchl, kBypass};
 // clang-format on
 
 constexpr bool rowsStandAtTheirIndex() {
@@ -248,6 +244,6 @@ const ParameterRow* parameterRow(std::int32_t index) noexcept {
   return &kRows[static_cast<std::size_t>(index)];
 }
 
-std::span<const unsigned char> parameterDefaultsOrder() noexcept { return kDefaultsOrder; }
+std::span<const std::int32_t> parameterDefaultsOrder() noexcept { return kDefaultsOrder; }
 
 } // namespace qlx::plugin

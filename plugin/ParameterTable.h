@@ -43,7 +43,7 @@ inline void nothing(ParameterApplication& /*application*/, float /*v*/) {}
 
 /// Everything about one parameter.
 struct ParameterRow {
-  std::int32_t index;
+  ParameterIndex index;
   const char* name; ///< empty for reserved ones
   const Display& display;
   float defaultValue;
@@ -57,6 +57,6 @@ const ParameterRow* parameterRow(std::int32_t index) noexcept;
 
 /// The order in which a new effect takes its defaults. It matters: HDistance moves the Horn
 /// Amplitude Clip, whose own default comes later.
-std::span<const unsigned char> parameterDefaultsOrder() noexcept;
+std::span<const std::int32_t> parameterDefaultsOrder() noexcept;
 
 } // namespace qlx::plugin

@@ -72,7 +72,7 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
   setNumOutputs(2);
   setFlags(sdk::kCanReplacing | sdk::kCanDoubleReplacing);
 
-  for (std::int32_t index = kFirstReserved; index <= kLastReserved; ++index) {
+  for (std::int32_t index = kReserved31; index <= kReserved34; ++index) {
     m_parameters.store(index, parameterRow(index)->defaultValue);
   }
   createEditor();

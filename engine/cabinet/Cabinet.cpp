@@ -7,36 +7,29 @@ namespace {
 
 constexpr double kDrumShelfHz = 250.0;
 constexpr double kDrumShelfQ = 0.5;
-constexpr double kColorMidHz = 1500.0;
-constexpr double kColorMidQ = 0.5;
-constexpr double kColorLowHz = 350.0;
-constexpr double kColorLowQ = 0.6;
+constexpr double kDrumShelfDb = 6.0;
 
 } // namespace
 
 Cabinet::Cabinet(const Recordings& recordings, const kernels::Kernels& kernels)
-    : m_kernels(kernels), m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, 6.0),
+    : m_drumShelf(44100.0, Response::LowShelf, kDrumShelfHz, kDrumShelfQ, kDrumShelfDb),
       m_driverFilters(kernels), m_horn(hornSettings, recordings, kernels),
       m_drum(drumSettings, recordings, kernels), m_reduced(hornSettings, drumSettings, kernels),
-      m_room(kernels), m_pairs(kernels), m_microphoneMix(kernels) {
+      m_room(kernels), m_microphoneMix(kernels) {
   m_drumShelf.setEnabled(true);
-  for (ColorFilters& color : m_color) {
-    color[0].init(44100.0, Response::Peaking, kColorMidHz, kColorMidQ, 0.0);
-    color[1].init(44100.0, Response::LowShelf, kColorLowHz, kColorLowQ, 0.0);
-    color[0].setEnabled(true);
-    color[1].setEnabled(true);
-  }
+}
+
+void Cabinet::triggerHornNoise() noexcept {
+  for (const std::size_t number : {0U, 1U}) m_horn.microphone(number).noisePlayer().trigger();
 }
 
 void Cabinet::setLever(double v) noexcept {
-  if (m_hornHistory.motion.setLever(v) == RotorMotion::Event::Start)
-    forHornPlayers([](HornNoisePlayer& player) { player.trigger(); });
+  if (m_hornHistory.motion.setLever(v) == RotorMotion::Event::Start) triggerHornNoise();
   if (m_drumHistory.motion.setLever(v) == RotorMotion::Event::Start) m_drum.noisePlayer().trigger();
 }
 
 void Cabinet::setStop(double v) noexcept {
-  if (m_hornHistory.motion.setStop(v) != RotorMotion::Event::None)
-    forHornPlayers([](HornNoisePlayer& player) { player.trigger(); });
+  if (m_hornHistory.motion.setStop(v) != RotorMotion::Event::None) triggerHornNoise();
   if (m_drumHistory.motion.setStop(v) != RotorMotion::Event::None) m_drum.noisePlayer().trigger();
 }
 
@@ -58,26 +51,32 @@ void Cabinet::setDrumFlip(double sign) noexcept {
   resetDrumFilters();
 }
 
-void Cabinet::setColor(double midDb, double lowDb) noexcept {
-  for (ColorFilters& color : m_color) {
-    if (!color[0].standsAt(kColorMidHz, kColorMidQ, midDb)) color[0].setGainDb(midDb);
-    if (!color[1].standsAt(kColorLowHz, kColorLowQ, lowDb)) color[1].setGainDb(lowDb);
-  }
+void Cabinet::setHornReflectionLpf(double octaves) noexcept {
+  hornSettings.cabinet.reflectionLpfOctaves = octaves;
+  m_horn.updateReflectionPoles();
 }
 
-void Cabinet::applyHornReflectionLpf() noexcept { m_horn.updateReflectionPoles(); }
+void Cabinet::setDrumReflectionLpf(double octaves) noexcept {
+  drumSettings.cabinet.reflectionLpfOctaves = octaves;
+  m_drum.updateReflectionPoles();
+}
 
-void Cabinet::applyHornStaticCutoff() noexcept {
+void Cabinet::setHornStaticCutoff(double hz) noexcept {
+  hornSettings.cabinet.staticCutoffHz = hz;
   m_horn.updateStaticPole();
   m_reduced.updateHornStaticPole();
 }
 
-void Cabinet::applyDrumStaticCutoff() noexcept {
+void Cabinet::setDrumStaticCutoff(double hz) noexcept {
+  drumSettings.cabinet.staticCutoffHz = hz;
   m_drum.updateStaticPole();
   m_reduced.updateDrumStaticPole();
 }
 
-void Cabinet::applyDrumReflectionLpf() noexcept { m_drum.updateReflectionPoles(); }
+void Cabinet::setDrumSplitter(double hz) noexcept {
+  drumSettings.splitterHz = hz;
+  m_drum.updateSplitter();
+}
 
 void Cabinet::setModelRates(double engineRate, int factor) noexcept {
   m_engineRate = engineRate;
@@ -118,10 +117,6 @@ void Cabinet::setInstantUpdate() noexcept {
   m_driverFilters.setHornInstantUpdate();
   m_crossTalk.setInstantUpdate();
   m_microphoneMix.setInstantUpdate();
-  for (ColorFilters& color : m_color) {
-    color[0].setInstantUpdate(true);
-    color[1].setInstantUpdate(true);
-  }
 }
 
 void Cabinet::resetHornFilters() noexcept {
@@ -141,12 +136,6 @@ void Cabinet::updateFilterRates(double engineRate) noexcept {
   m_driverFilters.setHornRate(engineRate);
   m_crossTalk.setSampleRate(engineRate);
   m_microphoneMix.setSampleRate(engineRate);
-  for (ColorFilters& color : m_color) {
-    color[0].setSampleRate(engineRate);
-    color[1].setSampleRate(engineRate);
-    color[0].setInstantUpdate(false);
-    color[1].setInstantUpdate(false);
-  }
   resetHornFilters();
   resetDrumFilters();
 }
@@ -166,14 +155,10 @@ void Cabinet::clearEverything() noexcept {
   m_drumShelf.clearState();
   m_driverFilters.clearFilters();
   m_microphoneMix.clearFilters();
-  for (ColorFilters& color : m_color) {
-    color[0].clearState();
-    color[1].clearState();
-  }
 }
 
-void Cabinet::runRotors(const SubBlock& x, const SmoothedValues& settings, int n, Microphones& mics,
-                        Reduced& reduced) noexcept {
+void Cabinet::runRotors(const SubBlock& x, const SmoothedValues& settings, int n,
+                        MicrophoneSignals& mics, Reduced& reduced) noexcept {
   const auto size = static_cast<std::size_t>(n);
   DriverFilters::Output feeds;
   feeds.drum = x;
@@ -195,67 +180,29 @@ void Cabinet::runRotors(const SubBlock& x, const SmoothedValues& settings, int n
   m_hornHistory.finish(n);
 }
 
-void Cabinet::runNoise(int n, Microphones& mics) noexcept {
+void Cabinet::runNoise(int n, MicrophoneSignals& mics) noexcept {
   const auto size = static_cast<std::size_t>(n);
-  HornMicrophone &first = m_horn.microphone(0), &second = m_horn.microphone(1);
-  first.noisePlayer().read(m_hornHistory.speeds(n), first.position().angle,
-                           {mics.noise1.data(), size});
-  second.noisePlayer().read(m_hornHistory.speeds(n), second.position().angle,
-                            {mics.noise2.data(), size});
-  m_pairs.process({&first.noisePlayer().bandPass(), 1}, {&second.noisePlayer().bandPass(), 1}, n,
-                  mics.noise1, mics.noise2);
-  const double gain1 = first.noisePlayer().gain(first.staticLevel() * hornSettings.noiseLevel);
-  const double gain2 = second.noisePlayer().gain(second.staticLevel() * hornSettings.noiseLevel);
-  for (std::size_t k = 0; k < size; ++k) {
-    mics.noise1[k] *= gain1;
-    mics.noise2[k] *= gain2;
-  }
+  const auto hearing = [&](std::size_t number, SubBlock& out) {
+    HornMicrophone& microphone = m_horn.microphone(number);
+    return HornNoisePlayer::Hearing{microphone.noisePlayer(), microphone.position().angle,
+                                    microphone.staticLevel() * hornSettings.noiseLevel, out};
+  };
+  HornNoisePlayer::process(hearing(0, mics.noise1), hearing(1, mics.noise2),
+                           m_hornHistory.speeds(n));
   m_drum.noisePlayer().process(m_drumHistory.speeds(n), m_drum.microphone().angle,
                                m_drum.staticLevel() * drumSettings.noiseLevel,
                                {mics.drumNoise.data(), size});
 }
 
-kernels::MixGains Cabinet::mixGains(const SmoothedValues& s) const noexcept {
-  const auto of = [&](Smoothed setting) { return s[setting].data(); };
-  return {of(Smoothed::HornGain),
-          of(Smoothed::HornMic2Gain),
-          of(Smoothed::DrumGain),
-          of(Smoothed::Mic1PanLeft),
-          of(Smoothed::Mic1PanRight),
-          of(Smoothed::Mic2PanLeft),
-          of(Smoothed::Mic2PanRight),
-          of(Smoothed::DrumPanLeft),
-          of(Smoothed::DrumPanRight),
-          of(Smoothed::NoisePanA),
-          of(Smoothed::NoisePanB),
-          hornLevel,
-          noiseSendGain};
-}
-
-void Cabinet::addRoom(const SmoothedValues& s, const kernels::MixSignals& signals,
-                      const kernels::MixGains& gains, int n) noexcept {
-  SubBlock sendLeft, sendRight, left, right;
-  m_kernels.mixSends(signals, gains, sendLeft.data(), sendRight.data(), n);
-  m_room.process(sendLeft, sendRight, s[Smoothed::RoomReturnGain], n, left, right);
-  m_pairs.process(m_color[0], m_color[1], n, left, right);
-  const double levels[] = {m_horn.microphone(0).staticLevel(), m_horn.microphone(1).staticLevel(),
-                           m_drum.staticLevel()};
-  m_kernels.mixRoom(signals, gains, left.data(), right.data(), levels, n);
-}
-
 void Cabinet::process(const SubBlock& x, const SmoothedValues& settings, int n, SubBlock& left,
                       SubBlock& right) noexcept {
-  Microphones mics;
+  MicrophoneSignals mics;
   Reduced reduced;
   runRotors(x, settings, n, mics, reduced);
   m_crossTalk.process(reduced.drum, reduced.horn, x, settings, n, mics.cross);
-  const kernels::MixSignals signals{
-      mics.horn1.data(),         mics.horn2.data(),          mics.drum.data(),
-      mics.noise1.data(),        mics.noise2.data(),         mics.drumNoise.data(),
-      mics.cross.toHorns.data(), mics.cross.hornEcho.data(), mics.cross.toDrum.data()};
-  const kernels::MixGains gains = mixGains(settings);
-  addRoom(settings, signals, gains, n);
-  m_microphoneMix.process(signals, gains, settings, n, left, right);
+  const MicrophoneMix::RoomLevels levels{m_horn.microphone(0).staticLevel(),
+                                         m_horn.microphone(1).staticLevel(), m_drum.staticLevel()};
+  m_microphoneMix.process(mics, m_room, levels, settings, n, left, right);
 }
 
 } // namespace qlx::engine

@@ -10,25 +10,23 @@
 #include "engine/cabinet/Room.h"
 #include "engine/rotor/RotorHistory.h"
 #include "engine/settings/SmoothedSettings.h"
-#include "engine/signal/BiquadLanes.h"
+#include "engine/signal/Biquad.h"
 #include "engine/signal/SubBlock.h"
 
 namespace qlx::engine {
 
-/// Everything that runs at the engine rate: feeds, cross-over, both rotors, cross-talk, room,
-/// microphones' output. The stages run one after the other over sub-blocks of at most kSubBlock
-/// samples. Audio thread only.
+/// Everything that runs at the engine rate: crossover and driver filters, both rotors, cross-talk,
+/// room, mix of the microphones. The stages run one after the other over sub-blocks of at most
+/// kSubBlock samples. Audio thread only.
 class Cabinet {
  public:
   Cabinet(const Recordings& recordings, const kernels::Kernels& kernels);
 
-  // Settings, as they are taken by the stages; changed by the frame between sub-blocks.
+  // Settings, as they are taken by the stages; changed between sub-blocks (SettingTable).
   HornSettings hornSettings;
   DrumSettings drumSettings;
   RoomSettings roomSettings;
-  double hornLevel = 1.0;
-  double noiseSendGain = 0.0;
-  double distanceAmpClip = 0.0;
+  double distanceAmpClip = 0.0; ///< what a full reset sets hornSettings.ampClip to
 
   HornModel& horn() noexcept { return m_horn; }
   DrumModel& drum() noexcept { return m_drum; }
@@ -42,18 +40,13 @@ class Cabinet {
   void setDrumFlip(double sign) noexcept;
   void setHornSaturation(double drive) noexcept { m_driverFilters.setHornSaturation(drive); }
   void setDrumSaturation(double drive) noexcept { m_driverFilters.setDrumSaturation(drive); }
-  void setColor(double midDb, double lowDb) noexcept;
-  void applyHornReflectionLpf() noexcept;
-  void applyDrumReflectionLpf() noexcept;
-  void applyHornStaticCutoff() noexcept;
-  void applyDrumStaticCutoff() noexcept;
-  template <class Action>
-  void forHornPlayers(Action action) noexcept {
-    action(m_horn.microphone(0).noisePlayer());
-    action(m_horn.microphone(1).noisePlayer());
-  }
+  void setHornReflectionLpf(double octaves) noexcept;
+  void setDrumReflectionLpf(double octaves) noexcept;
+  void setHornStaticCutoff(double hz) noexcept;
+  void setDrumStaticCutoff(double hz) noexcept;
+  void setDrumSplitter(double hz) noexcept;
 
-  // The frame's re-initialisation steps.
+  // Steps of re-initialisation.
   void setModelRates(double engineRate, int factor) noexcept;
   void clearState() noexcept;
   void updateFilterRates(double engineRate) noexcept;
@@ -68,7 +61,7 @@ class Cabinet {
   void clearRoom() noexcept { m_room.clear(); }
   void computeCrossDelays(SmoothedSettings& settings) noexcept;
 
-  /// Zeroes every memory there is, for the recovery from numbers that got out of hand.
+  /// Zeroes every memory there is, where a sample was not finite.
   void clearEverything() noexcept;
 
   /// n engine samples of the input `x`; writes the stereo mix.
@@ -76,12 +69,7 @@ class Cabinet {
                SubBlock& right) noexcept;
 
  private:
-  struct Microphones {
-    SubBlock horn1, horn2, drum;
-    SubBlock noise1, noise2, drumNoise;
-    CrossTalk::Output cross;
-  };
-
+  void triggerHornNoise() noexcept;
   void clearHorns() noexcept;
   void clearDrums() noexcept;
   void resetHornFilters() noexcept;
@@ -91,14 +79,10 @@ class Cabinet {
     SubBlock horn, drum;
   };
 
-  void runRotors(const SubBlock& x, const SmoothedValues& settings, int n, Microphones& mics,
+  void runRotors(const SubBlock& x, const SmoothedValues& settings, int n, MicrophoneSignals& mics,
                  Reduced& reduced) noexcept;
-  void runNoise(int n, Microphones& mics) noexcept;
-  kernels::MixGains mixGains(const SmoothedValues& settings) const noexcept;
-  void addRoom(const SmoothedValues& settings, const kernels::MixSignals& signals,
-               const kernels::MixGains& gains, int n) noexcept;
+  void runNoise(int n, MicrophoneSignals& mics) noexcept;
 
-  const kernels::Kernels& m_kernels;
   double m_engineRate = 44100.0;
   Biquad m_drumShelf;
   DriverFilters m_driverFilters;
@@ -110,9 +94,6 @@ class Cabinet {
   ReducedModels m_reduced;
   CrossTalk m_crossTalk;
   Room m_room;
-  using ColorFilters = std::array<Biquad, 2>; ///< mid, low
-  std::array<ColorFilters, 2> m_color;        ///< left, right
-  PairRunner m_pairs;
   MicrophoneMix m_microphoneMix;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "engine/cabinet/CrossTalk.h"
+#include "engine/cabinet/Room.h"
 #include "engine/settings/SmoothedSettings.h"
 #include "engine/signal/BiquadLanes.h"
 #include "engine/signal/OnePole.h"
@@ -8,11 +10,27 @@
 
 namespace qlx::engine {
 
-/// The three microphones' way to stereo: optional high-pass on the horn's, low-pass on the drum's,
-/// panorama, mix. Engine rate; audio thread only.
+/// What arrives at the two horn microphones and the drum's, one value a sample each.
+struct MicrophoneSignals {
+  SubBlock horn1, horn2, drum;
+  SubBlock noise1, noise2, drumNoise; ///< of the motors
+  CrossTalk::Output cross;
+};
+
+/// The three microphones' way to stereo: gains, the room's send and its coloured return, the
+/// motors' noise, optional high-pass on the horn's and low-pass on the drum's, panorama, sum.
+/// Engine rate; audio thread only.
 class MicrophoneMix {
  public:
   explicit MicrophoneMix(const kernels::Kernels& kernels);
+
+  double hornLevel = 1.0; ///< of the chosen microphone placement
+  double noiseSendGain = 0.0;
+
+  /// Levels at which the room is heard in each microphone: those of the direct sound.
+  struct RoomLevels {
+    double horn1, horn2, drum;
+  };
 
   void setSampleRate(double hz) noexcept;
   void clear() noexcept; ///< the drum low-pass
@@ -24,16 +42,22 @@ class MicrophoneMix {
   void setHornHighPass(double hz) noexcept;
   void setDrumLowPass(double hz) noexcept;
 
-  /// n samples of both horn microphones and the drum; writes the mix to `left` and `right`.
-  void process(const kernels::MixSignals& signals, const kernels::MixGains& gains,
+  /// Colour of the room's return: gain in dB of its mid (1500 Hz) and low (350 Hz) filters.
+  void setColor(double midDb, double lowDb) noexcept;
+
+  /// n samples; `mics` is worked on in place, the mix goes to `left` and `right`.
+  void process(MicrophoneSignals& mics, Room& room, const RoomLevels& levels,
                const SmoothedValues& settings, int n, SubBlock& left, SubBlock& right) noexcept;
 
  private:
   double inRange(double hz) const noexcept;
+  kernels::MixGains gains(const SmoothedValues& settings) const noexcept;
 
   const kernels::Kernels& m_kernels;
   PairRunner m_pairs;
-  std::array<Biquad, 2> m_highPass; ///< microphone 1, 2
+  using ColorFilters = std::array<Biquad, 2>; ///< mid, low
+  std::array<ColorFilters, 2> m_color;        ///< left, right
+  std::array<Biquad, 2> m_highPass;           ///< microphone 1, 2
   OnePole m_drumLowPass;
   double m_drumPole = 0.0;
   double m_hornHighPassHz = 20.0;

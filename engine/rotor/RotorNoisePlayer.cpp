@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorNoisePlayer.h"
 
+#include "engine/signal/BiquadLanes.h"
 #include "engine/signal/Interpolation.h"
 #include "engine/signal/Phase.h"
 #include "engine/signal/SubBlock.h"
@@ -18,13 +19,15 @@ constexpr double kFastThresholdHz = 7.5;
 constexpr double kSwitchGain = 0.25118864315; // -12 dB
 constexpr double kNearestDistance = 0.3;      // metres at which the distance gain is 1
 
-/// Places of the fast recordings' loops against the rotor, in passes of the loop.
+/// Where the fast recordings' loops begin against the rotor's angle, in passes of the loop.
 constexpr std::array<double, 2> kHornTurnOffset = {-0.003676470588235294, 0.23161764705882354};
-constexpr double kHornBandHz = 1100.0;
-constexpr double kDrumBandHz = 1000.0;
 constexpr double kDrumTurnOffset = -0.0014204545454545455;
 
 } // namespace
+
+constexpr RotorNoisePlayer::Distance HornNoisePlayer::kHornDistance{1100.0, 0.3, 0.05, 0.25, 0.25};
+constexpr RotorNoisePlayer::Distance DrumNoisePlayer::kDrumDistance{1000.0, 0.125, 0.005, 0.12,
+                                                                    0.1};
 
 void SwitchSound::trigger() noexcept {
   m_position = 0.0;
@@ -73,18 +76,38 @@ NoiseBlend NoiseSpeedRange::drumBlend(double speed) const noexcept {
 
 RotorNoisePlayer::RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
                                    std::span<const float> fastLoop,
-                                   std::span<const float> startStop, double bandHz,
-                                   double bandQ) noexcept
-    : m_kernels(kernels), m_slowLoop(slowLoop), m_fastLoop(fastLoop), m_switchSound(startStop),
-      m_bandPass(44100.0, Response::BandPass, bandHz, bandQ, 0) {
+                                   std::span<const float> startStop,
+                                   const Distance& distance) noexcept
+    : m_kernels(kernels), m_distance(distance), m_slowLoop(slowLoop), m_fastLoop(fastLoop),
+      m_switchSound(startStop),
+      m_bandPass(44100.0, Response::BandPass, distance.bandHz, distance.firstQ, 0) {
   m_bandPass.setEnabled(true);
 }
 
-void RotorNoisePlayer::prepareBandPass(double sampleRate, double hz, double q) noexcept {
+double RotorNoisePlayer::bandQ() const noexcept {
+  return m_micDistance * m_distance.qPerMetre + m_distance.qAtRotor;
+}
+
+void RotorNoisePlayer::setRate(double hz) noexcept {
+  m_range.setSampleRate(hz);
+  m_blendedSpeed = -1.0;
+  m_switchSound.setSampleRate(hz);
   m_bandPass.setInstantUpdate(true);
-  m_bandPass.setSampleRate(sampleRate);
-  m_bandPass.setFrequencyAndQ(hz, q);
+  m_bandPass.setSampleRate(hz);
+  m_bandPass.setFrequencyAndQ(m_distance.bandHz, bandQ());
   m_bandPass.setInstantUpdate(false);
+}
+
+void RotorNoisePlayer::clearCommon() noexcept {
+  m_fastPhase = 0.0;
+  m_switchSound.clear();
+  m_bandPass.clearState();
+}
+
+void RotorNoisePlayer::setMicDistance(double metres) noexcept {
+  m_micDistance = metres;
+  m_distanceGain = std::pow(kNearestDistance / metres, m_distance.exponent);
+  m_bandPass.setQ(bandQ());
 }
 
 RotorNoisePlayer::Gains RotorNoisePlayer::gainsFor(std::span<const double> speeds,
@@ -119,48 +142,38 @@ void RotorNoisePlayer::addSwitchSound(std::span<double> samples) noexcept {
   for (double& x : samples) x += m_switchSound.tick();
 }
 
-void RotorNoisePlayer::finish(double level, std::span<double> samples) noexcept {
-  m_bandPass.processGlide(samples);
-  for (double& x : samples) x *= gain(level);
-}
-
 HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
                                  int microphone) noexcept
     : RotorNoisePlayer(kernels, recordings.hornSlow[static_cast<std::size_t>(microphone)],
-                       recordings.hornFast, recordings.startStop, kHornBandHz, 0.3),
+                       recordings.hornFast, recordings.startStop, kHornDistance),
       m_turnOffset(kHornTurnOffset[static_cast<std::size_t>(microphone)]) {}
 
 void HornNoisePlayer::setSampleRate(double hz) noexcept {
-  m_range.setSampleRate(hz);
-  m_blendedSpeed = -1.0;
-  m_switchSound.setSampleRate(hz);
   m_slowStep = 44100.0 / hz;
   clear();
-  prepareBandPass(hz, kHornBandHz, m_micDistance * 0.25 + 0.05);
+  setRate(hz);
   setMicDistance(m_micDistance);
 }
 
 void HornNoisePlayer::clear() noexcept {
   m_slowPosition = 0.0;
-  m_fastPhase = 0.0;
-  m_switchSound.clear();
-  m_bandPass.clearState();
+  clearCommon();
 }
 
-void HornNoisePlayer::setMicDistance(double metres) noexcept {
-  m_micDistance = metres;
-  m_distanceGain = std::pow(kNearestDistance / metres, 0.25);
-  m_bandPass.setQ(metres * 0.25 + 0.05);
-}
-
-void HornNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
-                              std::span<double> out) noexcept {
-  read(speeds, micAngle, out);
-  finish(level, out);
+void HornNoisePlayer::process(const Hearing& first, const Hearing& second,
+                              std::span<const double> speeds) noexcept {
+  for (const Hearing& h : {first, second}) h.player.read(speeds, h.micAngle, h.out);
+  PairRunner(first.player.m_kernels)
+      .process({&first.player.m_bandPass, 1}, {&second.player.m_bandPass, 1},
+               static_cast<int>(speeds.size()), first.out, second.out);
+  for (const Hearing& h : {first, second}) {
+    const double gain = h.player.gain(h.level);
+    for (std::size_t k = 0; k < speeds.size(); ++k) h.out[k] *= gain;
+  }
 }
 
 void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
-                           std::span<double> out) noexcept {
+                           SubBlock& out) noexcept {
   constexpr int kSlow = kHornSlowLength, kFast = kHornFastLength;
   const double loopOffset = micAngle / kHornFastTurns + m_turnOffset;
   const auto n = static_cast<int>(speeds.size());
@@ -180,19 +193,17 @@ void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
     m_kernels.loopRead(m_fastLoop.data(), kFast, position.data(), gains.fast.data(), sum.data(), n);
   }
   std::copy_n(sum.begin(), n, out.begin());
-  addSwitchSound(out);
+  addSwitchSound({out.data(), speeds.size()});
 }
 
 DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings,
                                  const kernels::Kernels& kernels) noexcept
     : RotorNoisePlayer(kernels, recordings.drumSlow, recordings.drumFast, recordings.startStop,
-                       kDrumBandHz, 0.125) {}
+                       kDrumDistance) {}
 
 void DrumNoisePlayer::setSampleRate(double hz) noexcept {
-  m_range.setSampleRate(hz);
-  m_blendedSpeed = -1.0;
-  m_switchSound.setSampleRate(hz);
   clear();
+  setRate(hz);
   const double rate = sectionRate(hz);
   m_treble.angularRate = kTwoPi / rate;
   m_treble.highestHz = 0.499 * rate;
@@ -201,23 +212,14 @@ void DrumNoisePlayer::setSampleRate(double hz) noexcept {
   m_treble.steps = sectionGlideSteps(rate);
   m_treble.share = 1.0 / m_treble.steps;
   m_kernels.restTreble(m_treble);
-  prepareBandPass(hz, kDrumBandHz, m_micDistance * 0.12 + 0.005);
   m_distanceGain = 1.0; // the drum's noise keeps its level until the microphone is moved
 }
 
 void DrumNoisePlayer::clear() noexcept {
   m_slowPhase = 0.0;
-  m_fastPhase = 0.0;
-  m_switchSound.clear();
+  clearCommon();
   for (double* memory : {m_treble.x1, m_treble.x2, m_treble.y1, m_treble.y2})
     memory[0] = memory[1] = 0.0;
-  m_bandPass.clearState();
-}
-
-void DrumNoisePlayer::setMicDistance(double metres) noexcept {
-  m_micDistance = metres;
-  m_distanceGain = std::pow(kNearestDistance / metres, 0.1);
-  m_bandPass.setQ(metres * 0.12 + 0.005);
 }
 
 void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, double level,
@@ -243,7 +245,8 @@ void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, d
   for (std::size_t i = 0; i < speeds.size(); ++i) between[i] = m_range.between(speeds[i]);
   m_kernels.noiseTreble(m_treble, between.data(), slow.data(), fast.data(), out.data(), n);
   addSwitchSound(out);
-  finish(level, out);
+  m_bandPass.processGlide(out);
+  for (double& x : out) x *= gain(level);
 }
 
 } // namespace qlx::engine

@@ -70,14 +70,25 @@ class RotorNoisePlayer {
   void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
   void trigger() noexcept { m_switchSound.trigger(); }
 
-  /// The band-pass that follows the recordings, and the gain behind it at a level.
-  Biquad& bandPass() noexcept { return m_bandPass; }
-  double gain(double level) const noexcept { return m_distanceGain * level; }
+  /// Farther microphones hear less of the noise, and more of the band's middle.
+  void setMicDistance(double metres) noexcept;
 
  protected:
+  /// The band-pass that shapes a rotor's noise, and how it follows the microphone's distance d in
+  /// metres: Q = qAtRotor + qPerMetre d, gain (0.3 m / d)^exponent.
+  struct Distance {
+    double bandHz;
+    double firstQ; ///< before a distance is known
+    double qAtRotor, qPerMetre;
+    double exponent;
+  };
+
   RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
-                   std::span<const float> fastLoop, std::span<const float> startStop, double bandHz,
-                   double bandQ) noexcept;
+                   std::span<const float> fastLoop, std::span<const float> startStop,
+                   const Distance& distance) noexcept;
+
+  void setRate(double hz) noexcept; ///< engine rate
+  void clearCommon() noexcept;      ///< phases, switching sound and band-pass
 
   /// How loud both recordings are, a sample of the sub-block each.
   struct Gains {
@@ -88,11 +99,11 @@ class RotorNoisePlayer {
   /// Blend by the rotor's speeds; `law` is one of NoiseSpeedRange's.
   Gains gainsFor(std::span<const double> speeds,
                  NoiseBlend (NoiseSpeedRange::*law)(double) const noexcept) noexcept;
-  void prepareBandPass(double sampleRate, double hz, double q) noexcept;
   void addSwitchSound(std::span<double> samples) noexcept;
-  void finish(double level, std::span<double> samples) noexcept; ///< band-pass and level
+  double gain(double level) const noexcept { return m_distanceGain * level; }
 
   const kernels::Kernels& m_kernels;
+  const Distance& m_distance;
   std::span<const float> m_slowLoop;
   std::span<const float> m_fastLoop;
   SwitchSound m_switchSound;
@@ -105,29 +116,41 @@ class RotorNoisePlayer {
   double m_micDistance = 1.0; ///< metres
   double m_distanceGain = 1.0;
   double m_fastPhase = 0.0; ///< passes of the loop, 0 .. 1
+
+ private:
+  double bandQ() const noexcept;
 };
 
 /// Motor and rotor noise at one horn microphone: the slow loop runs freely, the fast one is locked
 /// to the rotor.
 class HornNoisePlayer : public RotorNoisePlayer {
  public:
-  /// `microphone` 0 or 1 chooses the recording and the loopOffset in the turn.
+  /// `microphone` 0 or 1 chooses the recording and the offset of the fast loop.
   HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
                   int microphone) noexcept;
 
   void setSampleRate(double hz) noexcept;
   void clear() noexcept; ///< phases and switching sound
-  void setMicDistance(double metres) noexcept;
 
-  /// The recordings alone: one sample per entry of `speeds` (revolutions a sample, at most
-  /// kSubBlock) into `out`; `micAngle` in turns.
-  void read(std::span<const double> speeds, double micAngle, std::span<double> out) noexcept;
+  /// A microphone and what it hears: its angle in turns, the level that the recordings are played
+  /// at, and where they go.
+  struct Hearing {
+    HornNoisePlayer& player;
+    double micAngle;
+    double level;
+    SubBlock& out;
+  };
 
-  /// The same with band-pass and gain at a level.
-  void process(std::span<const double> speeds, double micAngle, double level,
-               std::span<double> out) noexcept;
+  /// Fills both microphones' `out` with one sample per entry of `speeds` (revolutions a sample, at
+  /// most kSubBlock). Their band-passes run side by side.
+  static void process(const Hearing& first, const Hearing& second,
+                      std::span<const double> speeds) noexcept;
 
  private:
+  void read(std::span<const double> speeds, double micAngle, SubBlock& out) noexcept;
+
+  static const Distance kHornDistance;
+
   double m_turnOffset;
   double m_slowStep = 1.0;     // recording samples an engine sample
   double m_slowPosition = 0.0; // recording samples
@@ -141,11 +164,12 @@ class DrumNoisePlayer : public RotorNoisePlayer {
 
   void setSampleRate(double hz) noexcept;
   void clear() noexcept;
-  void setMicDistance(double metres) noexcept;
   void process(std::span<const double> speeds, double micAngle, double level,
                std::span<double> out) noexcept;
 
  private:
+  static const Distance kDrumDistance;
+
   kernels::NoiseTreble m_treble{};
   double m_slowPhase = 0.0; // passes of the loop, 0 .. 1
 };

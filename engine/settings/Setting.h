@@ -130,4 +130,8 @@ enum class Setting : unsigned char {
 
 inline constexpr std::size_t kSettingCount = static_cast<std::size_t>(Setting::Count);
 
+/// Internal quality: LowCpu runs the rotors at a half to an eighth of the host's rate, Brilliant at
+/// the host's rate up to 50 kHz and at half or a quarter of it above.
+enum class CpuMode : unsigned char { LowCpu = 0, Brilliant = 1 };
+
 } // namespace qlx::engine

@@ -53,7 +53,7 @@ constexpr Display kOnOff{none, [](float v) noexcept { return choice(isOn(v), "Of
 constexpr Display kFlip{none, [](float v) noexcept { return choice(v > 0.5F, "Off", "On"); }};
 constexpr Display kCpuModeWord{
     none, [](float v) noexcept { return choice(isOn(v), "LowCPU", "Brilliant"); }};
-constexpr Display kLeverPlace{none, leverPlace};
+constexpr Display kLeverPosition{none, leverPlace};
 constexpr Display kStopWord{none,
                             [](float v) noexcept { return choice(isOn(v), "Running", "Stopped"); }};
 constexpr Display kMicSetup{none, micSetup};

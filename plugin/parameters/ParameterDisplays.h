@@ -16,7 +16,7 @@ extern const Display kSilent;
 extern const Display kOnOff;
 extern const Display kFlip;
 extern const Display kCpuModeWord;
-extern const Display kLeverPlace;
+extern const Display kLeverPosition;
 extern const Display kStopWord;
 extern const Display kMicSetup;
 extern const Display kAmpType;

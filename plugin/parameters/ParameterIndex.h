@@ -5,8 +5,8 @@
 
 namespace qlx::plugin {
 
-/// The parameters that have a name. 0..35 are the host's; the others calibrate the cabinet and are
-/// neither declared to the host nor part of a preset.
+/// All parameters. 0..35 are the host's; the others calibrate the cabinet and are neither declared
+/// to the host nor part of a preset. Reserved ones have no name for the user and change no sound.
 enum ParameterIndex : std::int32_t {
   kBypass = 0,
   kCPUmode = 1,
@@ -39,9 +39,12 @@ enum ParameterIndex : std::int32_t {
   kDDistance = 28,
   kDLPF = 29,
   kDGain = 30,
-  kFirstReserved = 31,
-  kLastReserved = 34,
+  kReserved31 = 31,
+  kReserved32 = 32,
+  kReserved33 = 33,
+  kReserved34 = 34,
   kMIDIchl = 35,
+  kReserved36 = 36,
   kHornGain = 37,
   kHornMic1Angle = 38,
   kHornMic1Panorama = 39,
@@ -62,14 +65,21 @@ enum ParameterIndex : std::int32_t {
   kHornLPFCutHigh = 54,
   kHornReflectionCoeff = 55,
   kHornZAxisRays = 56,
+  kReserved57 = 57,
   kHornFlip = 58,
+  kReserved59 = 59,
   kHornReflectionLPF = 60,
   kDrumGain = 61,
   kDrumMic1Angle = 62,
   kDrumMic1Pan = 63,
+  kReserved64 = 64,
+  kReserved65 = 65,
+  kReserved66 = 66,
+  kReserved67 = 67,
   kDrumFMRadius = 68,
   kDrumAttenuation = 69,
   kDrumReflectionCoeff = 70,
+  kDistanceForEditor = 71, ///< reserved; tells the editor of a new horn distance
   kHornOpenBackMode = 72,
   kDrumOpenBackMode = 73,
   kAmpPostDriveGain = 74,
@@ -77,7 +87,12 @@ enum ParameterIndex : std::int32_t {
   kBRToDrumMicGain = 76,
   kDrumToTubeFeedback = 77,
   kHornToDrumFeedback = 78,
+  kReserved79 = 79,
   kDrumFlip = 80,
+  kReserved81 = 81,
+  kReserved82 = 82,
+  kReserved83 = 83,
+  kReserved84 = 84,
   kDrumRay1 = 85,
   kDrumRay2 = 86,
   kDrumLPFCutLow = 87,
@@ -101,6 +116,7 @@ enum ParameterIndex : std::int32_t {
   kDecelSampleVolume = 105,
   kEarlyReflMainCutoff = 106,
   kEarlyReflXCutoff = 107,
+  kReserved108 = 108,
   kSlowSpeedButton = 109,
   kDrumFilterSaturation = 110,
   kDrumStaticFilterCutoff = 111,

@@ -131,9 +131,13 @@ TEST(RotorMotion, RateChangeKeepsHertzAndSnaps) {
 std::vector<double> play(HornNoisePlayer& player, double hz, double rate, int n) {
   const std::vector<double> speeds(kSubBlock, hz / rate);
   std::vector<double> out(static_cast<std::size_t>(n));
+  HornNoisePlayer second = player;
+  SubBlock first, other;
   for (std::size_t done = 0; done < out.size(); done += kSubBlock) {
     const std::size_t size = std::min<std::size_t>(kSubBlock, out.size() - done);
-    player.process({speeds.data(), size}, 0.0, 1.0, {out.data() + done, size});
+    HornNoisePlayer::process({player, 0.0, 1.0, first}, {second, 0.0, 1.0, other},
+                             {speeds.data(), size});
+    std::copy_n(first.begin(), size, out.begin() + static_cast<std::ptrdiff_t>(done));
   }
   return out;
 }

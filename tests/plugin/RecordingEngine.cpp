@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "tests/plugin/RecordingEngine.h"
 
+#include "engine/SignalPath.h"
+#include "engine/settings/SettingTable.h"
+
 #include <algorithm>
 #include <ranges>
 
@@ -30,9 +33,8 @@ namespace qlx::engine {
 
 using plugin::test::engineLog;
 
-class RotaryEngine::Frame {};
-
-RotaryEngine::RotaryEngine(const Recordings& /*recordings*/, MicrophonePlacement& placement) {
+RotaryEngine::RotaryEngine(const Recordings& /*recordings*/, MicrophonePlacement& placement)
+    : m_placement(placement) {
   engineLog() = {};
   engineLog().placement = &placement;
 }
@@ -40,6 +42,7 @@ RotaryEngine::~RotaryEngine() = default;
 
 void RotaryEngine::set(Setting setting, double value) noexcept {
   engineLog().sets.push_back({setting, value});
+  engineLog().requested |= settingRow(setting).stale;
 }
 void RotaryEngine::request(std::uint32_t work) noexcept { engineLog().requested |= work; }
 void RotaryEngine::setHostRate(double hz) noexcept { engineLog().rates.push_back(hz); }
