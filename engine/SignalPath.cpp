@@ -16,9 +16,9 @@ constexpr double kFadeSeconds =
     0.020000000949949026;                   // the single-precision number nearest to 20 ms
 constexpr double kFadedOut = 0.96837722339; // the cabinet is 30 dB down
 constexpr double kFadedIn = 0.0316227766;   // the dry signal is 30 dB down
-constexpr double kDryHz = 3000.0;           // a cabinet's treble, about, so that the mute is mild
+constexpr double kDryHz = 3000.0;           // the dry signal is no brighter than the cabinet
 
-/// Corner of the image filters above the engine rate, for a host rate of 44100 Hz.
+/// How far above the engine rate the image filters' corner lies; for a host rate of 44100 Hz.
 constexpr double kImageFilterOffsetHz = 20.0;
 
 /// Highest setting of the drum's low-pass, Hz; stands for "off" as well.

@@ -8,6 +8,27 @@
 
 namespace qlx::engine {
 
+namespace {
+
+/// Distance from a rotor's axis, metres, at which the level law begins: the nearest microphone.
+constexpr double kNearestDistance = 0.3;
+constexpr double kInverseNearestDistance = 3.3333333333333335;
+
+constexpr double kTableStep = 0.01; ///< metres an entry
+constexpr double kEntriesPerMetre = 100.0;
+
+// Mean of the sine of the mouth's angle over a turn: the arc of 2 w turns that faces the microphone
+// takes the sine's negative half period, the rest of the turn the positive one, and a half period's
+// mean is 2 / pi; so the mean is 2 / pi (1 - 4 w), here with four digits.
+constexpr double kHalfPeriodMean = 0.6366;      ///< 2 / pi
+constexpr double kHalfPeriodMeanTimes4 = 2.546; ///< 8 / pi
+
+/// How much of the direct path's loss of level, in decibels, the normalisation makes up for; what
+/// is left keeps farther microphones softer. Tuned by ear.
+constexpr double kNormalisedShare = 0.7;
+
+} // namespace
+
 Point planePosition(const MicrophonePosition& microphone) noexcept {
   const double bearing = (microphone.angle - 0.25) * kTwoPi;
   return {std::cos(bearing) * microphone.distance, std::sin(bearing) * microphone.distance};
@@ -48,12 +69,12 @@ void Rays::rebuild(std::span<const ImageSource> images, const MicrophonePosition
 
 void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept {
   const double amRadius = cabinet.amRadius;
-  const double nearest = 0.3 - amRadius;
+  const double nearest = kNearestDistance - amRadius;
   double* table = m_table.data();
-  table[0] = std::pow(amRadius * 3.3333333333333335, cabinet.attenuationExponent);
+  table[0] = std::pow(amRadius * kInverseNearestDistance, cabinet.attenuationExponent);
   double previous = nearest;
   for (int i = 1; i < kSize; ++i) {
-    const double d = nearest + 0.01 * i;
+    const double d = nearest + kTableStep * i;
     const double exponent = d < nearest + cabinet.attenuationDistance
                                 ? 1.0 - std::pow((d - nearest) / cabinet.attenuationDistance,
                                                  cabinet.attenuationFadeExponent)
@@ -62,11 +83,12 @@ void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) n
     previous = d;
   }
   fitPieces();
-  // Mean of the direct ray's distance over a turn, the near half weighted by the arc it takes.
-  const double mean = (0.6366 - rays.halfWidth[0] * 2.546) * rays.signY[0] * amRadius;
-  const double direct =
-      cubicTableRead((amRadius + rays.distance[0] - mean - 0.3) * 100.0, table, kSize - 1);
-  m_norm = std::pow(1.0 / direct, 0.7);
+  // The reference lies as far before the axis as the mouth is behind it on average.
+  const double mean =
+      (kHalfPeriodMean - rays.halfWidth[0] * kHalfPeriodMeanTimes4) * rays.signY[0] * amRadius;
+  const double direct = cubicTableRead(
+      (amRadius + rays.distance[0] - mean - kNearestDistance) * kEntriesPerMetre, table, kSize - 1);
+  m_norm = std::pow(1.0 / direct, kNormalisedShare);
 }
 
 void AttenuationLaw::fitPieces() noexcept {
@@ -79,8 +101,9 @@ void AttenuationLaw::fitPieces() noexcept {
 }
 
 double AttenuationLaw::level(double distance, double amRadius, double sine) const noexcept {
-  return cubicTableRead((amRadius * sine + distance - 0.3 + amRadius) * 100.0, m_table.data(),
-                        kSize - 1) *
+  return cubicTableRead((amRadius * sine + distance - kNearestDistance + amRadius) *
+                            kEntriesPerMetre,
+                        m_table.data(), kSize - 1) *
          m_norm;
 }
 

@@ -9,7 +9,7 @@ namespace qlx::engine {
 /// What a rotor's cabinet and its level law are set to; plain values of the audio thread. Units as
 /// in Setting.
 struct CabinetSettings {
-  double amRadius = 0.18; ///< circle on which the source moves, for the level
+  double amRadius = 0.18; ///< metres; circle on which the source moves, for the level
   double fmRadius = 0.18; ///< the same for the delay
   double attenuationExponent = 1.0;
   double attenuationDistance = 1.0;
@@ -33,7 +33,7 @@ struct Point {
   double x, y;
 };
 
-/// The microphone's place in the rotor's plane; the front is at negative y.
+/// The microphone's position in the rotor's plane, metres; the front is at negative y.
 Point planePosition(const MicrophonePosition& microphone) noexcept;
 
 /// The cabinet's walls around the rotor axis, metres; the rotor stands off centre.
@@ -46,7 +46,7 @@ struct CabinetWalls {
       : sideA(exchanged ? 0.43 : 0.24), sideB(exchanged ? 0.24 : 0.43), back(0.235) {}
 };
 
-/// An image of the source mirrored in the walls: its place and the signs by which the mirrored
+/// An image of the source mirrored in the walls: its position and the signs by which the mirrored
 /// rotor turns.
 struct ImageSource {
   double x, y;

@@ -10,16 +10,24 @@ namespace qlx::engine {
 
 namespace {
 
-constexpr double kVerticalOffset = 0.77; // metres from the drum's plane up to the horn's
-constexpr double kVerticalSquare = 0.5929;
+constexpr double kVerticalOffset = 0.77;   // metres from the drum's plane up to the horn's
+constexpr double kVerticalSquare = 0.5929; // of it
 constexpr double kDrumReturnHz = 3200.0;
 constexpr double kHornReturnHz = 4500.0;
 constexpr double kPortHz = 70.0;
 constexpr double kPortQ = 9.0;
 
+// Levels of the paths against each other, tuned by ear.
+constexpr double kReturnGain = 4.0; ///< +12 dB: the reduced models into their delay lines
+/// +18 dB ahead of the port's resonance and again behind it: its 8 Hz wide band holds little.
+constexpr double kPortGain = 8.0;
+constexpr double kPortPathGain = 4.0;    ///< +12 dB: the port at the microphones
+constexpr double kHornToDrumPath = 0.25; ///< -12 dB: undoes kReturnGain
+constexpr double kHornEchoPath = 0.1575; ///< -16 dB
+
 double spanTo(double x, double y) { return std::sqrt(y * y + x * x + kVerticalSquare); }
 
-/// A microphone's place measured in circles of its rotor.
+/// A microphone's position in units of the radius on which its rotor's source moves.
 Point scaledPosition(const MicrophonePosition& microphone, double amRadius) {
   const Point p = planePosition(microphone);
   return {p.x / amRadius, p.y / amRadius};
@@ -100,13 +108,13 @@ void CrossTalk::process(const SubBlock& drum, const SubBlock& horn, const SubBlo
                         const SmoothedValues& s, int n, Output& out) noexcept {
   const auto size = static_cast<std::size_t>(n);
   SubBlock port;
-  for (std::size_t k = 0; k < size; ++k) port[k] = input[k] * 8.0;
+  for (std::size_t k = 0; k < size; ++k) port[k] = input[k] * kPortGain;
   m_portFilter.processGlide({port.data(), size});
   SubBlock drumReturn, hornReturn;
   for (std::size_t k = 0; k < size; ++k) {
-    port[k] *= s[Smoothed::DrumFeedGain][k] * 8.0;
-    drumReturn[k] = drum[k] * 4.0;
-    hornReturn[k] = horn[k] * 4.0;
+    port[k] *= s[Smoothed::DrumFeedGain][k] * kPortGain;
+    drumReturn[k] = drum[k] * kReturnGain;
+    hornReturn[k] = horn[k] * kReturnGain;
   }
   processPair(m_drumSmoother, drumReturn.data(), m_drumPole, m_hornSmoother, hornReturn.data(),
               m_hornPole, size);
@@ -133,12 +141,13 @@ void CrossTalk::process(const SubBlock& drum, const SubBlock& horn, const SubBlo
   for (std::size_t k = 0; k < size; ++k) {
     out.toHorns[k] =
         paths[0].value[k] * s[Smoothed::DrumToHornLevel][k] * s[Smoothed::DrumToHornGain][k] +
-        paths[1].value[k] * s[Smoothed::PortToHornLevel][k] * s[Smoothed::PortToHornGain][k] * 4.0;
-    out.toDrum[k] =
-        paths[2].value[k] * s[Smoothed::HornToDrumLevel][k] * s[Smoothed::HornToDrumGain][k] *
-            0.25 +
-        paths[3].value[k] * s[Smoothed::PortToDrumLevel][k] * s[Smoothed::PortToDrumGain][k] * 4.0;
-    out.hornEcho[k] = paths[4].value[k] * s[Smoothed::HornEchoLevel][k] * 0.1575;
+        paths[1].value[k] * s[Smoothed::PortToHornLevel][k] * s[Smoothed::PortToHornGain][k] *
+            kPortPathGain;
+    out.toDrum[k] = paths[2].value[k] * s[Smoothed::HornToDrumLevel][k] *
+                        s[Smoothed::HornToDrumGain][k] * kHornToDrumPath +
+                    paths[3].value[k] * s[Smoothed::PortToDrumLevel][k] *
+                        s[Smoothed::PortToDrumGain][k] * kPortPathGain;
+    out.hornEcho[k] = paths[4].value[k] * s[Smoothed::HornEchoLevel][k] * kHornEchoPath;
   }
 }
 

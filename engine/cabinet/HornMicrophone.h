@@ -28,8 +28,8 @@ struct HornSettings {
 std::array<ImageSource, 12> hornImages(const MicrophonePosition& microphone,
                                        const CabinetWalls& walls) noexcept;
 
-/// One microphone before the horn: its place, the paths that lead there and their levels, and the
-/// motor's noise beside it. Audio thread only.
+/// One microphone before the horn: its position, the paths that lead there and their levels, and
+/// the motor's noise beside it. Audio thread only.
 class HornMicrophone {
  public:
   static constexpr std::size_t kRayCount = 12;

@@ -65,17 +65,27 @@ void fir(const double* table, const double* past, int step, double* out, int n) 
 /// Magnitude below which a driven stage passes its input.
 constexpr double kSilence = 1e-8;
 
-/// Half of a push-pull tube stage: soft on the positive side, harder on the negative, then a cubic
-/// knee.
+// A tube stage: x / (1 + c x) bends the positive half wave (c = 0.5) more than the negative one
+// (c = -0.125), which makes even harmonics; the cubic knee 1.5 u - 0.5 u^3 limits both. The bias
+// moves the next stage's working point off the middle. Two stages in series with this input gain
+// have a gain of +0.3 dB for small signals.
+constexpr double kTubeInputGain = 1.18;
+constexpr double kTubeSlope = 0.55;
+constexpr double kTubePositiveBend = 0.5;
+constexpr double kTubeNegativeBend = -0.125;
+constexpr double kTubeBias = 0.3;
+constexpr double kTubeStageGain = 1.4;
+
 inline Lanes tubeStage(Lanes x) {
-  const Lanes u = 0.55 * x / (1.0 + x * select(x >= 0.0, all(0.5), all(-0.125)));
-  return 1.4 * (1.5 * u - 0.5 * u * u * u - 0.3);
+  const Lanes bend = select(x >= 0.0, all(kTubePositiveBend), all(kTubeNegativeBend));
+  const Lanes u = kTubeSlope * x / (1.0 + x * bend);
+  return kTubeStageGain * (1.5 * u - 0.5 * u * u * u - kTubeBias);
 }
 
 void tube(const double* drive, double trackerShare, double& tracker, double* run, int n) {
   alignas(32) double driven[kLongestSubBlock + 4], dc[kLongestSubBlock + 4];
   for (int j = 0; j < n; j += kWidth)
-    store(driven + j, -tubeStage(-tubeStage(load(drive + j) * load(run + j) * 1.18)));
+    store(driven + j, -tubeStage(-tubeStage(load(drive + j) * load(run + j) * kTubeInputGain)));
   // The asymmetry's DC is tracked through silence too, so that no thump follows it.
   double level = tracker;
   for (int j = 0; j < n; ++j) {
@@ -90,11 +100,15 @@ void tube(const double* drive, double trackerShare, double& tracker, double* run
   }
 }
 
+/// Input gain of the transistor stage: with the knee's slope of 1.5 and the output's 0.5 small
+/// signals pass at +0.07 dB.
+constexpr double kTransistorInputGain = 1.34349;
+
 /// Transistor stage: a cubic knee up to a hard limit.
 void transistor(const double* drive, double* run, int n) {
   for (int j = 0; j < n; j += kWidth) {
     const Lanes x = load(run + j), gain = load(drive + j);
-    const Lanes w = larger(smaller(gain * x * 1.34349, all(1.0)), all(-1.0));
+    const Lanes w = larger(smaller(gain * x * kTransistorInputGain, all(1.0)), all(-1.0));
     const Lanes y = (1.5 * w - 0.5 * w * w * w) * 0.5 / gain;
     store(run + j, select(absolute(x) < kSilence, x, y));
   }
