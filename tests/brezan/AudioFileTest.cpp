@@ -7,9 +7,8 @@
 #include <cmath>
 #include <numbers>
 
-using namespace qlx::tools;
-using qlx::tests::TemporaryFolder;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 std::vector<double> sine(double frequency, double rate, std::size_t frames, double level) {
@@ -36,7 +35,7 @@ std::vector<double> load(AudioInput& in, std::size_t block) {
 
 } // namespace
 
-TEST(AudioFile, keepsSamplesInEveryFormat) {
+TEST(AudioFile, KeepsSamplesInEveryFormat) {
   const TemporaryFolder folder;
   const struct {
     const char* name;
@@ -60,7 +59,7 @@ TEST(AudioFile, keepsSamplesInEveryFormat) {
   }
 }
 
-TEST(AudioFile, convertsRates) {
+TEST(AudioFile, ConvertsRates) {
   const TemporaryFolder folder;
   save(folder / "a.wav", "float", 44100.0, 1, sine(1000.0, 44100.0, 44100, 0.5));
   for (const double rate : {22050.0, 48000.0, 96000.0}) {
@@ -76,7 +75,7 @@ TEST(AudioFile, convertsRates) {
   }
 }
 
-TEST(AudioFile, convertsWhatIsWritten) {
+TEST(AudioFile, ConvertsWhatIsWritten) {
   const TemporaryFolder folder;
   for (const double rate : {8000.0, 11025.0, 44100.0, 250000.0}) {
     OutputSettings settings{"float", rate, 1};
@@ -98,7 +97,7 @@ TEST(AudioFile, convertsWhatIsWritten) {
   }
 }
 
-TEST(AudioFile, whatMayGrowPastFourGibibytesHasRoomForWiderSizes) {
+TEST(AudioFile, WhatMayGrowPastFourGibibytesHasRoomForWiderSizes) {
   const TemporaryFolder folder;
   const std::vector<double> samples = sine(441.0, 44100.0, 1000, 0.9);
   for (const auto& [frames, chunk] : {std::pair{700000000LL, "fmt "}, {720000000LL, "JUNK"}}) {
@@ -108,7 +107,7 @@ TEST(AudioFile, whatMayGrowPastFourGibibytesHasRoomForWiderSizes) {
     out.write(samples);
     out.finish();
     // The 64-bit sizes of RF64 would stand in a chunk at byte 12; small after all, it is a WAV.
-    const std::string bytes = qlx::tests::contents(folder / "a.wav");
+    const std::string bytes = contents(folder / "a.wav");
     EXPECT_EQ(bytes.substr(0, 4), "RIFF");
     EXPECT_EQ(bytes.substr(12, 4), chunk);
     AudioInput in(folder / "a.wav");
@@ -116,7 +115,7 @@ TEST(AudioFile, whatMayGrowPastFourGibibytesHasRoomForWiderSizes) {
   }
 }
 
-TEST(AudioFile, gainAndLoudness) {
+TEST(AudioFile, GainAndLoudness) {
   const TemporaryFolder folder;
   // A sine in both channels has as many LUFS as its peak has decibels, the K weighting being 0 dB
   // at 997 Hz; one channel counts as two.
@@ -153,15 +152,15 @@ TEST(AudioFile, gainAndLoudness) {
   EXPECT_EQ(silent.gain(), 1.0);
 }
 
-TEST(AudioFile, equalSoundsAreEqualFiles) {
+TEST(AudioFile, EqualSoundsAreEqualFiles) {
   const TemporaryFolder folder;
   save(folder / "a.wav", "float", 48000.0, 2, sine(100.0, 48000.0, 200, 0.3));
   save(folder / "b.wav", "float", 48000.0, 2, sine(100.0, 48000.0, 200, 0.3));
-  EXPECT_EQ(qlx::tests::contents(folder / "a.wav").find("PEAK"), std::string::npos);
-  EXPECT_EQ(qlx::tests::contents(folder / "a.wav"), qlx::tests::contents(folder / "b.wav"));
+  EXPECT_EQ(contents(folder / "a.wav").find("PEAK"), std::string::npos);
+  EXPECT_EQ(contents(folder / "a.wav"), contents(folder / "b.wav"));
 }
 
-TEST(AudioFile, cutsAtFullScaleAndSaysSo) {
+TEST(AudioFile, CutsAtFullScaleAndSaysSo) {
   const TemporaryFolder folder;
   for (const char* format : {"pcm16", "pcm24", "float"}) {
     const bool integer = std::string(format) != "float";
@@ -177,10 +176,10 @@ TEST(AudioFile, cutsAtFullScaleAndSaysSo) {
   }
 }
 
-TEST(AudioFile, refusesWithAReason) {
+TEST(AudioFile, RefusesWithAReason) {
   const TemporaryFolder folder;
   save(folder / "surround.wav", "pcm16", 44100.0, 4, std::vector<double>(40, 0.1));
-  qlx::tests::write(folder / "text.wav", "no sound at all");
+  write(folder / "text.wav", "no sound at all");
   using testing::HasSubstr;
   using testing::ThrowsMessage;
   const auto reading = [&](const char* name) {
@@ -200,23 +199,25 @@ TEST(AudioFile, refusesWithAReason) {
   EXPECT_EQ(folder.entries(), 2U) << "a refusal leaves nothing behind";
 }
 
-TEST(AudioFile, appearsOnlyWhenFinished) {
+TEST(AudioFile, AppearsOnlyWhenFinished) {
   const TemporaryFolder folder;
-  qlx::tests::write(folder / "a.wav", "the old file");
+  write(folder / "a.wav", "the old file");
   {
     AudioOutput out(folder / "a.wav", "pcm24", 44100.0, 1);
     out.write(std::vector<double>(100, 0.5));
-    EXPECT_EQ(qlx::tests::contents(folder / "a.wav"), "the old file");
+    EXPECT_EQ(contents(folder / "a.wav"), "the old file");
   }
-  EXPECT_EQ(qlx::tests::contents(folder / "a.wav"), "the old file") << "given up, not finished";
+  EXPECT_EQ(contents(folder / "a.wav"), "the old file") << "given up, not finished";
   EXPECT_EQ(folder.entries(), 1U);
 }
 
-TEST(AudioFile, aLinkStaysALink) {
+TEST(AudioFile, ALinkStaysALink) {
   const TemporaryFolder folder;
-  qlx::tests::write(folder / "real.wav", "old");
+  write(folder / "real.wav", "old");
   std::filesystem::create_symlink("real.wav", folder / "link.wav");
   save(folder / "link.wav", "pcm16", 44100.0, 1, {0.5});
   EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.wav"));
   EXPECT_EQ(AudioInput(folder / "real.wav").frames(), 1);
 }
+
+} // namespace qlx::test

@@ -5,8 +5,8 @@
 
 #include <sstream>
 
-using namespace qlx::tools;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 std::vector<AutomationMove> moves(const std::string& text) {
@@ -19,7 +19,7 @@ constexpr double kRate = 1000.0;
 
 } // namespace
 
-TEST(Automation, readsLinesInOrderOfTime) {
+TEST(Automation, ReadsLinesInOrderOfTime) {
   const auto list = moves("# moves\n\n2.5 Mode BlueSky # late\r\n  1\tGain norm:0.25 0.5\n");
   ASSERT_EQ(list.size(), 2U);
   EXPECT_EQ(list[0].seconds, 1.0);
@@ -30,7 +30,7 @@ TEST(Automation, readsLinesInOrderOfTime) {
   EXPECT_EQ(list[1].value, 1.0F);
 }
 
-TEST(Automation, namesTheLineThatIsWrong) {
+TEST(Automation, NamesTheLineThatIsWrong) {
   const std::pair<const char*, const char*> cases[] = {
       {"1 Gain\n", "line 1: a line is"},
       {"# x\n\n1 Gain norm:0.5\nsoon Gain 1\n", "line 4: 'soon' is no time"},
@@ -46,7 +46,7 @@ TEST(Automation, namesTheLineThatIsWrong) {
         << text;
 }
 
-TEST(Automation, rampsAreStraightAndEndExactly) {
+TEST(Automation, RampsAreStraightAndEndExactly) {
   PluginHost host(TEST_EFFECT);
   host.setValue(0, 0.0F);
   AutomationPlayer player(moves("0.1 Gain norm:1 0.2\n0.5 Gain norm:0.5\n"), kRate);
@@ -72,7 +72,7 @@ TEST(Automation, rampsAreStraightAndEndExactly) {
   }
 }
 
-TEST(Automation, aNewMoveTakesOverARampUnderWay) {
+TEST(Automation, ANewMoveTakesOverARampUnderWay) {
   PluginHost host(TEST_EFFECT);
   host.setValue(0, 0.0F);
   AutomationPlayer player(moves("0 Gain norm:1 1\n0.5 Gain norm:0 0.1\n"), kRate);
@@ -86,3 +86,5 @@ TEST(Automation, aNewMoveTakesOverARampUnderWay) {
   player.advance(host, 1000, 1000);
   EXPECT_EQ(host.value(0), 0.0F) << "the old ramp is over";
 }
+
+} // namespace qlx::test

@@ -9,9 +9,8 @@
 #include <set>
 #include <thread>
 
-using namespace qlx::tools;
-using namespace qlx::tests;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 class Bench : public testing::Test {
@@ -49,7 +48,7 @@ long long mutedFrames(const Sound& sound, double from) {
 
 } // namespace
 
-TEST_F(Bench, aUseIsTheSameWorkEachTimeAndUnlikeTheOthers) {
+TEST_F(Bench, AUseIsTheSameWorkEachTimeAndUnlikeTheOthers) {
   WorkloadPlan plan(PLUGIN);
   std::set<Sound> sounds;
   for (const Use use :
@@ -61,7 +60,7 @@ TEST_F(Bench, aUseIsTheSameWorkEachTimeAndUnlikeTheOthers) {
   }
 }
 
-TEST_F(Bench, reportsEveryCase) {
+TEST_F(Bench, ReportsEveryCase) {
   const Finished got = bench("--json");
   ASSERT_EQ(got.status, 0) << got.errors;
   const auto report = nlohmann::json::parse(got.output);
@@ -79,7 +78,7 @@ TEST_F(Bench, reportsEveryCase) {
   EXPECT_LT(report["instanceBytes"], 40'000'000);
 }
 
-TEST_F(Bench, growthHasAllItsRowsAndAPicture) {
+TEST_F(Bench, GrowthHasAllItsRowsAndAPicture) {
   const auto picture = m_folder / "growth.png";
   const Finished got = bench("--growth --picture " + picture.string());
   ASSERT_EQ(got.status, 0) << got.errors;
@@ -104,3 +103,5 @@ TEST_F(Bench, growthHasAllItsRowsAndAPicture) {
   }
   EXPECT_TRUE(std::filesystem::exists(picture));
 }
+
+} // namespace qlx::test

@@ -7,7 +7,8 @@
 
 #include <algorithm>
 
-using namespace qlx::tests;
+namespace qlx::test {
+
 using testing::HasSubstr;
 
 namespace {
@@ -50,7 +51,7 @@ class CommandLine : public testing::Test {
 
 } // namespace
 
-TEST_F(CommandLine, everyBadInputGetsOneClearLine) {
+TEST_F(CommandLine, EveryBadInputGetsOneClearLine) {
   const struct {
     const char* arguments;
     const char* words;
@@ -102,7 +103,7 @@ TEST_F(CommandLine, everyBadInputGetsOneClearLine) {
   }
 }
 
-TEST_F(CommandLine, rendersWithSettingsFromEverySource) {
+TEST_F(CommandLine, RendersWithSettingsFromEverySource) {
   const struct {
     const char* options;
     double sample;
@@ -127,20 +128,20 @@ TEST_F(CommandLine, rendersWithSettingsFromEverySource) {
     }
 }
 
-TEST_F(CommandLine, runsAtAnotherRate) {
+TEST_F(CommandLine, RunsAtAnotherRate) {
   ASSERT_EQ(brezan("render @ in.wav out.wav --rate 96000 --tail 0").status, 0);
   const qlx::tools::AudioInput out(m_folder / "out.wav");
   EXPECT_EQ(out.rate(), 96000.0);
   EXPECT_NEAR(static_cast<double>(out.frames()), 9600.0, 1.0);
 }
 
-TEST_F(CommandLine, warnsWhenTheFormatCannotHoldThePeak) {
+TEST_F(CommandLine, WarnsWhenTheFormatCannotHoldThePeak) {
   const std::string loud = "render @ in.wav out.wav --set Gain=norm:1 --set Lever=Tremolo --tail 0";
   EXPECT_THAT(brezan(loud).errors, HasSubstr("warning: the peak is above full scale"));
   EXPECT_EQ(brezan(loud + " --format float").errors, "");
 }
 
-TEST_F(CommandLine, listsAsTablesAndAsJson) {
+TEST_F(CommandLine, ListsAsTablesAndAsJson) {
   const Finished params = brezan("params @");
   EXPECT_EQ(params.status, 0);
   EXPECT_THAT(params.output, HasSubstr("index  name    value  display  unit"));
@@ -153,7 +154,7 @@ TEST_F(CommandLine, listsAsTablesAndAsJson) {
   EXPECT_THAT(brezan("info @ --json").output, HasSubstr("\"doublePrecision\": true"));
 }
 
-TEST_F(CommandLine, helpShowsOptionsAndExamples) {
+TEST_F(CommandLine, HelpShowsOptionsAndExamples) {
   EXPECT_THAT(brezan("--help").output, HasSubstr("render"));
   const Finished help = brezan("render --help");
   EXPECT_EQ(help.status, 0);
@@ -161,7 +162,7 @@ TEST_F(CommandLine, helpShowsOptionsAndExamples) {
     EXPECT_THAT(help.output, HasSubstr(words));
 }
 
-TEST_F(CommandLine, anInterruptedRenderLeavesTheOldFile) {
+TEST_F(CommandLine, AnInterruptedRenderLeavesTheOldFile) {
   write(m_folder / "out.wav", "old");
   const std::size_t before = m_folder.entries();
   // An endless tail in blocks of one frame keeps the program busy until it is stopped.
@@ -174,10 +175,12 @@ TEST_F(CommandLine, anInterruptedRenderLeavesTheOldFile) {
   EXPECT_EQ(m_folder.entries(), before);
 }
 
-TEST_F(CommandLine, organAndPictureMakeTheirFiles) {
+TEST_F(CommandLine, OrganAndPictureMakeTheirFiles) {
   ASSERT_EQ(brezan("organ o.wav --midi o.mid --automation o.txt --rate 22050").status, 0);
   const Finished drawn = brezan("picture o.wav o.png --midi o.mid --automate o.txt");
   EXPECT_EQ(drawn.status, 0);
   EXPECT_EQ(std::count(drawn.output.begin(), drawn.output.end(), '\n'), 6) << drawn.output;
   EXPECT_EQ(contents(m_folder / "o.png").substr(1, 3), "PNG");
 }
+
+} // namespace qlx::test

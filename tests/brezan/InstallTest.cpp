@@ -3,7 +3,8 @@
 
 #include <gmock/gmock.h>
 
-using namespace qlx::tests;
+namespace qlx::test {
+
 using testing::HasSubstr;
 
 namespace {
@@ -58,7 +59,7 @@ class Install : public testing::Test {
 
 } // namespace
 
-TEST_F(Install, takesBackExactlyWhatItPutThere) {
+TEST_F(Install, TakesBackExactlyWhatItPutThere) {
   for (const std::vector<const char*>& foreign :
        {std::vector<const char*>{},
         {"home/.vst/Other.so", "home/.local/share/qlx-brezan/my notes", "home/.config/other"}}) {
@@ -78,7 +79,7 @@ TEST_F(Install, takesBackExactlyWhatItPutThere) {
   }
 }
 
-TEST_F(Install, placesShareTheManual) {
+TEST_F(Install, PlacesShareTheManual) {
   const auto before = home();
   const std::string other = "--prefix 'home/my plug ins/64 bit'";
   EXPECT_NE(install("--prefix home/my plug ins").status, 0) << "stray words";
@@ -93,7 +94,7 @@ TEST_F(Install, placesShareTheManual) {
   EXPECT_EQ(home(), before);
 }
 
-TEST_F(Install, leavesForeignAndChangedFilesAlone) {
+TEST_F(Install, LeavesForeignAndChangedFilesAlone) {
   for (const char* file : {kPlugin, kManual}) {
     put(file, "by hand");
     const auto before = home();
@@ -112,7 +113,7 @@ TEST_F(Install, leavesForeignAndChangedFilesAlone) {
   }
 }
 
-TEST_F(Install, leavesTheUsersOwnManualAlone) {
+TEST_F(Install, LeavesTheUsersOwnManualAlone) {
   put("home/mine.pdf", "mine");
   const std::string mine = m_folder / "home/mine.pdf";
   const auto choose = [this] { EXPECT_EQ(asUser(BREZAN " manual --set home/mine.pdf").status, 0); };
@@ -128,7 +129,7 @@ TEST_F(Install, leavesTheUsersOwnManualAlone) {
   }
 }
 
-TEST_F(Install, leavesNothingHalfDone) {
+TEST_F(Install, LeavesNothingHalfDone) {
   const struct {
     const char* options;
     const char* obstacle; // a file where a folder is wanted
@@ -156,7 +157,7 @@ TEST_F(Install, leavesNothingHalfDone) {
   EXPECT_EQ(home(), before) << "an earlier installation";
 }
 
-TEST_F(Install, saysWhatIsWrong) {
+TEST_F(Install, SaysWhatIsWrong) {
   EXPECT_THAT(install("--prefix").errors, HasSubstr("--prefix needs a folder"));
   EXPECT_THAT(install("--everything").errors, HasSubstr("unknown option '--everything'"));
   EXPECT_THAT(asUser(BREZAN " manual --set nowhere").errors, HasSubstr("no manual"));
@@ -165,3 +166,5 @@ TEST_F(Install, saysWhatIsWrong) {
     EXPECT_THAT(install().errors, HasSubstr(std::string(file) + " is not built"));
   }
 }
+
+} // namespace qlx::test

@@ -16,8 +16,8 @@
 #include <cstdlib>
 #include <numbers>
 
-using namespace qlx::tools;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 constexpr double kRate = 44100.0;
@@ -64,7 +64,7 @@ class MachineNoise : public testing::Test {
     return db(levelBetween(sound, kRate, from, to).rms);
   }
 
-  qlx::test::TemporaryFolder m_folder;
+  TemporaryFolder m_folder;
   ParameterText m_parameters{PLUGIN};
 };
 
@@ -91,7 +91,7 @@ std::vector<double> airLevel(const Channels& sound, double airHz) {
 
 } // namespace
 
-TEST_F(MachineNoise, liesWhereItIsHeardBetweenTheNotes) {
+TEST_F(MachineNoise, LiesWhereItIsHeardBetweenTheNotes) {
   // A full chord on both manuals and the pedal, as loud as the input goes.
   OrganScore score{{}, {}, {}, 5.0};
   for (const Manual manual : {Manual::Upper, Manual::Lower, Manual::Pedal})
@@ -117,7 +117,7 @@ TEST_F(MachineNoise, liesWhereItIsHeardBetweenTheNotes) {
   }
 }
 
-TEST_F(MachineNoise, switchIsAnEventAndNoDigitalClick) {
+TEST_F(MachineNoise, SwitchIsAnEventAndNoDigitalClick) {
   for (const float lever : {0.0F, 1.0F}) {
     const Channels sound = silence({{"Lever", lever}}, 12.0,
                                    {move(2.0, "Stop", 1.0F), move(10.0, "Stop", 0.0F)}, 20.0);
@@ -133,7 +133,7 @@ TEST_F(MachineNoise, switchIsAnEventAndNoDigitalClick) {
   }
 }
 
-TEST_F(MachineNoise, fastNoiseStaysInStepWithTheRotor) {
+TEST_F(MachineNoise, FastNoiseStaysInStepWithTheRotor) {
   for (const Rotor& rotor : kRotors) {
     SCOPED_TRACE(rotor.name);
     // The same moves twice: once the rotor is seen by tones, once it is heard alone.
@@ -182,7 +182,7 @@ TEST_F(MachineNoise, fastNoiseStaysInStepWithTheRotor) {
   }
 }
 
-TEST_F(MachineNoise, speedingUpLosesNoLevel) {
+TEST_F(MachineNoise, SpeedingUpLosesNoLevel) {
   // The drum at even steps of speed, each held for whole turns.
   constexpr int kSteps = 10;
   std::vector<double> levels;
@@ -201,7 +201,7 @@ TEST_F(MachineNoise, speedingUpLosesNoLevel) {
   }
 }
 
-TEST_F(MachineNoise, rotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
+TEST_F(MachineNoise, RotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
   for (const Rotor& rotor : kRotors) {
     SCOPED_TRACE(rotor.name);
     const RotorTrace trace(play({{"CPUmode", 0.0F}, {"Mech", 0.0F}, {rotor.other, 0.0F}},
@@ -219,17 +219,16 @@ TEST_F(MachineNoise, rotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
   }
 }
 
-TEST_F(MachineNoise, reportTellsSpeedsAndRests) {
+TEST_F(MachineNoise, ReportTellsSpeedsAndRests) {
   {
     AudioOutput quiet(m_folder / "dry.wav", "pcm16", kRate, 1);
     quiet.write(std::vector<double>(static_cast<std::size_t>(12.0 * kRate)));
     quiet.finish();
   }
-  qlx::tests::write(m_folder / "moves.txt", "3 Lever Tremolo\n");
+  write(m_folder / "moves.txt", "3 Lever Tremolo\n");
   const auto brezan = [&](const std::string& words) {
-    const qlx::tests::Finished done =
-        qlx::tests::run("cd " + m_folder.path().string() + " && " BREZAN " " + words +
-                        " --plugin " PLUGIN " --automate moves.txt --set CPUmode=LowCPU");
+    const Finished done = run("cd " + m_folder.path().string() + " && " BREZAN " " + words +
+                              " --plugin " PLUGIN " --automate moves.txt --set CPUmode=LowCPU");
     EXPECT_EQ(done.status, 0) << done.errors;
     return done.output;
   };
@@ -243,3 +242,5 @@ TEST_F(MachineNoise, reportTellsSpeedsAndRests) {
   EXPECT_THAT(brezan("report dry.wav wet.wav --set HSlowSpd=0"),
               testing::HasSubstr("The horn: no turn of the rotor can be recognised.\n"));
 }
+
+} // namespace qlx::test

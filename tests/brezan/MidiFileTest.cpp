@@ -6,8 +6,8 @@
 #include <random>
 #include <sstream>
 
-using namespace qlx::tools;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -84,19 +84,19 @@ void expectSame(const std::vector<TimedMidi>& got, const std::vector<TimedMidi>&
 
 } // namespace
 
-TEST(MidiFile, readsTimesAndMessages) {
+TEST(MidiFile, ReadsTimesAndMessages) {
   for (const ReadCase& c : readCases()) {
     SCOPED_TRACE(c.what);
     expectSame(parseMidi(c.bytes), c.expected);
   }
 }
 
-TEST(MidiFile, readsBackWhatItWrites) {
+TEST(MidiFile, ReadsBackWhatItWrites) {
   const std::string bytes = written(pedalMoves());
   expectSame(parseMidi(Bytes(bytes.begin(), bytes.end())), pedalMoves());
 }
 
-TEST(MidiFile, refusesEveryTruncation) {
+TEST(MidiFile, RefusesEveryTruncation) {
   const std::string bytes = written(pedalMoves());
   for (std::size_t length = 15; length < bytes.size(); ++length) {
     // A vector of its own: reading past the end is seen by the address sanitizer.
@@ -105,7 +105,7 @@ TEST(MidiFile, refusesEveryTruncation) {
   }
 }
 
-TEST(MidiFile, refusesWhatIsNoMidiFile) {
+TEST(MidiFile, RefusesWhatIsNoMidiFile) {
   const std::pair<const char*, Bytes> cases[] = {
       {"this is none", {}},
       {"this is none", Bytes(40, 'x')},
@@ -121,7 +121,7 @@ TEST(MidiFile, refusesWhatIsNoMidiFile) {
                 testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr(why)));
 }
 
-TEST(MidiFile, survivesDamagedFiles) {
+TEST(MidiFile, SurvivesDamagedFiles) {
   std::mt19937 random(7);
   for (int round = 0; round < 20000; ++round) {
     Bytes bytes = readCases()[random() % readCases().size()].bytes;
@@ -137,3 +137,5 @@ TEST(MidiFile, survivesDamagedFiles) {
     }
   }
 }
+
+} // namespace qlx::test

@@ -11,8 +11,8 @@
 #include <numbers>
 #include <sstream>
 
-using namespace qlx::tools;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 constexpr double kRate = 44100.0;
@@ -47,7 +47,7 @@ OrganScore upperOnly(std::array<int, 9> drawbars, bool percussion, std::vector<O
 
 } // namespace
 
-TEST(Organ, wheelsAreInTuneAndInOrder) {
+TEST(Organ, WheelsAreInTuneAndInOrder) {
   for (int wheel = 1; wheel <= kWheels; ++wheel) {
     const double tempered = 440.0 * std::exp2((wheel - 46) / 12.0); // wheel 46 is the A of 440 Hz
     const double cents = 1200.0 * std::log2(wheelFrequency(wheel) / tempered);
@@ -57,7 +57,7 @@ TEST(Organ, wheelsAreInTuneAndInOrder) {
   EXPECT_DOUBLE_EQ(wheelFrequency(46), 440.0) << "88 : 64 teeth at 20 turns a second";
 }
 
-TEST(Organ, foldsBackWhereTheGeneratorEnds) {
+TEST(Organ, FoldsBackWhereTheGeneratorEnds) {
   const struct {
     Manual manual;
     int key;
@@ -71,7 +71,7 @@ TEST(Organ, foldsBackWhereTheGeneratorEnds) {
     EXPECT_EQ(drawbarWheel(c.manual, c.key, c.drawbar), c.wheel) << c.key << " " << c.drawbar;
 }
 
-TEST(Organ, drawbarsSetTheLevelsOfTheirTones) {
+TEST(Organ, DrawbarsSetTheLevelsOfTheirTones) {
   EXPECT_EQ(drawbarGain(0), 0.0);
   EXPECT_NEAR(20.0 * std::log10(drawbarGain(8) / drawbarGain(1)), 21.0, 1e-9);
   // A of 440 Hz at 8', full; its octave 9 dB less; nothing else.
@@ -87,7 +87,7 @@ TEST(Organ, drawbarsSetTheLevelsOfTheirTones) {
   EXPECT_LT(relative(220.0), -60.0);
 }
 
-TEST(Organ, percussionStrikesOnlyAfterAllKeysWereUp) {
+TEST(Organ, PercussionStrikesOnlyAfterAllKeysWereUp) {
   // A, then C while A is held, then C again after silence. The third harmonic is the percussion's.
   const OrganScore score = upperOnly({0, 0, 8, 0, 0, 0, 0, 0, 0}, true,
                                      {{0.1, 0.9, Manual::Upper, 33},
@@ -102,7 +102,7 @@ TEST(Organ, percussionStrikesOnlyAfterAllKeysWereUp) {
   EXPECT_GT(amplitude(sound, 1.41, 1.51, ofC), 0.7 * struck) << "detached: a new stroke";
 }
 
-TEST(Organ, keysClick) {
+TEST(Organ, KeysClick) {
   // A low soft tone: what is above 3 kHz can only be the contacts.
   const OrganScore score =
       upperOnly({8, 8, 8, 0, 0, 0, 0, 0, 0}, false, {{0.5, 1.0, Manual::Upper, 12}});
@@ -112,7 +112,7 @@ TEST(Organ, keysClick) {
   EXPECT_GT(rms(sound, 0.5, 0.51), 20.0 * rms(sound, 0.9, 1.2));
 }
 
-TEST(Organ, theSwellPedalScalesTheSound) {
+TEST(Organ, TheSwellPedalScalesTheSound) {
   OrganScore score = upperOnly({0, 0, 8, 0, 0, 0, 0, 0, 0}, false, {{0.0, 2.0, Manual::Upper, 33}});
   score.swell = {{0.5, 1.0}, {1.0, 0.5}, {1.5, 0.5}};
   const std::vector<double> sound = playOrgan(score, kRate, 0.5);
@@ -122,7 +122,7 @@ TEST(Organ, theSwellPedalScalesTheSound) {
       << "half-way, half of it";
 }
 
-TEST(OrganPhrase, isPlayableAndHalfAMinuteLong) {
+TEST(OrganPhrase, IsPlayableAndHalfAMinuteLong) {
   const OrganScore score = organPhrase();
   EXPECT_NEAR(score.seconds, 31.0, 2.0);
   for (const OrganKey& key : score.keys) {
@@ -139,7 +139,7 @@ TEST(OrganPhrase, isPlayableAndHalfAMinuteLong) {
   }
 }
 
-TEST(OrganPhrase, soundsTheSameEveryTimeAndHasRoom) {
+TEST(OrganPhrase, SoundsTheSameEveryTimeAndHasRoom) {
   const std::vector<double> first = playOrgan(organPhrase(), kRate, 0.7);
   EXPECT_EQ(first, playOrgan(organPhrase(), kRate, 0.7));
   const auto [low, high] = std::minmax_element(first.begin(), first.end());
@@ -151,7 +151,7 @@ TEST(OrganPhrase, soundsTheSameEveryTimeAndHasRoom) {
   EXPECT_GT(rms(first, pedalUp - 2.0, pedalUp - 1.0), 0.05);
 }
 
-TEST(OrganPhrase, leverGoesSlowFastSlowStopSlow) {
+TEST(OrganPhrase, LeverGoesSlowFastSlowStopSlow) {
   std::istringstream brake(phraseBrake());
   const auto marks = leverMarks(phrasePedal(), readAutomation(brake, "brake"));
   std::vector<LeverState> states;
@@ -161,3 +161,5 @@ TEST(OrganPhrase, leverGoesSlowFastSlowStopSlow) {
   for (std::size_t i = 1; i < marks.size(); ++i)
     EXPECT_GT(marks[i].seconds - marks[i - 1].seconds, 3.0) << "long enough to be heard";
 }
+
+} // namespace qlx::test

@@ -3,11 +3,13 @@
 
 #include <gmock/gmock.h>
 
-using namespace qlx::tools;
+namespace qlx::test {
+using namespace tools;
+
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-TEST(ParameterText, findsValues) {
+TEST(ParameterText, FindsValues) {
   ParameterText parameters(TEST_EFFECT);
   struct Case {
     const char* text;
@@ -37,7 +39,7 @@ TEST(ParameterText, findsValues) {
   }
 }
 
-TEST(ParameterText, saysWhatWouldBeRight) {
+TEST(ParameterText, SaysWhatWouldBeRight) {
   ParameterText parameters(TEST_EFFECT);
   const std::pair<const char*, const char*> cases[] = {
       {"Volume=1", "no parameter 'Volume'"},
@@ -59,3 +61,5 @@ TEST(ParameterText, saysWhatWouldBeRight) {
                 ThrowsMessage<std::runtime_error>(HasSubstr(words)))
         << text;
 }
+
+} // namespace qlx::test

@@ -13,8 +13,8 @@
 #include <numbers>
 #include <sstream>
 
-using namespace qlx::tools;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 std::vector<double> sine(double frequency, double rate, double seconds, double level) {
@@ -46,7 +46,7 @@ class PngImage {
 
 } // namespace
 
-TEST(Spectrogram, readsLevelAndPitch) {
+TEST(Spectrogram, ReadsLevelAndPitch) {
   constexpr SpectrogramRange kRange{20, 300, 30.0, 14000.0};
   for (const double rate : {44100.0, 48000.0, 96000.0})
     for (const double hz : {80.0, 441.3, 1000.0, 3333.3, 9900.0}) {
@@ -60,7 +60,7 @@ TEST(Spectrogram, readsLevelAndPitch) {
     }
 }
 
-TEST(Spectrogram, placesEventsInTime) {
+TEST(Spectrogram, PlacesEventsInTime) {
   std::vector<double> sound(44100, 0.0);
   sound[22050] = 1.0;
   const Spectrogram s = spectrogram(sound, 44100.0, {100, 20, 100.0, 10000.0});
@@ -72,7 +72,7 @@ TEST(Spectrogram, placesEventsInTime) {
   }
 }
 
-TEST(LeverMarks, followPedalWheelAndBrake) {
+TEST(LeverMarks, FollowPedalWheelAndBrake) {
   const std::vector<TimedMidi> midi{{1.0, {0xB0, 64, 127}},
                                     {2.0, {0x90, 64, 127}},
                                     {3.0, {0xB0, 1, 64}},
@@ -93,8 +93,8 @@ TEST(LeverMarks, followPedalWheelAndBrake) {
   }
 }
 
-TEST(Picture, showsLeverMovesAndToneWhereTheyBelong) {
-  const qlx::tests::TemporaryFolder folder;
+TEST(Picture, ShowsLeverMovesAndToneWhereTheyBelong) {
+  const TemporaryFolder folder;
   PictureSound sound{"title",
                      {sine(1000.0, 44100.0, 2.0, 0.5), std::vector<double>(88200, 0.0)},
                      44100.0,
@@ -119,14 +119,14 @@ TEST(Picture, showsLeverMovesAndToneWhereTheyBelong) {
   EXPECT_NEAR(30.0 * std::pow(14000.0 / 30.0, place), 1000.0, 40.0);
 }
 
-TEST(Picture, refusesAnEmptySound) {
-  const qlx::tests::TemporaryFolder folder;
+TEST(Picture, RefusesAnEmptySound) {
+  const TemporaryFolder folder;
   EXPECT_THROW(drawPicture({"", {{}}, 44100.0, {}}, folder / "a.png"), std::runtime_error);
   EXPECT_EQ(folder.entries(), 0U);
 }
 
-TEST(Picture, showsGrowthInPlace) {
-  const qlx::tests::TemporaryFolder folder;
+TEST(Picture, ShowsGrowthInPlace) {
+  const TemporaryFolder folder;
   Growth growth;
   for (const double cost : {100.0, 200.0, 400.0, 200.0}) {
     GrowthPoint point;
@@ -158,3 +158,5 @@ TEST(Picture, showsGrowthInPlace) {
       EXPECT_FALSE(isDrawn(x, 476 - height + 20, colour)) << left << ' ' << place;
     }
 }
+
+} // namespace qlx::test

@@ -13,9 +13,8 @@
 #include <numeric>
 #include <sstream>
 
-using namespace qlx::tools;
-using namespace qlx::tests;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 constexpr double kRate = 44100.0;
@@ -84,7 +83,7 @@ class PluginEndToEnd : public testing::Test {
 
 } // namespace
 
-TEST_F(PluginEndToEnd, wordsAndAmountsFindTheirValues) {
+TEST_F(PluginEndToEnd, WordsAndAmountsFindTheirValues) {
   ParameterText parameters(PLUGIN);
   PluginHost host(PLUGIN);
   const struct {
@@ -139,7 +138,7 @@ TEST_F(PluginEndToEnd, wordsAndAmountsFindTheirValues) {
   }
 }
 
-TEST_F(PluginEndToEnd, presetsAreChosenByNumber) {
+TEST_F(PluginEndToEnd, PresetsAreChosenByNumber) {
   PluginHost host(PLUGIN);
   EXPECT_EQ(host.presetNames().size(), 32U);
   std::vector<std::vector<float>> settings;
@@ -153,7 +152,7 @@ TEST_F(PluginEndToEnd, presetsAreChosenByNumber) {
   EXPECT_EQ(settings[0], settings[3]);
 }
 
-TEST_F(PluginEndToEnd, thePedalAndTheBrakeMoveTheHorn) {
+TEST_F(PluginEndToEnd, ThePedalAndTheBrakeMoveTheHorn) {
   const std::vector<TimedMidi> pedal{{0.0, {0xB0, 64, 127}}, {8.0, {0xB0, 64, 0}}};
   const std::vector<double> sound = render(30.0, pedal, "20 Stop Stopped\n", true);
   const double fast = swing(sound, 4.0, 8.0, kHornFast);
@@ -165,7 +164,7 @@ TEST_F(PluginEndToEnd, thePedalAndTheBrakeMoveTheHorn) {
   EXPECT_LT(swing(sound, 27.0, 30.0, kHornSlow), 0.1 * slow) << "the horn stands still";
 }
 
-TEST_F(PluginEndToEnd, singleAndDoublePrecisionAgree) {
+TEST_F(PluginEndToEnd, SingleAndDoublePrecisionAgree) {
   const std::vector<double> single = render(2.0, {}, "0.5 Drive norm:0.7 1\n", false);
   const std::vector<double> full = render(2.0, {}, "0.5 Drive norm:0.7 1\n", true);
   ASSERT_EQ(single.size(), full.size());
@@ -179,7 +178,7 @@ TEST_F(PluginEndToEnd, singleAndDoublePrecisionAgree) {
   EXPECT_LT(10.0 * std::log10(error / power), -100.0);
 }
 
-TEST_F(PluginEndToEnd, theProgramTellsTheIdentity) {
+TEST_F(PluginEndToEnd, TheProgramTellsTheIdentity) {
   const Finished info = run(BREZAN " info --plugin " PLUGIN " --json");
   EXPECT_EQ(info.status, 0) << info.errors;
   for (const char* words : {"\"name\": \"QLX Brezan\"", "\"id\": \"QbrZ\"", "\"parameters\": 36",
@@ -187,7 +186,7 @@ TEST_F(PluginEndToEnd, theProgramTellsTheIdentity) {
     EXPECT_THAT(info.output, testing::HasSubstr(words));
 }
 
-TEST_F(PluginEndToEnd, theTailEndsWithTheProgrammeWhateverTheMotorsDo) {
+TEST_F(PluginEndToEnd, TheTailEndsWithTheProgrammeWhateverTheMotorsDo) {
   const struct {
     double tone, silence; // seconds of the input
     double least, most;   // of the render
@@ -214,3 +213,5 @@ TEST_F(PluginEndToEnd, theTailEndsWithTheProgrammeWhateverTheMotorsDo) {
     }
   }
 }
+
+} // namespace qlx::test

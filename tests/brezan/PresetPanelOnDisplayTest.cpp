@@ -20,10 +20,9 @@
 
 extern char** environ;
 
-namespace qlx::tests {
+namespace qlx::test {
 namespace {
 
-using platform::test::FakePortal;
 using Clock = std::chrono::steady_clock;
 
 /// The host in a process of its own, with the editor open at the display's corner.
@@ -175,10 +174,10 @@ class PresetPanelOnDisplay : public testing::TestWithParam<Backend> {
   static constexpr std::uint32_t kListColour = 0xFF26211D;
   static constexpr std::size_t kNameOffset = 41 + 12;
 
-  platform::test::VirtualDisplay display{{"-screen", "0", "800x700x24"}};
+  VirtualDisplay display{{"-screen", "0", "800x700x24"}};
   TemporaryFolder folder;
-  platform::test::FakePrograms programs;
-  std::optional<platform::test::PrivateBus> bus;
+  FakePrograms programs;
+  std::optional<PrivateBus> bus;
   std::optional<FakePortal> portal;
   std::unique_ptr<platform::WindowRobot> robot;
   std::optional<EditorProcess> editor;
@@ -304,4 +303,4 @@ INSTANTIATE_TEST_SUITE_P(Through, PresetPanelOnDisplay,
                          testing::Values(Backend::Portal, Backend::Zenity, Backend::List), nameOf);
 
 } // namespace
-} // namespace qlx::tests
+} // namespace qlx::test

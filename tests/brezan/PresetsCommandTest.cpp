@@ -7,11 +7,10 @@
 
 #include <algorithm>
 
-using namespace qlx::tests;
-using qlx::test::makeBank;
-using qlx::test::makeSlot;
+namespace qlx::test {
+
 using testing::HasSubstr;
-using Builder = qlx::test::PresetBytesBuilder;
+using Builder = PresetBytesBuilder;
 using Order = Builder::Order;
 using Bytes = std::vector<std::uint8_t>;
 
@@ -27,10 +26,8 @@ class PresetsCommand : public testing::Test {
     return run("cd " + m_folder.path().string() + " && " BREZAN " presets " + arguments +
                " --plugin " PLUGIN);
   }
-  void given(const std::string& name, const Bytes& bytes) {
-    qlx::test::writeBytes(m_folder / name, bytes);
-  }
-  Bytes saved(const std::string& name) { return qlx::test::readBytes(m_folder / name); }
+  void given(const std::string& name, const Bytes& bytes) { writeBytes(m_folder / name, bytes); }
+  Bytes saved(const std::string& name) { return readBytes(m_folder / name); }
 
   TemporaryFolder m_folder;
 };
@@ -54,7 +51,7 @@ std::vector<qlx::presets::PresetSlot> list(const std::array<qlx::presets::Preset
 
 } // namespace
 
-TEST_F(PresetsCommand, filesOfAllLayoutsAreLoadedAndSavedBitForBit) {
+TEST_F(PresetsCommand, FilesOfAllLayoutsAreLoadedAndSavedBitForBit) {
   const auto bank = sharingBank(300);
   for (const Order order : {Order::Little, Order::Big}) {
     const struct {
@@ -86,7 +83,7 @@ TEST_F(PresetsCommand, filesOfAllLayoutsAreLoadedAndSavedBitForBit) {
   }
 }
 
-TEST_F(PresetsCommand, onePresetIsTakenOutChangedAndPutElsewhere) {
+TEST_F(PresetsCommand, OnePresetIsTakenOutChangedAndPutElsewhere) {
   auto bank = sharingBank(300);
   given("all.qlb", Builder().bankImage(bank, 7).bytes());
   EXPECT_EQ(presets("save five.qlx --from all.qlb --index 5 --set Drive=norm:0.5").status, 0);
@@ -116,7 +113,7 @@ TEST_F(PresetsCommand, onePresetIsTakenOutChangedAndPutElsewhere) {
   EXPECT_TRUE(std::equal(part.begin() + kBeforeValues, part.end(), rest.begin() + kBeforeValues));
 }
 
-TEST_F(PresetsCommand, listsNamesAndValues) {
+TEST_F(PresetsCommand, ListsNamesAndValues) {
   auto bank = sharingBank(300);
   bank[9].name = {'A', '\x1b', '[', '2', 'J'}; // a terminal would clear its screen
   bank[9].values[kDrive] = 0.5F;
@@ -132,7 +129,7 @@ TEST_F(PresetsCommand, listsNamesAndValues) {
   EXPECT_THAT(presets("--help").output, HasSubstr("presets show doubtful.qlb"));
 }
 
-TEST_F(PresetsCommand, showTellsWhatIsWrongWhere) {
+TEST_F(PresetsCommand, ShowTellsWhatIsWrongWhere) {
   const auto bank = makeBank(300);
   const Bytes whole = Builder(Order::Big).bankImage(bank, 7).bytes();
   auto bad = makeSlot(60);
@@ -174,9 +171,7 @@ TEST_F(PresetsCommand, showTellsWhatIsWrongWhere) {
       {Builder().legacyChunk({makeSlot(1), bad}, 0, 36).bytes(),
        {"preset 1: the value of 13 (Drive) is not within 0..1"},
        1},
-      {Builder().u32(qlx::test::kFileId).u8(0x39).zeros(9).bytes(),
-       {"its kind, 57, is unknown"},
-       1},
+      {Builder().u32(kFileId).u8(0x39).zeros(9).bytes(), {"its kind, 57, is unknown"}, 1},
       {cut(Builder().presetImage(bad).bytes(), 30), {"ends at byte 30, inside its header"}, 1},
       {cut(Builder().presetImage(bad).bytes(), 4), {"ends behind its identifier"}, 1},
       {cut(Builder().chunk(Builder()).bytes(), 8), {"state", "ends at byte 8"}, 1},
@@ -191,7 +186,7 @@ TEST_F(PresetsCommand, showTellsWhatIsWrongWhere) {
   }
 }
 
-TEST_F(PresetsCommand, whatFailsSaysSoAndHarmsNothing) {
+TEST_F(PresetsCommand, WhatFailsSaysSoAndHarmsNothing) {
   auto bad = makeSlot(60);
   bad.values[kDrive] = 1.5F;
   given("bad.qlx", Builder().presetImage(bad).bytes());
@@ -232,3 +227,5 @@ TEST_F(PresetsCommand, whatFailsSaysSoAndHarmsNothing) {
   EXPECT_EQ(mended.status, 0);
   EXPECT_THAT(mended.errors, HasSubstr("warning: 'part.qlb': record 1 at byte 41: 8 ("));
 }
+
+} // namespace qlx::test

@@ -11,8 +11,8 @@
 #include <fftw3.h>
 #include <numbers>
 
-using namespace qlx::tools;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 constexpr double kSeconds =
@@ -108,10 +108,10 @@ class RenderRates : public testing::TestWithParam<const char*> {
       dry.finish();
     }
     const auto done =
-        qlx::tests::run("cd " + m_folder.path().string() +
-                        " && " BREZAN " render dry.wav wet.wav --plugin " PLUGIN
-                        " --format float --tail 0 --settle 12 --set Lever=Tremolo --set CPUmode=" +
-                        GetParam());
+        run("cd " + m_folder.path().string() +
+            " && " BREZAN " render dry.wav wet.wav --plugin " PLUGIN
+            " --format float --tail 0 --settle 12 --set Lever=Tremolo --set CPUmode=" +
+            GetParam());
     EXPECT_EQ(done.status, 0) << done.errors;
     EXPECT_EQ(done.output.find("converted there and back") != std::string::npos, !own)
         << done.output;
@@ -134,7 +134,7 @@ class RenderRates : public testing::TestWithParam<const char*> {
     return heard;
   }
 
-  qlx::test::TemporaryFolder m_folder;
+  TemporaryFolder m_folder;
 };
 
 // The strongest bin, in dB below the strongest of all, that has nothing like it (6 dB, 1.5 Hz) in
@@ -156,7 +156,7 @@ double strongestStranger(const std::vector<double>& bins, const std::vector<doub
 
 } // namespace
 
-TEST_P(RenderRates, soundAlike) {
+TEST_P(RenderRates, SoundAlike) {
   const Heard reference = hear(48000.0, true);
   for (const double rate :
        {8000.0, 11025.0, 16000.0, 22050.0, 24000.0, 32000.0, 44100.0, 48000.0, 64000.0, 88200.0,
@@ -183,3 +183,5 @@ TEST_P(RenderRates, soundAlike) {
 
 INSTANTIATE_TEST_SUITE_P(Slow, RenderRates, testing::Values("LowCPU", "Brilliant"),
                          [](const auto& quality) { return std::string(quality.param); });
+
+} // namespace qlx::test

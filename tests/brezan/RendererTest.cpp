@@ -7,9 +7,8 @@
 #include <cmath>
 #include <functional>
 
-using namespace qlx::tools;
-using qlx::tests::TemporaryFolder;
-
+namespace qlx::test {
+using namespace tools;
 namespace {
 
 constexpr double kRate = 44100.0;
@@ -58,7 +57,7 @@ double at(int frame) { return frame / kRate; }
 
 } // namespace
 
-TEST_F(RendererTest, blocksPrecisionAndSettlingLeaveNoTrace) {
+TEST_F(RendererTest, BlocksPrecisionAndSettlingLeaveNoTrace) {
   const Score score{{{at(100), 0, 1.0F, 0.0}, {at(400), 0, 0.25F, 0.0}},
                     {{at(250), {0xB0, 64, 127}}, {at(777), {0xB0, 64, 0}}}};
   for (const int block : {1, 7, 64, 512, 4096})
@@ -78,7 +77,7 @@ TEST_F(RendererTest, blocksPrecisionAndSettlingLeaveNoTrace) {
       }
 }
 
-TEST_F(RendererTest, channelLayouts) {
+TEST_F(RendererTest, ChannelLayouts) {
   for (const int inputs : {1, 2})
     for (const int outputs : {1, 2}) {
       const std::vector<double> out = render(inputs, {128, true, outputs, 0.0, 0.0}, {});
@@ -90,7 +89,7 @@ TEST_F(RendererTest, channelLayouts) {
     }
 }
 
-TEST_F(RendererTest, theTailEndsAfterHalfASecondOfQuiet) {
+TEST_F(RendererTest, TheTailEndsAfterHalfASecondOfQuiet) {
   const auto ringing = [](PluginHost& host) { host.setValue(4, 0.5F); };
   const std::vector<double> out = render(1, {100, true, 2, 0.0, 10.0}, {}, ringing);
   // The ring starts the tail at the last input's sum and loses 0.1 % a sample.
@@ -99,14 +98,14 @@ TEST_F(RendererTest, theTailEndsAfterHalfASecondOfQuiet) {
   EXPECT_NEAR(static_cast<double>(m_report.frames), kFrames + audible + 0.5 * kRate, 300.0);
 }
 
-TEST_F(RendererTest, aTailThatNeverQuietensIsCut) {
+TEST_F(RendererTest, ATailThatNeverQuietensIsCut) {
   const auto endless = [](PluginHost& host) { host.selectPreset(2); };
   for (const double tail : {0.0, 0.5})
     EXPECT_EQ(render(1, {64, false, 2, 0.0, tail}, {}, endless).size(),
               2U * static_cast<std::size_t>(kFrames + tail * kRate));
 }
 
-TEST_F(RendererTest, reportsWhatItWrote) {
+TEST_F(RendererTest, ReportsWhatItWrote) {
   render(2, {64, true, 2, 0.0, 0.0}, {{{0.0, 0, 0.25F, 0.0}}, {}});
   EXPECT_EQ(m_report.frames, kFrames);
   EXPECT_EQ(m_report.rate, kRate);
@@ -114,3 +113,5 @@ TEST_F(RendererTest, reportsWhatItWrote) {
   EXPECT_NEAR(m_rms * m_rms, 0.25 / 3.0, 1e-3);
   EXPECT_GT(m_report.processingSeconds, 0.0);
 }
+
+} // namespace qlx::test

@@ -44,7 +44,7 @@ class EditorOnDisplay : public testing::Test {
     return false;
   }
 
-  platform::test::VirtualDisplay display{{"-screen", "0", "800x700x24"}};
+  VirtualDisplay display{{"-screen", "0", "800x700x24"}};
   std::unique_ptr<platform::NativeWindow> host;
   std::unique_ptr<platform::WindowRobot> robot;
   EditorRig shown{&platform::nativeWindowSystem()};
@@ -89,12 +89,12 @@ TEST_F(EditorOnDisplay, OpeningsUnderAutomationLeaveNothingBehind) {
     shown.editor->close();
   };
   for (int i = 0; i < 50; ++i) cycle();
-  const std::size_t descriptors = platform::test::openDescriptors();
-  const std::size_t heap = platform::test::heapBytes();
+  const std::size_t descriptors = openDescriptors();
+  const std::size_t heap = heapBytes();
   for (int i = 0; i < 100; ++i) cycle();
-  EXPECT_EQ(platform::test::openDescriptors(), descriptors);
+  EXPECT_EQ(openDescriptors(), descriptors);
   // The heap's own caches fill up slowly; one control left behind a time would be more.
-  EXPECT_LT(platform::test::heapBytes(), heap + 100U * 320U);
+  EXPECT_LT(heapBytes(), heap + 100U * 320U);
   stop.store(true, std::memory_order_relaxed);
   audio.join();
 }

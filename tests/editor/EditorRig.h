@@ -81,8 +81,8 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
 class EditorRig {
  public:
   explicit EditorRig(const platform::WindowSystem* others = nullptr) {
-    auto files = std::make_unique<platform::ScriptedFileSelector>();
-    auto documents = std::make_unique<platform::ScriptedDocumentOpener>();
+    auto files = std::make_unique<ScriptedFileSelector>();
+    auto documents = std::make_unique<ScriptedDocumentOpener>();
     selector = files.get();
     opener = documents.get();
     editor = std::make_unique<editor::RotaryEditor>(
@@ -143,11 +143,10 @@ class EditorRig {
 
   SilentEffect effect;
   platform::HeadlessWindowSystem windows;
-  std::shared_ptr<platform::MemorySettingsStore> settings =
-      std::make_shared<platform::MemorySettingsStore>();
+  std::shared_ptr<MemorySettingsStore> settings = std::make_shared<MemorySettingsStore>();
   plugin::ParameterFormatter formatter;
-  platform::ScriptedFileSelector* selector = nullptr;
-  platform::ScriptedDocumentOpener* opener = nullptr;
+  ScriptedFileSelector* selector = nullptr;
+  ScriptedDocumentOpener* opener = nullptr;
   std::unique_ptr<editor::RotaryEditor> editor;
 };
 

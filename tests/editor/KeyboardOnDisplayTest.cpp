@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: ISC
 // Who gets the keys: the editor in a host's window on a display, with a real keyboard and pointer,
 // without a window manager and under one that gives the focus to the top-level window at every
 // click.
@@ -167,7 +168,7 @@ class KeyboardOnDisplay : public testing::TestWithParam<bool> {
   std::string name() const { return std::string(rig.effect.getPresetSlot(0).nameText()); }
 
   TemporaryFolder folder;
-  platform::test::VirtualDisplay display{{"-screen", "0", "800x700x24"}};
+  VirtualDisplay display{{"-screen", "0", "800x700x24"}};
   std::optional<WindowManager> manager;
   std::optional<HostWindow> host;
   EditorRig rig{&platform::nativeWindowSystem()};

@@ -156,7 +156,7 @@ constexpr HandGesture kGestures[] = {
 TEST(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
-  const platform::test::VirtualDisplay display({"-screen", "0", "800x700x24"});
+  const VirtualDisplay display({"-screen", "0", "800x700x24"});
   ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
   EditedPlugin plugin({"HSlowSpd=norm:0.1", "HFastSpd=norm:0.5", "HDistance=norm:0.3",
                        "HGain=norm:0.2", "Bottom=norm:0.5", "LoMid=norm:0.5", "Drive=norm:0.5",

@@ -393,7 +393,7 @@ TEST_F(OpenEditor, DrawsOnlyWhatChangesAndAllocatesNothing) {
   rig.editor->idle();
   EXPECT_EQ(rig.window().takePresentedPixels(), 0U);
 
-  const engine::test::AllocationCount allocations;
+  const AllocationCount allocations;
   for (int i = 0; i < 100; ++i) {
     rig.effect.horn = i * 0.01;
     rig.effect.drum = i * 0.007;

@@ -10,7 +10,8 @@
 #include <numbers>
 #include <vector>
 
-namespace qlx::engine {
+namespace qlx::test {
+using namespace engine;
 namespace {
 
 constexpr double kPi = std::numbers::pi;
@@ -255,4 +256,4 @@ TEST(Interpolation, OneShotHoldsItsEnds) {
 }
 
 } // namespace
-} // namespace qlx::engine
+} // namespace qlx::test

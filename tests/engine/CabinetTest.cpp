@@ -11,7 +11,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace qlx::engine {
+namespace qlx::test {
 namespace {
 
 constexpr double kRate = 44100.0;
@@ -347,4 +347,4 @@ TEST(CrossTalk, ReadsAtTheSmoothedDelay) {
 }
 
 } // namespace
-} // namespace qlx::engine
+} // namespace qlx::test

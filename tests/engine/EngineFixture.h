@@ -8,7 +8,8 @@
 #include <numbers>
 #include <vector>
 
-namespace qlx::engine::test {
+namespace qlx::test {
+using namespace engine;
 
 /// Recordings that hold the same value everywhere; silent by default.
 class PlainRecordings {
@@ -159,4 +160,4 @@ class EngineFixture {
   double m_phase = 0.0;
 };
 
-} // namespace qlx::engine::test
+} // namespace qlx::test

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "tests/engine/KernelErrors.h"
 
-namespace qlx::engine::test {
+namespace qlx::test {
+using namespace engine;
 
 KernelErrors measureAvx2() { return kernels::measure(); }
 
-} // namespace qlx::engine::test
+} // namespace qlx::test

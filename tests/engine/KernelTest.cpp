@@ -5,7 +5,7 @@
 
 #include <numbers>
 
-namespace qlx::engine::test {
+namespace qlx::test {
 namespace {
 
 void expectExact(const KernelErrors& e) {
@@ -30,4 +30,4 @@ TEST(KernelMathematics, IsExactWithAvx2) {
 }
 
 } // namespace
-} // namespace qlx::engine::test
+} // namespace qlx::test

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-namespace qlx::engine::test {
+namespace qlx::test {
 
 /// Worst errors of the kernels' mathematics against the standard library, and what the mouth's
 /// movement looks like, for one instruction set.
@@ -17,4 +17,4 @@ KernelErrors measureAvx2();
 
 inline constexpr double kTestHalfWidth = 0.08;
 
-} // namespace qlx::engine::test
+} // namespace qlx::test

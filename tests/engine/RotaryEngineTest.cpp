@@ -10,7 +10,7 @@
 #include <limits>
 #include <random>
 
-namespace qlx::engine {
+namespace qlx::test {
 namespace {
 
 using test::EngineFixture;
@@ -387,4 +387,4 @@ TEST(RotaryEngine, ProcessingAllocatesNothing) {
 }
 
 } // namespace
-} // namespace qlx::engine
+} // namespace qlx::test

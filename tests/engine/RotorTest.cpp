@@ -11,7 +11,7 @@
 #include <numbers>
 #include <thread>
 
-namespace qlx::engine {
+namespace qlx::test {
 namespace {
 
 using Event = RotorMotion::Event;
@@ -298,4 +298,4 @@ TEST(RotorReadout, EngineStoresWhatLeadsToTheNextBlock) {
 }
 
 } // namespace
-} // namespace qlx::engine
+} // namespace qlx::test

@@ -70,7 +70,7 @@ void runStoredValues(Input bytes) {
   constexpr std::array<const char*, 8> kNames{"DefaultBank", "DefaultPreset", "MemoA",
                                               "MemoB",       "CurrDir",       "CurrBank",
                                               "CurrPreset",  "ManualPath"};
-  static const auto store = std::make_shared<platform::MemorySettingsStore>();
+  static const auto store = std::make_shared<MemorySettingsStore>();
   static PresetRig user(store);
   if (bytes.empty()) return;
   const char* const name = kNames[bytes[0] % kNames.size()];

@@ -11,7 +11,7 @@
 #include <cstring>
 #include <functional>
 
-namespace qlx::gui::test {
+namespace qlx::test {
 
 namespace {
 
@@ -230,4 +230,4 @@ TEST_F(Controls, CopiesHaveTheSettingsButNoPlace) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

@@ -11,7 +11,7 @@
 #include <array>
 #include <random>
 
-namespace qlx::gui::test {
+namespace qlx::test {
 
 namespace {
 
@@ -187,4 +187,4 @@ TEST(Text, RefusesWhatIsNoFont) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

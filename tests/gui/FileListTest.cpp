@@ -10,7 +10,7 @@
 
 #include <filesystem>
 
-namespace qlx::gui::test {
+namespace qlx::test {
 namespace {
 
 using platform::FileRequest;
@@ -29,7 +29,7 @@ class FileLists : public FrameFixture {
     std::filesystem::create_directories(folder / "sub");
     for (const char* name : {"take 10.qlx", "Take 2.QLX", "take 02b.qlx", "all.qlb", "notes.txt",
                              ".hidden.qlx", "sub/inner.qlx"})
-      qlx::test::writeBytes(folder / name, {});
+      writeBytes(folder / name, {});
   }
 
   FileRequest request(Style style, const std::string& name = {}) const {
@@ -74,7 +74,7 @@ class FileLists : public FrameFixture {
     release(int(at.x), int(at.y));
   }
 
-  qlx::test::TemporaryFolder folder;
+  TemporaryFolder folder;
   std::string root = std::string(folder.path()) + "/";
 };
 
@@ -129,8 +129,7 @@ TEST_F(FileLists, AreWorkedByKeys) {
 }
 
 TEST_F(FileLists, AreWorkedByThePointer) {
-  for (int i = 0; i < 40; ++i)
-    qlx::test::writeBytes(folder / ("x" + std::to_string(i) + ".qlx"), {});
+  for (int i = 0; i < 40; ++i) writeBytes(folder / ("x" + std::to_string(i) + ".qlx"), {});
   std::string answer = "...";
   ASSERT_TRUE(CFileList::show(*frame, request(Style::Open),
                               [&](const std::string& path) { answer = path; }));
@@ -174,7 +173,7 @@ TEST_F(FileLists, AreWorkedByThePointer) {
 class FileSelectors : public FileLists {
  protected:
   FileSelectors() {
-    auto desktop = std::make_unique<platform::ScriptedFileSelector>();
+    auto desktop = std::make_unique<ScriptedFileSelector>();
     dialog = desktop.get();
     selector = std::make_unique<CFileSelector>(std::move(desktop), [this] { return frame.get(); });
   }
@@ -184,7 +183,7 @@ class FileSelectors : public FileLists {
     return paths->empty() ? "-" : paths->front().substr(root.size());
   }
 
-  platform::ScriptedFileSelector* dialog = nullptr;
+  ScriptedFileSelector* dialog = nullptr;
   std::unique_ptr<CFileSelector> selector;
 };
 
@@ -286,4 +285,4 @@ TEST(ShortenedTexts, FitAndSayWhatIsLeft) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

@@ -14,7 +14,8 @@
 #include <utility>
 #include <vector>
 
-namespace qlx::gui::test {
+namespace qlx::test {
+using namespace gui;
 
 /// The product's font, read once.
 inline std::shared_ptr<CTypeface> testTypeface() {
@@ -142,4 +143,4 @@ class FrameFixture : public testing::Test {
   std::unique_ptr<CFrame> frame;
 };
 
-} // namespace qlx::gui::test
+} // namespace qlx::test

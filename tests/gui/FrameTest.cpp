@@ -14,7 +14,7 @@
 #include <random>
 #include <thread>
 
-namespace qlx::gui::test {
+namespace qlx::test {
 
 namespace {
 
@@ -220,7 +220,7 @@ TEST_F(Frames, NothingIsDrawnOrAllocatedWhenNothingChanged) {
       std::make_unique<CMovieBitmap>(CRect{10, 10, 50, 30}, nullptr, 1, testStrip(40, 20, 5)));
   frame->idle();
   window->takePresentedPixels();
-  const engine::test::AllocationCount allocations;
+  const AllocationCount allocations;
   for (int i = 0; i < 10; ++i) {
     movie.setValue(0.0F);
     frame->idle();
@@ -366,4 +366,4 @@ TEST_F(Frames, PartialRedrawEqualsWholeRedraw) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

@@ -3,7 +3,7 @@
 
 #include "tests/gui/FrameFixture.h"
 
-namespace qlx::gui::test {
+namespace qlx::test {
 
 namespace {
 
@@ -78,4 +78,4 @@ TEST_F(MessageBoxes, BreaksLongTextsBetweenWords) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

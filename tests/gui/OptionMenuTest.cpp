@@ -4,7 +4,7 @@
 #include "gui/dialogs/CMenuList.h"
 #include "tests/gui/FrameFixture.h"
 
-namespace qlx::gui::test {
+namespace qlx::test {
 
 namespace {
 
@@ -162,4 +162,4 @@ TEST_F(OptionMenus, ASecondPressInTheSameBreathChoosesOnce) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

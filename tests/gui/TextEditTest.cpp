@@ -4,7 +4,7 @@
 #include "gui/controls/TextEditModel.h"
 #include "tests/gui/FrameFixture.h"
 
-namespace qlx::gui::test {
+namespace qlx::test {
 
 namespace {
 
@@ -230,4 +230,4 @@ TEST_F(TextEdits, ClosingTheWindowMidEditTellsNobody) {
 }
 
 } // namespace
-} // namespace qlx::gui::test
+} // namespace qlx::test

@@ -7,7 +7,8 @@
 #include <memory>
 #include <vector>
 
-namespace qlx::midi {
+namespace qlx::test {
+using namespace midi;
 namespace {
 
 using ::testing::ElementsAre;
@@ -150,4 +151,4 @@ TEST_F(MidiLeverTest, ActivityFallsToAnEthInHalfASecondWhateverTheBlocks) {
 }
 
 } // namespace
-} // namespace qlx::midi
+} // namespace qlx::test

@@ -3,7 +3,7 @@
 
 #include <unistd.h>
 
-namespace qlx::platform::test {
+namespace qlx::test {
 namespace {
 
 TEST_F(DesktopDialogs, DocumentsOpenOrSayWhyNot) {
@@ -25,9 +25,9 @@ TEST_F(DesktopDialogs, DocumentsOpenOrSayWhyNot) {
       {std::nullopt, 0, "kill -9 $$", Outcome::Failed},
       {std::nullopt, 0, nullptr, Outcome::NoProgram},
   };
-  qlx::test::TemporaryFolder folder;
+  TemporaryFolder folder;
   const std::string manual = folder / "the manual.pdf";
-  qlx::test::writeBytes(manual, std::vector<std::uint8_t>{'m', 'a', 'n'});
+  writeBytes(manual, std::vector<std::uint8_t>{'m', 'a', 'n'});
   startPortal(std::nullopt);
   for (const auto& c : cases) {
     if (c.manner) portal.emplace(*bus, *c.manner);
@@ -63,8 +63,8 @@ TEST_F(DesktopDialogs, DocumentsOpenOrSayWhyNot) {
 }
 
 TEST_F(DesktopDialogs, AReaderOutlivesWhoAskedForIt) {
-  qlx::test::TemporaryFolder folder;
-  qlx::test::writeBytes(folder / "manual.pdf", {});
+  TemporaryFolder folder;
+  writeBytes(folder / "manual.pdf", {});
   const auto readerStarts = [&] {
     programs.removeAll();
     programs.write("xdg-open", "echo $$ >$HERE/pid; exec /bin/sleep 60");
@@ -88,4 +88,4 @@ TEST_F(DesktopDialogs, AReaderOutlivesWhoAskedForIt) {
 }
 
 } // namespace
-} // namespace qlx::platform::test
+} // namespace qlx::test

@@ -6,7 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace qlx::platform::test {
+namespace qlx::test {
 namespace {
 
 constexpr const char* kZenityAnswers = "echo /from/zenity.qlx";
@@ -148,4 +148,4 @@ TEST_F(DesktopDialogs, ADismissedPortalDialogIsClosedAndItsLateAnswerLost) {
 }
 
 } // namespace
-} // namespace qlx::platform::test
+} // namespace qlx::test

@@ -4,7 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace qlx::platform::test {
+namespace qlx::test {
 namespace {
 
 TEST_F(DesktopDialogs, ProgramsAnswerOrGiveWayToTheNext) {
@@ -123,4 +123,4 @@ TEST_F(DesktopDialogs, AProgramStillOpenEndsWithItsSelector) {
 }
 
 } // namespace
-} // namespace qlx::platform::test
+} // namespace qlx::test

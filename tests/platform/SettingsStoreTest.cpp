@@ -20,7 +20,7 @@ using platform::XdgSettingsStore;
 TEST(SettingsStore, StoresKeepValuesAlike) {
   TemporaryFolder folder;
   XdgSettingsStore files(folder / "vendor/product");
-  platform::MemorySettingsStore memory;
+  MemorySettingsStore memory;
   for (platform::SettingsStore* store : {static_cast<platform::SettingsStore*>(&files),
                                          static_cast<platform::SettingsStore*>(&memory)}) {
     EXPECT_FALSE(store->readBinary("A"));

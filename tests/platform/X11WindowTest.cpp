@@ -45,7 +45,8 @@ extern "C" xcb_void_cookie_t xcb_put_image(xcb_connection_t* xcb, std::uint8_t f
                                                length, data);
 }
 
-namespace qlx::platform::test {
+namespace qlx::test {
+using namespace platform;
 
 namespace {
 
@@ -613,4 +614,4 @@ TEST_F(X11Windows, AThousandTimesLeaveNothingBehind) {
 }
 
 } // namespace
-} // namespace qlx::platform::test
+} // namespace qlx::test

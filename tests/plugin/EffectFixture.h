@@ -14,7 +14,8 @@
 #include <utility>
 #include <vector>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
+using namespace plugin;
 
 /// What the host was told, by opcode and index.
 struct HostNews {
@@ -92,7 +93,7 @@ class EffectFixture : public ::testing::Test {
     return buffer.data();
   }
 
-  qlx::test::TemporaryFolder m_home;
+  TemporaryFolder m_home;
 };
 
-} // namespace qlx::plugin::test
+} // namespace qlx::test

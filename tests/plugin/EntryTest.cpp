@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
 namespace {
 
 using sdk::EffectRecord;
@@ -52,7 +52,7 @@ class EntryTest : public ::testing::Test {
   }
   static void close(EffectRecord* effect) { effect->dispatcher(effect, 1, 0, 0, nullptr, 0.0F); }
 
-  qlx::test::TemporaryFolder m_home;
+  TemporaryFolder m_home;
   void* m_library = nullptr;
 };
 
@@ -119,4 +119,4 @@ TEST_F(EntryTest, UnloadingReallyUnloads) {
 }
 
 } // namespace
-} // namespace qlx::plugin::test
+} // namespace qlx::test

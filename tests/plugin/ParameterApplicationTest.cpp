@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <limits>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
 namespace {
 
 using namespace engine;
@@ -376,4 +376,4 @@ TEST_F(ParameterApplicationTest, SwiftIsSwiftAndTheBrokenMotorStandsStill) {
 }
 
 } // namespace
-} // namespace qlx::plugin::test
+} // namespace qlx::test

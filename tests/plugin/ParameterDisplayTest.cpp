@@ -9,7 +9,7 @@
 #include <cstring>
 #include <random>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
 namespace {
 
 class ParameterDisplayTest : public EffectFixture {};
@@ -197,4 +197,4 @@ TEST(ShortTextTest, LongTextsAreCut) {
 }
 
 } // namespace
-} // namespace qlx::plugin::test
+} // namespace qlx::test

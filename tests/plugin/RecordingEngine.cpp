@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <ranges>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
 
 EngineLog& engineLog() {
   static EngineLog log;
@@ -27,11 +27,11 @@ std::optional<double> EngineLog::last(engine::Setting setting) const {
   return std::nullopt;
 }
 
-} // namespace qlx::plugin::test
+} // namespace qlx::test
 
 namespace qlx::engine {
 
-using plugin::test::engineLog;
+using test::engineLog;
 
 RotaryEngine::RotaryEngine(const Recordings& /*recordings*/, MicrophonePlacement& placement)
     : m_placement(placement) {

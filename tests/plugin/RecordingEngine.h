@@ -9,7 +9,7 @@
 
 /// A RotaryEngine that only remembers what it is told: it takes the real one's place at link time
 /// in the tests of what parameters do.
-namespace qlx::plugin::test {
+namespace qlx::test {
 
 struct EngineCall {
   engine::Setting setting;
@@ -33,4 +33,4 @@ struct EngineLog {
 /// Of the engine made last.
 EngineLog& engineLog();
 
-} // namespace qlx::plugin::test
+} // namespace qlx::test

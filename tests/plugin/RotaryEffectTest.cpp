@@ -14,7 +14,7 @@
 #include <unistd.h>
 #include <xmmintrin.h>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
 namespace {
 
 using ::testing::Each;
@@ -334,7 +334,7 @@ TEST_F(RotaryEffectTest, TheAudioThreadAllocatesNothing) {
   pedal.midiData[1] = 64;
   sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&pedal), nullptr}};
   news().reserve(10000);
-  const engine::test::AllocationCount allocations;
+  const AllocationCount allocations;
   for (int block = 0; block < 300; ++block) {
     pedal.midiData[2] = static_cast<char>(block % 2 == 0 ? 127 : 0);
     effect->processEvents(&events);
@@ -445,4 +445,4 @@ TEST_F(RotaryEffectTest, ParametersPresetsAndChunksWhileAudioRuns) {
 }
 
 } // namespace
-} // namespace qlx::plugin::test
+} // namespace qlx::test

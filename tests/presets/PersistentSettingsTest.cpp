@@ -14,8 +14,7 @@ using Order = Builder::Order;
 
 class PresetSettings : public testing::Test {
  protected:
-  std::shared_ptr<platform::MemorySettingsStore> store =
-      std::make_shared<platform::MemorySettingsStore>();
+  std::shared_ptr<MemorySettingsStore> store = std::make_shared<MemorySettingsStore>();
 };
 
 /// A new instance as the host gets it: factory bank makeBank(700), then the user's defaults.

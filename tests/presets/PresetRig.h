@@ -87,9 +87,9 @@ struct RigState {
 /// makeSlot(900) as template.
 class PresetRig {
  public:
-  explicit PresetRig(std::shared_ptr<platform::SettingsStore> settings =
-                         std::make_shared<platform::MemorySettingsStore>()) {
-    auto dialog = std::make_unique<platform::ScriptedFileSelector>();
+  explicit PresetRig(
+      std::shared_ptr<platform::SettingsStore> settings = std::make_shared<MemorySettingsStore>()) {
+    auto dialog = std::make_unique<ScriptedFileSelector>();
     selector = dialog.get();
     editor = std::make_unique<RigEditor>(effect, std::move(settings), std::move(dialog));
     effect.setPresetEditor(editor.get());
@@ -159,7 +159,7 @@ class PresetRig {
 
   RecordingPanel panel;
   RigEffect effect{&host};
-  platform::ScriptedFileSelector* selector = nullptr;
+  ScriptedFileSelector* selector = nullptr;
   std::unique_ptr<RigEditor> editor;
   bool hostBufferKept = true;
 };

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace qlx::plugin::test {
+namespace qlx::test {
 namespace {
 
 constexpr std::int32_t kFrames = 64;
@@ -197,4 +197,4 @@ TEST_F(RotaryState, ARecallThatIsThrownOutOfIsOver) {
 }
 
 } // namespace
-} // namespace qlx::plugin::test
+} // namespace qlx::test

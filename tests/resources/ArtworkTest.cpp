@@ -14,7 +14,8 @@
 #include <span>
 #include <vector>
 
-namespace qlx::artwork {
+namespace qlx::test {
+using namespace artwork;
 namespace {
 
 bool isBitmap(std::span<const std::byte> file) {
@@ -83,7 +84,7 @@ TEST_P(Images, HaveTheControlsSizes) {
 TEST_P(Images, AreWhatTheGeneratorDraws) {
   const Lettering lettering(QLX_FONTS);
   const Picture kept = embedded(GetParam().number);
-  const Picture fresh = drawn(artwork(GetParam().number), lettering, 1);
+  const Picture fresh = drawn(artwork::artwork(GetParam().number), lettering, 1);
   ASSERT_EQ(kept.width(), fresh.width());
   ASSERT_EQ(kept.height(), fresh.height());
   int aside = 0;
@@ -281,8 +282,8 @@ TEST(Lamps, WordsEndInsideTheirFrames) {
 TEST(Scale, TwiceTheSizeShowsTheSamePicture) {
   const Lettering lettering(QLX_FONTS);
   for (const int number : {2003, 2004, 2009, 19997}) {
-    const Picture once = drawn(artwork(number), lettering, 1);
-    const Picture twice = drawn(artwork(number), lettering, 2);
+    const Picture once = drawn(artwork::artwork(number), lettering, 1);
+    const Picture twice = drawn(artwork::artwork(number), lettering, 2);
     ASSERT_EQ(twice.width(), 2 * once.width());
     ASSERT_EQ(twice.height(), 2 * once.height());
     double difference = 0.0;
@@ -299,4 +300,4 @@ TEST(Scale, TwiceTheSizeShowsTheSamePicture) {
 }
 
 } // namespace
-} // namespace qlx::artwork
+} // namespace qlx::test

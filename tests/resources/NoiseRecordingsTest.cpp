@@ -15,7 +15,7 @@
 #include <numbers>
 #include <ostream>
 
-namespace qlx {
+namespace qlx::test {
 namespace {
 
 using recordings::Signal;
@@ -188,4 +188,4 @@ TEST(NoiseRecordings, AreTheSameToTheBitOnEveryMachine) {
 }
 
 } // namespace
-} // namespace qlx
+} // namespace qlx::test

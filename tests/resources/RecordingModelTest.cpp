@@ -11,7 +11,8 @@
 #include <gtest/gtest.h>
 #include <numbers>
 
-namespace qlx::recordings {
+namespace qlx::test {
+using namespace recordings;
 namespace {
 
 TEST(ExactMath, AgreesWithTheLibraryWithinItsStatedError) {
@@ -96,4 +97,4 @@ TEST(Rotation, MainsTonesHaveTheirPitchAtTheUsualSpeedAndWholePeriods) {
 }
 
 } // namespace
-} // namespace qlx::recordings
+} // namespace qlx::test

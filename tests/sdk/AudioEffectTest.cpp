@@ -8,7 +8,8 @@
 #include <limits>
 #include <random>
 
-namespace qlx::sdk::test {
+namespace qlx::test {
+using namespace sdk;
 namespace {
 
 using ::testing::ElementsAre;
@@ -324,4 +325,4 @@ TEST_F(EffectRecordTest, KeysAreTakenApartSafely) {
 }
 
 } // namespace
-} // namespace qlx::sdk::test
+} // namespace qlx::test

@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-namespace qlx::sdk::test {
+namespace qlx::test {
+using namespace sdk;
 
 /// What a host hears: requests by opcode with index and opt value.
 struct HostCall {
@@ -117,4 +118,4 @@ class ProbeEffect : public AudioEffectX {
   bool* m_destroyed;
 };
 
-} // namespace qlx::sdk::test
+} // namespace qlx::test

@@ -9,9 +9,7 @@
 #include <string>
 #include <sys/wait.h>
 
-namespace qlx::tests {
-
-using qlx::test::TemporaryFolder;
+namespace qlx::test {
 
 inline std::string contents(const std::filesystem::path& file) {
   std::ostringstream text;
@@ -39,4 +37,4 @@ inline Finished run(const std::string& command) {
           contents(streams / "err")};
 }
 
-} // namespace qlx::tests
+} // namespace qlx::test

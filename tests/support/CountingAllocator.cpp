@@ -19,9 +19,9 @@ void* operator new(std::size_t size) {
 void operator delete(void* p) noexcept { std::free(p); }
 void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
-namespace qlx::engine::test {
+namespace qlx::test {
 
 AllocationCount::AllocationCount() : m_before(g_allocations) {}
 int AllocationCount::value() const { return g_allocations - m_before; }
 
-} // namespace qlx::engine::test
+} // namespace qlx::test

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-namespace qlx::engine::test {
+namespace qlx::test {
 
 /// Counts the allocations of the whole program from its construction on.
 class AllocationCount {
@@ -13,4 +13,4 @@ class AllocationCount {
   int m_before;
 };
 
-} // namespace qlx::engine::test
+} // namespace qlx::test

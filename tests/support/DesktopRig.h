@@ -17,7 +17,7 @@
 #include <optional>
 #include <thread>
 
-namespace qlx::platform::test {
+namespace qlx::test {
 
 using Clock = std::chrono::steady_clock;
 using Manner = FakePortal::Manner;
@@ -119,4 +119,4 @@ class DesktopDialogs : public testing::Test {
   milliseconds slowest{0};
 };
 
-} // namespace qlx::platform::test
+} // namespace qlx::test

@@ -14,7 +14,7 @@
 
 extern char** environ;
 
-namespace qlx::platform::test {
+namespace qlx::test {
 namespace {
 
 constexpr const char* kPortalName = "org.freedesktop.portal.Desktop";
@@ -62,8 +62,8 @@ std::string flattened(DBusMessageIter value) {
 
 PrivateBus::PrivateBus() {
   const std::string settings = m_folder / "bus.conf";
-  qlx::test::writeBytes(
-      settings, {reinterpret_cast<const std::uint8_t*>(kBusSettings), std::strlen(kBusSettings)});
+  writeBytes(settings,
+             {reinterpret_cast<const std::uint8_t*>(kBusSettings), std::strlen(kBusSettings)});
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) return;
   fcntl(ends[0], F_SETFD, FD_CLOEXEC);
@@ -204,7 +204,7 @@ FakePrograms::~FakePrograms() {
 void FakePrograms::write(const std::string& name, const std::string& script) const {
   const std::string text = "#!/bin/sh\n" + script + "\n";
   const std::string path = m_folder / name;
-  qlx::test::writeBytes(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+  writeBytes(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
   chmod(path.c_str(), 0755);
 }
 
@@ -215,8 +215,8 @@ void FakePrograms::removeAll() const {
 }
 
 std::string FakePrograms::read(const std::string& name) const {
-  const auto bytes = qlx::test::readBytes(m_folder / name);
+  const auto bytes = readBytes(m_folder / name);
   return {bytes.begin(), bytes.end()};
 }
 
-} // namespace qlx::platform::test
+} // namespace qlx::test

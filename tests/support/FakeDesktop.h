@@ -9,7 +9,8 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace qlx::platform::test {
+namespace qlx::test {
+using namespace platform;
 
 /// A message bus of its own that starts no services. While it lives, DBUS_SESSION_BUS_ADDRESS names
 /// it.
@@ -26,7 +27,7 @@ class PrivateBus {
   void freeze(bool frozen) const;
 
  private:
-  qlx::test::TemporaryFolder m_folder;
+  TemporaryFolder m_folder;
   pid_t m_pid = -1;
   std::string m_address;
 };
@@ -91,8 +92,8 @@ class FakePrograms {
   std::string read(const std::string& name) const;
 
  private:
-  qlx::test::TemporaryFolder m_folder;
+  TemporaryFolder m_folder;
   std::string m_path;
 };
 
-} // namespace qlx::platform::test
+} // namespace qlx::test

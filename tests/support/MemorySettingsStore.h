@@ -6,7 +6,8 @@
 
 #include "platform/SettingsStore.h"
 
-namespace qlx::platform {
+namespace qlx::test {
+using namespace platform;
 
 /// Settings that live as long as this object.
 class MemorySettingsStore final : public SettingsStore {
@@ -48,4 +49,4 @@ class MemorySettingsStore final : public SettingsStore {
   bool m_writable = true;
 };
 
-} // namespace qlx::platform
+} // namespace qlx::test

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 /// What this process holds of the system, to see that nothing is left behind.
-namespace qlx::platform::test {
+namespace qlx::test {
 
 inline std::size_t openDescriptors() {
   const std::filesystem::directory_iterator all("/proc/self/fd");
@@ -32,4 +32,4 @@ inline std::size_t heapBytes() {
   return info.uordblks + info.hblkhd;
 }
 
-} // namespace qlx::platform::test
+} // namespace qlx::test

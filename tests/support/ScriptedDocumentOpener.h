@@ -5,7 +5,8 @@
 
 #include <utility>
 
-namespace qlx::platform {
+namespace qlx::test {
+using namespace platform;
 
 /// Opens nothing, remembers what was asked for, and answers what it is told.
 class ScriptedDocumentOpener final : public DocumentOpener {
@@ -37,4 +38,4 @@ class ScriptedDocumentOpener final : public DocumentOpener {
   std::optional<Outcome> m_outcome;
 };
 
-} // namespace qlx::platform
+} // namespace qlx::test

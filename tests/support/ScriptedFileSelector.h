@@ -5,7 +5,8 @@
 
 #include "platform/FileSelector.h"
 
-namespace qlx::platform {
+namespace qlx::test {
+using namespace platform;
 
 /// A file dialog without a screen: shows what was asked for, and answers what it is told.
 class ScriptedFileSelector final : public FileSelector {
@@ -48,4 +49,4 @@ class ScriptedFileSelector final : public FileSelector {
   bool m_failed = false;
 };
 
-} // namespace qlx::platform
+} // namespace qlx::test

@@ -12,7 +12,7 @@
 
 extern char** environ;
 
-namespace qlx::platform::test {
+namespace qlx::test {
 
 VirtualDisplay::VirtualDisplay(const std::vector<std::string>& extraArguments) {
   std::array<int, 2> ends{};
@@ -57,4 +57,4 @@ void VirtualDisplay::kill() {
   m_pid = -1;
 }
 
-} // namespace qlx::platform::test
+} // namespace qlx::test

@@ -5,7 +5,7 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace qlx::platform::test {
+namespace qlx::test {
 
 /// An X server without a screen, on a free display of its own, that lives as long as this object.
 /// While it does, DISPLAY names it.
@@ -25,4 +25,4 @@ class VirtualDisplay {
   std::string m_name;
 };
 
-} // namespace qlx::platform::test
+} // namespace qlx::test
