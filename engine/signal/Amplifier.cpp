@@ -23,6 +23,10 @@ constexpr std::array<ToneDesign, 4> kTone = {{
     {80, 1.0, 1.0, 0.75},
 }};
 
+// The tracker of the drive's DC: 10.9 % of a step are left after half of this time.
+constexpr double kTrackerSeconds = 0.1;
+constexpr double kTrackerRest = 0.109;
+
 } // namespace
 
 Amplifier::Amplifier(const kernels::Kernels& kernels) : m_kernels(kernels) {
@@ -33,7 +37,7 @@ Amplifier::Amplifier(const kernels::Kernels& kernels) : m_kernels(kernels) {
 }
 
 void Amplifier::setTrackerRate(double hz) noexcept {
-  m_dcCoefficient = 1.0 - std::pow(0.109, 2.0 / (0.1 * hz));
+  m_dcCoefficient = 1.0 - std::pow(kTrackerRest, 2.0 / (kTrackerSeconds * hz));
 }
 
 void Amplifier::setSampleRate(double hz) noexcept {
