@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "engine/cabinet/Cabinet.h"
 
+#include "engine/cabinet/KernelContract.h"
+
 namespace qlx::engine {
 
 namespace {

@@ -140,7 +140,7 @@ void DriverFilters::process(const SubBlock& x, const SubBlock& hornGain, int n,
     return;
   }
   ChainCopy<8> straight(std::span<Biquad>(m_horn).first(8));
-  m_kernels.chainSeries(straight.lanes().field[0], 8, 8, out.horn.data(), n);
+  m_kernels.chainSeries(seriesOf(straight.lanes()), out.horn.data(), n);
   ChainCopy<4> horn(std::span<Biquad>(m_horn).last(4)), reducedHorn(reduced);
   ChainCopy<4> drum(m_drum, &Biquad::fixedMemory);
   kernels::ChainSections<4>* const chains[] = {&horn.lanes(), &reducedHorn.lanes(), &drum.lanes()};

@@ -11,8 +11,6 @@ namespace qlx::engine {
 
 namespace {
 
-constexpr double kReflectionEdgeHz = 20000.0;
-
 /// The scoop's mouth comes no nearer to a ray than this share of its circle.
 constexpr double kNearestSine = -0.7;
 
@@ -23,23 +21,21 @@ constexpr int kLanesWithoutSides = 4;
 struct RayKind {
   unsigned char image;
   unsigned char gain;
-  unsigned char bounces;
+  unsigned char reflections;
 };
 constexpr std::array<RayKind, 6> kKinds = {
     {{0, 0, 0}, {3, 1, 1}, {4, 2, 2}, {5, 3, 2}, {1, 1, 1}, {2, 1, 1}}};
 
-constexpr double kLowPassEdgeShare = 0.50001; ///< of the rate, where the counter-warp of Q ends
-
-struct LowPassRows {
-  MouthRows<19> row{};
-  constexpr LowPassRows() {
+struct DrumDirectivity {
+  DirectivityRows<19> row{};
+  constexpr DrumDirectivity() {
     for (std::size_t i = 0; i < 20; ++i) {
       row[i][0] = kDrumLowPassHz[i < 19 ? i : 1];
       row[i][1] = kDrumLowPassQ[i < 19 ? i : 1];
     }
   }
 };
-constexpr LowPassRows kLowPassRows;
+constexpr DrumDirectivity kDrumDirectivity;
 
 } // namespace
 
@@ -62,14 +58,14 @@ std::array<ImageSource, 6> drumImages(const MicrophonePosition& microphone,
 DrumModel::DrumModel(const DrumSettings& settings, const Recordings& recordings,
                      const kernels::Kernels& kernels)
     : m_settings(settings), m_kernels(kernels), m_noisePlayer(recordings, kernels) {
-  m_bank.table = {kLowPassRows.row, 18};
+  m_bank.table = {kDrumDirectivity.row, 18};
   m_bank.lowestSine = kNearestSine;
   std::fill(std::begin(m_bank.hz), std::end(m_bank.hz), kDrumLowPassHz[0]);
   std::fill(std::begin(m_bank.q), std::end(m_bank.q), kDrumLowPassQ[0]);
 }
 
 void DrumModel::setSampleRate(double hz) noexcept {
-  m_sampleRate = std::max(hz, 11025.0);
+  m_sampleRate = std::max(hz, kLowestModelRate);
   updateReflectionPoles();
   updateStaticPole();
   m_staticPole = m_wantedStaticPole;
@@ -81,8 +77,8 @@ void DrumModel::updateStaticPole() noexcept {
 }
 
 void DrumModel::updateReflectionPoles() noexcept {
-  m_bouncePole[0] = lowPassPole(kReflectionEdgeHz, m_sampleRate);
-  m_bouncePole[1] = lowPassPole(
+  m_reflectionPole[0] = lowPassPole(kReflectionEdgeHz, m_sampleRate);
+  m_reflectionPole[1] = lowPassPole(
       kReflectionEdgeHz * std::exp2(-m_settings.cabinet.reflectionLpfOctaves), m_sampleRate);
   m_lanesFresh = false;
 }
@@ -92,7 +88,7 @@ void DrumModel::updateSplitter() noexcept {
 }
 
 void DrumModel::clear() noexcept {
-  for (double* memory : {m_bank.lowBand, m_bank.rays.bounce})
+  for (double* memory : {m_bank.lowBand, m_bank.rays.reflection})
     std::fill_n(memory, kernels::kDrumLanes, 0.0);
   clearMemory(m_bank.lowPass);
   m_staticLowPass = {};
@@ -101,8 +97,8 @@ void DrumModel::clear() noexcept {
 }
 
 void DrumModel::resetFilters() noexcept {
-  setGlideRate(m_bank.lowPass, m_sampleRate, kLowPassEdgeShare);
-  m_kernels.restDrum(m_bank);
+  setGlideRate(m_bank.lowPass, m_sampleRate, kLowPassWarpEdgeShare);
+  m_kernels.settleDrum(m_bank);
   updateSplitter();
 }
 
@@ -132,7 +128,6 @@ double DrumModel::rayGain(std::size_t ray) const noexcept {
 void DrumModel::refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept {
   if (m_lanesFresh && m_laneSettings == m_settings) return;
   m_lanesFresh = true;
-  m_bank.rays.base = line.data();
   m_laneSettings = m_settings;
   m_gainSum = 0.0;
   for (std::size_t lane = 0; lane < kernels::kDrumLanes; ++lane) {
@@ -141,11 +136,11 @@ void DrumModel::refreshLanes(const RotorHistory& history, const DelayLine& line)
     const RayKind& kind = kKinds[ray];
     const double gain = lane < kRayCount ? rayGain(ray) : 0.0;
     m_gainSum += gain;
-    const double reflection = std::pow(m_settings.cabinet.reflectionCoeff, kind.bounces);
+    const double reflection = std::pow(m_settings.cabinet.reflectionCoeff, kind.reflections);
     RayPath path{m_settings.cabinet, m_rays, m_attenuation, kind.image};
     path.gain = gain * reflection;
-    path.bouncePole = kind.bounces > 0 ? m_bouncePole[kind.bounces - 1U] : 0.0;
-    setLane(m_bank.rays, lane, path, history, line);
+    path.reflectionPole = kind.reflections > 0 ? m_reflectionPole[kind.reflections - 1U] : 0.0;
+    describeRay(m_bank.rays, lane, path, history, line);
   }
 }
 

@@ -36,6 +36,8 @@ CabinetWalls drumWalls(const CabinetSettings& cabinet) noexcept;
 /// swelling with the scoop's turn, and a static ray that carries the band below. Audio thread only.
 class DrumModel {
  public:
+  static constexpr std::size_t kRayCount = 6;
+
   DrumModel(const DrumSettings& settings, const Recordings& recordings,
             const kernels::Kernels& kernels);
 
@@ -65,8 +67,6 @@ class DrumModel {
   void addStaticRay(const RotorHistory& history, const DelayLine& line, int n,
                     SubBlock& sum) noexcept;
 
-  static constexpr std::size_t kRayCount = 6;
-
   const DrumSettings& m_settings;
   const kernels::Kernels& m_kernels;
   MicrophonePosition m_microphone;
@@ -81,7 +81,7 @@ class DrumModel {
   double m_staticPole = 0.0;
   double m_wantedStaticPole = 0.0; ///< taken when the filters are next tuned
   double m_splitterPole = 0.0;
-  std::array<double, 2> m_bouncePole{};
+  std::array<double, 2> m_reflectionPole{};
   OnePole m_staticLowPass;
   OnePole m_staticLowBand;
   DrumNoisePlayer m_noisePlayer;

@@ -10,25 +10,29 @@ namespace {
 
 constexpr double kOpenBackLoss = 0.50118723362; // -6 dB
 
-/// How a ray gets its level: which of the ray gains, after how many bounces, and whether the open
-/// back lets some of it out.
+/// How a ray gets its level: which of the ray gains, after how many reflections, and whether the
+/// open back lets some of it out.
 struct RayKind {
   unsigned char gain;
-  unsigned char bounces;
+  unsigned char reflections;
   bool throughBack;
 };
-constexpr std::array<RayKind, HornMicrophone::kRayCount> kKinds = {{{0, 0, false},
-                                                                    {1, 1, true},
-                                                                    {2, 2, true},
-                                                                    {3, 2, true},
-                                                                    {4, 3, true},
-                                                                    {5, 3, true},
-                                                                    {1, 1, false},
-                                                                    {1, 1, false},
-                                                                    {6, 4, false},
-                                                                    {6, 4, false},
-                                                                    {6, 5, false},
-                                                                    {6, 5, false}}};
+constexpr auto kKinds = std::to_array<RayKind>({{0, 0, false},
+                                                {1, 1, true},
+                                                {2, 2, true},
+                                                {3, 2, true},
+                                                {4, 3, true},
+                                                {5, 3, true},
+                                                {1, 1, false},
+                                                {1, 1, false},
+                                                {6, 4, false},
+                                                {6, 4, false},
+                                                {6, 5, false},
+                                                {6, 5, false}});
+static_assert(kKinds.size() == kHornRayCount);
+static_assert(std::ranges::all_of(kKinds, [](const RayKind& kind) {
+  return kind.reflections <= HornMicrophone::kMostReflections;
+}));
 constexpr std::size_t kRightWallRay = 6;
 constexpr std::size_t kLeftWallRay = 7;
 
@@ -51,22 +55,22 @@ double wholePower(double x, unsigned n) {
 
 } // namespace
 
-std::array<ImageSource, 12> hornImages(const MicrophonePosition& microphone,
-                                       const CabinetWalls& walls) noexcept {
+std::array<ImageSource, kHornRayCount> hornImages(const MicrophonePosition& microphone,
+                                                  const CabinetWalls& walls) noexcept {
   const double s = microphoneSide(microphone);
   const double a = s * walls.sideA, b = s * walls.sideB, h = s * walls.back;
-  std::array<ImageSource, 12> images = {{{0, 0, 1, 1},
-                                         {0, 2 * h, 1, -1},
-                                         {2 * b, 2 * h, -1, -1},
-                                         {-2 * a, 2 * h, -1, -1},
-                                         {2 * a + 2 * b, 2 * h, 1, -1},
-                                         {-2 * a - 2 * b, 2 * h, 1, -1},
-                                         {2 * b, 0, -1, 1},
-                                         {-2 * a, 0, -1, 1},
-                                         {},
-                                         {},
-                                         {},
-                                         {}}};
+  auto images = std::to_array<ImageSource>({{0, 0, 1, 1},
+                                            {0, 2 * h, 1, -1},
+                                            {2 * b, 2 * h, -1, -1},
+                                            {-2 * a, 2 * h, -1, -1},
+                                            {2 * a + 2 * b, 2 * h, 1, -1},
+                                            {-2 * a - 2 * b, 2 * h, 1, -1},
+                                            {2 * b, 0, -1, 1},
+                                            {-2 * a, 0, -1, 1},
+                                            {},
+                                            {},
+                                            {},
+                                            {}});
   switch (microphoneRegion(microphone, walls)) {
   case MicrophoneRegion::SideB:
     images[8] = {6 * b, 0, -1, -1};
@@ -109,13 +113,13 @@ void HornMicrophone::rebuildGeometry() noexcept {
                  kOutputTrim;
 }
 
-unsigned HornMicrophone::bounces(std::size_t ray) noexcept { return kKinds[ray].bounces; }
+unsigned HornMicrophone::reflections(std::size_t ray) noexcept { return kKinds[ray].reflections; }
 
 double HornMicrophone::rayGain(std::size_t ray) const noexcept {
   if (ray == kRightWallRay && m_region != MicrophoneRegion::SideB) return 0.0;
   if (ray == kLeftWallRay && m_region != MicrophoneRegion::SideA) return 0.0;
   const RayKind& kind = kKinds[ray];
-  return wholePower(m_settings.cabinet.reflectionCoeff, kind.bounces) *
+  return wholePower(m_settings.cabinet.reflectionCoeff, kind.reflections) *
          (kind.throughBack ? m_reflectionScale : 1.0) * m_settings.rayGain[kind.gain];
 }
 

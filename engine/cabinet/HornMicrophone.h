@@ -22,17 +22,21 @@ struct HornSettings {
   bool operator==(const HornSettings&) const = default;
 };
 
-/// The twelve images that a horn microphone hears, in the order direct, back wall, back-right,
+/// Rays of a horn microphone.
+inline constexpr std::size_t kHornRayCount = 12;
+
+/// The images that a horn microphone hears, in the order direct, back wall, back-right,
 /// back-left, left-back-right, right-back-left, right wall, left wall, and four of four and five
-/// bounces.
-std::array<ImageSource, 12> hornImages(const MicrophonePosition& microphone,
-                                       const CabinetWalls& walls) noexcept;
+/// reflections.
+std::array<ImageSource, kHornRayCount> hornImages(const MicrophonePosition& microphone,
+                                                  const CabinetWalls& walls) noexcept;
 
 /// One microphone before the horn: its position, the paths that lead there and their levels, and
 /// the motor's noise beside it. Audio thread only.
 class HornMicrophone {
  public:
-  static constexpr std::size_t kRayCount = 12;
+  static constexpr std::size_t kRayCount = kHornRayCount;
+  static constexpr unsigned kMostReflections = 5;
 
   /// `number` 0 or 1.
   HornMicrophone(const HornSettings& settings, const Recordings& recordings,
@@ -50,7 +54,7 @@ class HornMicrophone {
 
   /// Gain of a ray from the settings of this moment; 0 where it is not heard.
   double rayGain(std::size_t ray) const noexcept;
-  static unsigned bounces(std::size_t ray) noexcept;
+  static unsigned reflections(std::size_t ray) noexcept;
 
   /// Level of the direct path without the rotor's movement.
   double staticLevel() const noexcept;

@@ -8,26 +8,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace qlx::engine {
 
 namespace {
 
-constexpr double kReflectionEdgeHz = 20000.0;
-constexpr double kPeakEdgeShare = 0.5001; ///< of the rate, where the counter-warp of Q ends
-
 /// Floor and ceiling echoes: extra path in metres.
 constexpr double kZDelay[] = {0.07, 0.135};
 
 /// Rays in the order of the lanes: the side walls' come last, because mostly neither is heard.
-constexpr std::array<std::size_t, HornMicrophone::kRayCount> kRayOfLane = {0, 1, 2,  3,  4, 5,
-                                                                           8, 9, 10, 11, 6, 7};
-constexpr int kLanesWithoutSides = 20;
+constexpr auto kRayOfLane = std::to_array<std::size_t>({0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 6, 7});
+constexpr int kLanesWithoutSides = kernels::kHornLanes - 4;
+
+static_assert(std::ranges::is_permutation(kRayOfLane, [] {
+  std::array<std::size_t, HornMicrophone::kRayCount> rays{};
+  std::iota(rays.begin(), rays.end(), 0U);
+  return rays;
+}()));
+static_assert(kLanesWithoutSides % 4 == 0, "whole vectors of the widest instruction set");
 
 /// Peak and shelf in one table; the shelf's, coarser by half, is put between its own entries.
-struct MouthColour {
-  MouthRows<37> row{};
-  constexpr MouthColour() {
+struct HornDirectivity {
+  DirectivityRows<37> row{};
+  constexpr HornDirectivity() {
     for (std::size_t i = 0; i < 38; ++i) {
       const std::size_t k = i < 37 ? i : 1;
       row[i][0] = kHornPeakHz[k];
@@ -37,7 +41,7 @@ struct MouthColour {
     }
   }
 };
-constexpr MouthColour kMouthColour;
+constexpr HornDirectivity kHornDirectivity;
 
 } // namespace
 
@@ -46,13 +50,13 @@ HornModel::HornModel(const HornSettings& settings, const Recordings& recordings,
     : m_settings(settings),
       m_kernels(kernels), m_microphones{{{settings, recordings, kernels, 0},
                                          {settings, recordings, kernels, 1}}} {
-  m_bank.table = {kMouthColour.row, 36};
+  m_bank.table = {kHornDirectivity.row, 36};
   m_bank.shelfHz = kHornShelfHz;
   m_bank.shelfQ = kHornShelfQ;
 }
 
 void HornModel::setSampleRate(double hz) noexcept {
-  m_sampleRate = std::max(hz, 11025.0);
+  m_sampleRate = std::max(hz, kLowestModelRate);
   updateReflectionPoles();
   updateStaticPole();
   for (HornMicrophone& microphone : m_microphones)
@@ -60,10 +64,10 @@ void HornModel::setSampleRate(double hz) noexcept {
 }
 
 void HornModel::updateReflectionPoles() noexcept {
-  // Every bounce loses so many octaves of treble.
-  for (std::size_t k = 0; k < kBounceCount; ++k) {
+  // Every reflection loses so many octaves of treble.
+  for (std::size_t k = 0; k < kReflectionCount; ++k) {
     const double octaves = -static_cast<double>(k) * m_settings.cabinet.reflectionLpfOctaves;
-    m_bouncePole[k] = lowPassPole(kReflectionEdgeHz * std::exp2(octaves), m_sampleRate);
+    m_reflectionPole[k] = lowPassPole(kReflectionEdgeHz * std::exp2(octaves), m_sampleRate);
   }
   m_lanesFresh = false;
 }
@@ -75,7 +79,7 @@ void HornModel::updateStaticPole() noexcept {
 
 void HornModel::clear() noexcept {
   m_past.fill(0.0);
-  std::fill(std::begin(m_bank.rays.bounce), std::end(m_bank.rays.bounce), 0.0);
+  std::fill(std::begin(m_bank.rays.reflection), std::end(m_bank.rays.reflection), 0.0);
   m_static.state[0] = m_static.state[1] = 0.0;
   clearMemory(m_bank.peak);
   clearMemory(m_bank.shelf);
@@ -85,10 +89,10 @@ void HornModel::clear() noexcept {
 
 void HornModel::resetFilters() noexcept {
   makeParallel(m_body, kHornBody, m_sampleRate);
-  setGlideRate(m_bank.peak, m_sampleRate, kPeakEdgeShare);
-  setGlideRate(m_bank.shelf, m_sampleRate, kPeakEdgeShare);
-  m_kernels.restHorn(m_bank);
-  std::fill(std::begin(m_bank.rays.bounce), std::end(m_bank.rays.bounce), 0.0);
+  setGlideRate(m_bank.peak, m_sampleRate, kWarpEdgeShare);
+  setGlideRate(m_bank.shelf, m_sampleRate, kWarpEdgeShare);
+  m_kernels.settleHorn(m_bank);
+  std::fill(std::begin(m_bank.rays.reflection), std::end(m_bank.rays.reflection), 0.0);
   m_static.state[0] = m_static.state[1] = 0.0;
   for (HornMicrophone& microphone : m_microphones) {
     microphone.noisePlayer().setSampleRate(m_sampleRate);
@@ -104,17 +108,16 @@ void HornModel::rebuildGeometry(std::size_t microphone) noexcept {
 void HornModel::refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept {
   if (m_lanesFresh && m_laneSettings == m_settings) return;
   m_lanesFresh = true;
-  m_bank.rays.base = line.data();
   m_laneSettings = m_settings;
   for (std::size_t lane = 0; lane < kernels::kHornLanes; ++lane) {
     const HornMicrophone& microphone = m_microphones[lane % 2];
     const std::size_t ray = kRayOfLane[lane / 2];
-    const unsigned bounces = HornMicrophone::bounces(ray);
-    setLane(m_bank.rays, lane,
-            {m_settings.cabinet, microphone.rays(), microphone.attenuation(), ray, 0.0,
-             microphone.rayGain(ray), m_settings.ampClip,
-             bounces > 0 ? m_bouncePole[bounces - 1U] : 0.0},
-            history, line);
+    const unsigned reflections = HornMicrophone::reflections(ray);
+    describeRay(m_bank.rays, lane,
+                {m_settings.cabinet, microphone.rays(), microphone.attenuation(), ray, 0.0,
+                 microphone.rayGain(ray), m_settings.ampClip,
+                 reflections > 0 ? m_reflectionPole[reflections - 1U] : 0.0},
+                history, line);
   }
   const double reflection = m_settings.cabinet.reflectionCoeff;
   const double gain = m_settings.zAxisGain * reflection * reflection;

@@ -33,7 +33,7 @@ class HornModel {
                SubBlock& out2) noexcept;
 
  private:
-  static constexpr std::size_t kBounceCount = 5;
+  static constexpr std::size_t kReflectionCount = HornMicrophone::kMostReflections;
   static constexpr int kPastSize = 32; ///< samples of the past that the echoes reach
 
   void refreshLanes(const RotorHistory& history, const DelayLine& line) noexcept;
@@ -49,9 +49,9 @@ class HornModel {
   HornSettings m_laneSettings; ///< from which the lanes were made
 
   double m_sampleRate = 44100.0;
-  std::array<double, kBounceCount> m_bouncePole{};
+  std::array<double, kReflectionCount> m_reflectionPole{};
   kernels::FixedPair m_static{};
-  kernels::ParallelSections<28, 2> m_body{};
+  kernels::BodySections m_body{};
   std::array<double, 2 * (kPastSize + kSubBlock + 2)> m_past{};
   kernels::PairTaps m_echoes{};
 };

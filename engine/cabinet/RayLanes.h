@@ -14,6 +14,12 @@
 
 namespace qlx::engine {
 
+/// Lowest engine rate that the models of horn and drum work with, Hz.
+inline constexpr double kLowestModelRate = 11025.0;
+
+/// Cut-off of the treble that the first reflection loses, Hz.
+inline constexpr double kReflectionEdgeHz = 20000.0;
+
 /// One path for a lane of a ray bank.
 struct RayPath {
   const CabinetSettings& cabinet;
@@ -23,32 +29,32 @@ struct RayPath {
   double shorter = 0.0; ///< metres that the sound's way is shorter than the ray
   double gain = 0.0;
   double lowestLevel = std::numeric_limits<double>::lowest();
-  double bouncePole = 0.0; ///< 0 where nothing is lost
+  double reflectionPole = 0.0; ///< 0 where nothing is lost
 };
 
-/// Describes a path to the kernels; the lane's state stays. The lanes' base must be set.
+/// Describes a path to the kernels; the lane's state stays. The line and the law stay where they
+/// are while the lane is in use.
 template <int N>
-void setLane(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
-             const RotorHistory& history, const DelayLine& line) noexcept {
+void describeRay(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& path,
+                 const RotorHistory& history, const DelayLine& line) noexcept {
   const Rays& rays = path.rays;
   const double distance = rays.distance[path.ray], halfWidth = rays.halfWidth[path.ray];
   const double sign = rays.signY[path.ray], amRadius = path.cabinet.amRadius;
-  lanes.place[lane] = rays.angle[path.ray] * sign;
+  lanes.angle[lane] = rays.angle[path.ray] * sign;
   lanes.halfWidth[lane] = halfWidth;
   lanes.nearRate[lane] = sign * std::numbers::pi / (2.0 * halfWidth);
   lanes.farRate[lane] = sign * std::numbers::pi / (1.0 - 2.0 * halfWidth);
   lanes.delay[lane] = (distance - path.shorter) * history.samplesPerMetre();
-  lanes.swing[lane] = path.cabinet.fmRadius * history.samplesPerMetre();
-  lanes.levelPlace[lane] = (distance - 0.3 + amRadius) * 100.0;
-  lanes.levelSwing[lane] = amRadius * 100.0;
+  lanes.delayDepth[lane] = path.cabinet.fmRadius * history.samplesPerMetre();
+  lanes.levelPosition[lane] = (distance - 0.3 + amRadius) * 100.0;
+  lanes.levelDepth[lane] = amRadius * 100.0;
   lanes.levelScale[lane] = path.attenuation.scale();
   lanes.lowestLevel[lane] = path.lowestLevel;
   lanes.gain[lane] = path.gain;
-  lanes.bouncePole[lane] = path.bouncePole;
+  lanes.reflectionPole[lane] = path.reflectionPole;
   lanes.angles[lane] = history.angles();
-  // All of it stands in one engine object, so that the distances are small.
-  lanes.line[lane] = static_cast<int>(line.data() - lanes.base);
-  lanes.levels[lane] = static_cast<int>(path.attenuation.pieces() - lanes.base);
+  lanes.line[lane] = line.data();
+  lanes.levels[lane] = path.attenuation.pieces();
   lanes.angleLag[lane] = static_cast<int>(kHistorySize - distance * history.samplesPerMetre());
 }
 
@@ -68,7 +74,7 @@ void clearMemory(kernels::GlideLanes<N>& lanes) noexcept {
 
 /// Rows (Hz, Q, dB, dB) of a table over the mouth's angle, the second once more behind the last.
 template <std::size_t N>
-using MouthRows = double[N + 1][4];
+using DirectivityRows = double[N + 1][4];
 
 /// A cut-off (Hz) over the mouth's angle with its second entry once more behind the last.
 template <std::size_t N>

@@ -12,8 +12,6 @@ namespace qlx::engine {
 
 namespace {
 
-constexpr double kReflectionEdgeHz = 20000.0;
-
 /// Time constant of the poles' smoothing.
 constexpr double kPoleSeconds = 0.005;
 
@@ -43,21 +41,21 @@ ReducedModels::ReducedModels(const HornSettings& horn, const DrumSettings& drum,
   for (const std::size_t lane : {kHornDirect, kHornBack, kHornWallB, kHornWallA}) {
     // The horn's table runs against its angle.
     m_bank.cutoff[lane] = kHornHz.data();
-    m_bank.cutoffPlace[lane] = kIntervals;
+    m_bank.cutoffStart[lane] = kIntervals;
     m_bank.cutoffStep[lane] = -kIntervals;
   }
   for (const std::size_t lane : {kDrumDirect, kDrumBack, kDrumWallB, kDrumWallA}) {
     m_bank.cutoff[lane] = kDrumHz.data();
-    m_bank.cutoffPlace[lane] = 0.0;
+    m_bank.cutoffStart[lane] = 0.0;
     m_bank.cutoffStep[lane] = kIntervals;
   }
 }
 
 void ReducedModels::setSampleRate(double hz) noexcept {
-  m_sampleRate = std::max(hz, 11025.0);
+  m_sampleRate = std::max(hz, kLowestModelRate);
   m_bank.smoothing = std::exp(-1.0 / (m_sampleRate * kPoleSeconds));
   m_bank.settling = std::log2(settlingPole(1.0, m_sampleRate));
-  m_bouncePole = lowPassPole(kReflectionEdgeHz, m_sampleRate);
+  m_reflectionPole = lowPassPole(kReflectionEdgeHz, m_sampleRate);
   updateHornStaticPole();
   updateDrumStaticPole();
   m_static.pole[1] = m_wantedDrumPole;
@@ -73,7 +71,7 @@ void ReducedModels::updateDrumStaticPole() noexcept {
 }
 
 void ReducedModels::clearLanes(std::size_t first) noexcept {
-  for (double* memory : {m_bank.pole, m_bank.wantedPole, m_bank.lowPass, m_bank.rays.bounce})
+  for (double* memory : {m_bank.pole, m_bank.wantedPole, m_bank.lowPass, m_bank.rays.reflection})
     for (const std::size_t lane : {first, first + kLanesWithoutSides})
       std::fill_n(memory + lane, 2, 0.0);
 }
@@ -117,22 +115,21 @@ void ReducedModels::refreshLanes(const Source& horn, const Source& drum) noexcep
   if (m_lanesFresh && m_laneHornSettings == m_hornSettings && m_laneDrumSettings == m_drumSettings)
     return;
   m_lanesFresh = true;
-  m_bank.rays.base = horn.line.data();
   m_laneHornSettings = m_hornSettings;
   m_laneDrumSettings = m_drumSettings;
   const auto set = [&](const std::array<Lane, 4>& lanes, const Source& source, const Model& model,
                        const CabinetSettings& cabinet, const std::array<std::size_t, 4>& images,
-                       double directGain, double bounceGain) {
-    const double bounced = bounceGain * cabinet.reflectionCoeff;
-    const std::array<double, 4> gain = {directGain, bounced,
-                                        model.region == MicrophoneRegion::SideB ? bounced : 0.0,
-                                        model.region == MicrophoneRegion::SideA ? bounced : 0.0};
+                       double directGain, double reflectionGain) {
+    const double reflected = reflectionGain * cabinet.reflectionCoeff;
+    const std::array<double, 4> gain = {directGain, reflected,
+                                        model.region == MicrophoneRegion::SideB ? reflected : 0.0,
+                                        model.region == MicrophoneRegion::SideA ? reflected : 0.0};
     for (std::size_t i = 0; i < lanes.size(); ++i) {
       RayPath path{cabinet, model.rays, model.attenuation, images[i]};
       path.shorter = m_microphone.distance - 2.0 * cabinet.fmRadius;
       path.gain = gain[i];
-      path.bouncePole = i == 0 ? 0.0 : m_bouncePole;
-      setLane(m_bank.rays, lanes[i], path, source.history, source.line);
+      path.reflectionPole = i == 0 ? 0.0 : m_reflectionPole;
+      describeRay(m_bank.rays, lanes[i], path, source.history, source.line);
     }
   };
   set({kHornDirect, kHornBack, kHornWallB, kHornWallA}, horn, m_horn, m_hornSettings.cabinet,

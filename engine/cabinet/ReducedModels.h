@@ -63,10 +63,10 @@ class ReducedModels {
   HornSettings m_laneHornSettings; ///< from which the lanes were made
   DrumSettings m_laneDrumSettings;
   double m_sampleRate = 44100.0;
-  double m_bouncePole = 0.0;
+  double m_reflectionPole = 0.0;
   double m_wantedDrumPole = 0.0; ///< of the static part, taken when the filters are next tuned
   kernels::FixedPair m_static{};
-  kernels::ParallelSections<8, 1> m_body{};
+  kernels::ReducedBodySections m_body{};
 };
 
 } // namespace qlx::engine

@@ -7,15 +7,30 @@
 namespace qlx::engine::kernels {
 namespace {
 
-/// Lanes of a recursive state whose magnitude is below `least` become zero, so that no memory
-/// decays into subnormal numbers.
-inline Lanes withoutTraces(Lanes state, double least) {
+struct VectorMath {
+  using Number = Lanes;
+  static Lanes root(Lanes x) { return kernels::root(x); }
+  static Lanes absolute(Lanes x) { return kernels::absolute(x); }
+  static LaneBits atLeastZero(Lanes x) { return x >= 0.0; }
+  static Lanes choose(LaneBits first, Lanes a, Lanes b) { return select(first, a, b); }
+};
+using Laws = FilterLaws<VectorMath>;
+
+/// States whose magnitude is below `least` become zero, so that no memory decays into subnormal
+/// numbers.
+inline Lanes flushDenormals(Lanes state, double least) {
   return select(absolute(state) < least, Lanes{}, state);
 }
+inline double flushDenormals(double state, double least) {
+  return state < least && state > -least ? 0.0 : state;
+}
 
-/// Reads a table over the mouth's angle at `place`, 0 .. 1, along straight lines.
-inline Quad readMouth(const MouthTable& table, Lanes place) {
-  const Split at = split(place * static_cast<double>(table.intervals));
+/// The least magnitude of what one-pole low-passes remember.
+constexpr double kLeastState = 1e-24;
+
+/// Reads a table over the mouth's angle at `position`, 0 .. 1, along straight lines.
+inline Quad readDirectivity(const DirectivityTable& table, Lanes position) {
+  const Split at = split(position * static_cast<double>(table.intervals));
   const double *here[kWidth], *next[kWidth];
   for (int k = 0; k < kWidth; ++k) {
     here[k] = table.row[at.whole[k]];
@@ -29,144 +44,65 @@ inline Quad readMouth(const MouthTable& table, Lanes place) {
 /// Amplitude of half the decibels.
 inline Lanes halfGain(Lanes db) { return powerOfTwo(db * (0.025 * 3.32192809488736235)); }
 
-/// A frequency on the unit circle, and the Q less the counter-warp by which it falls to nothing at
-/// half the sample rate.
+/// A frequency on the unit circle and the Q less its counter-warp.
 struct Tuned {
   Lanes c, s, q;
   Tuned(double angularRate, Lanes hz, Lanes plainQ, Lanes warp)
       : c(cosineOfHalf(hz * angularRate)), s(sineOfHalf(hz * angularRate)),
-        q(plainQ - plainQ * warp) {}
+        q(Laws::warpedQ(plainQ, warp)) {}
+  Lanes alpha() const { return s / (2.0 * q); }
 };
 
-// The counter-warp is a power of the frequency's share of half the sample rate, by response.
+// The counter-warp from the frequency as a share of its edge.
+static_assert(kHighShelfWarp == 4.0 && kLowPassWarp == 8.0);
 inline Lanes highShelfWarp(Lanes share) { return fourth(share); }
 inline Lanes lowPassWarp(Lanes share) { return eighth(share); }
-inline Lanes peakWarp(Lanes hz, double warpAt1750) {
-  return warpAt1750 * peakWarpAround1750((hz - 1750.0) * (1.0 / 450.0));
+inline Lanes peakWarp(Lanes hz, double warpAtCentre) {
+  return warpAtCentre * peakWarpAroundCentre((hz - kPeakWarpCentreHz) * (1.0 / kPeakWarpReachHz));
 }
 
-/// Roots of k0 z^2 + k1 z + k2: middle +- apart, or middle +- i imag.
-struct RootLanes {
-  Lanes middle, apart, imag;
-};
-
-inline RootLanes rootsOf(Lanes k0, Lanes k1, Lanes k2) {
-  const Lanes scale = 0.5 / k0;
-  const Lanes discriminant = k1 * k1 - 4.0 * k0 * k2;
-  const Lanes half = root(absolute(discriminant)) * scale;
-  const LaneBits isReal = discriminant >= 0.0;
-  return {-k1 * scale, select(isReal, half, Lanes{}), select(isReal, Lanes{}, half)};
+inline Laws::Design peakDesign(const Tuned& t, Lanes db) {
+  return Laws::peak(t.c, t.alpha(), halfGain(db));
 }
-
-/// Numerator and denominator of a section, normalised or not.
-struct Design {
-  Lanes a[3], b[3];
-
-  /// What glides, in the order of GlideLanes::Root.
-  void roots(Lanes (&target)[7]) const {
-    const RootLanes zeros = rootsOf(b[0], b[1], b[2]), poles = rootsOf(a[0], a[1], a[2]);
-    target[0] = zeros.middle;
-    target[1] = zeros.apart;
-    target[2] = zeros.imag;
-    target[3] = poles.middle;
-    target[4] = poles.apart;
-    target[5] = poles.imag;
-    target[6] = b[0] / a[0];
-  }
-};
-
-inline Design peakDesign(const Tuned& t, Lanes db) {
-  const Lanes gain = halfGain(db), alpha = t.s / (2.0 * t.q);
-  const Lanes up = alpha * gain, down = alpha / gain;
-  return {{1.0 + down, -2.0 * t.c, 1.0 - down}, {1.0 + up, -2.0 * t.c, 1.0 - up}};
-}
-
-/// `slope` is the sine of the frequency over the Q.
-inline Design highShelfDesign(Lanes cosine, Lanes slope, Lanes db) {
-  const Lanes A = halfGain(db), c = -cosine, width = slope * root(A);
-  const Lanes more = A + 1.0, less = A - 1.0;
-  return {
-      {more + less * c + width, 2.0 * (less + more * c), more + less * c - width},
-      {A * (more - less * c + width), -2.0 * A * (less - more * c), A * (more - less * c - width)}};
-}
-
-inline Design lowPassDesign(const Tuned& t) {
-  const Lanes alpha = t.s / (2.0 * t.q), b = 0.5 * (1.0 - t.c);
-  return {{1.0 + alpha, -2.0 * t.c, 1.0 - alpha}, {b, 1.0 - t.c, b}};
+inline Laws::Design lowPassDesign(const Tuned& t) { return Laws::lowPass(t.c, t.alpha()); }
+inline Laws::Design highShelfDesign(Lanes cosine, Lanes slope, Lanes db) {
+  return Laws::shelf(-1.0, cosine, slope, halfGain(db));
 }
 
 /// Sends the roots of one vector of sections on their way to a design.
 template <int N>
-inline void approach(GlideLanes<N>& g, int lane, const Design& design) {
-  Lanes target[GlideLanes<N>::kRootCount];
-  design.roots(target);
-  for (int i = 0; i < GlideLanes<N>::kRootCount; ++i)
+inline void approach(GlideLanes<N>& g, int lane, const Laws::Design& design) {
+  Lanes target[kRootCount];
+  Laws::rootsOf(design, target);
+  for (int i = 0; i < kRootCount; ++i)
     store(g.increment[i] + lane, (target[i] - load(g.root[i] + lane)) * g.share);
 }
 
-/// Numbers that follow a polynomial of the second degree from sample to sample.
-struct Parabola {
-  Lanes value, step, bend;
-  Parabola(Lanes start, Lanes linear, Lanes square)
-      : value(start), step(linear + square), bend(2.0 * square) {}
-  Lanes next() {
-    value += step;
-    step += bend;
-    return value;
-  }
-};
-
-/// Sum and product of a pair of roots that moves in straight lines.
-struct MovingPair {
-  Lanes sum, sumStep;
-  Parabola product;
-
-  template <int N>
-  MovingPair(const double (&root)[7][N], const double (&step)[7][N], int first, int lane)
-      : MovingPair(load(root[first] + lane), load(root[first + 1] + lane),
-                   load(root[first + 2] + lane), load(step[first] + lane),
-                   load(step[first + 1] + lane), load(step[first + 2] + lane)) {}
-
-  MovingPair(Lanes middle, Lanes apart, Lanes imag, Lanes dMiddle, Lanes dApart, Lanes dImag)
-      : sum(2.0 * middle), sumStep(2.0 * dMiddle),
-        product(middle * middle - apart * apart + imag * imag,
-                2.0 * (middle * dMiddle - apart * dApart + imag * dImag),
-                dMiddle * dMiddle - dApart * dApart + dImag * dImag) {}
+/// Last two inputs and outputs of a vector of sections.
+struct SectionMemory {
+  Lanes x1, x2, y1, y2;
 };
 
 /// One vector of sections over n samples in place; the roots move before every sample.
 template <int N>
-inline void runGlide(GlideLanes<N>& g, int lane, Lanes* run, int n) {
-  using G = GlideLanes<N>;
-  MovingPair zeros(g.root, g.increment, G::kZeroMiddle, lane);
-  MovingPair poles(g.root, g.increment, G::kPoleMiddle, lane);
-  Lanes gain = load(g.root[G::kGain] + lane);
-  const Lanes gainStep = load(g.increment[G::kGain] + lane);
-  Lanes x1 = load(g.x1 + lane), x2 = load(g.x2 + lane);
-  Lanes y1 = load(g.y1 + lane), y2 = load(g.y2 + lane);
-  for (int j = 0; j < n; ++j) {
-    gain += gainStep;
-    zeros.sum += zeros.sumStep;
-    poles.sum += poles.sumStep;
-    const Lanes x = run[j];
-    const Lanes fed = gain * (x - zeros.sum * x1 + zeros.product.next() * x2);
-    const Lanes y = (fed - poles.product.next() * y2) + poles.sum * y1;
-    x2 = x1;
-    x1 = x;
-    y2 = y1;
-    y1 = y;
-    run[j] = y;
+inline void runGlide(GlideLanes<N>& g, int lane, Lanes* samples, int n) {
+  Lanes root[kRootCount], increment[kRootCount];
+  for (int i = 0; i < kRootCount; ++i) {
+    root[i] = load(g.root[i] + lane);
+    increment[i] = load(g.increment[i] + lane);
   }
+  Laws::Glide glide(root, increment);
+  SectionMemory m{load(g.x1 + lane), load(g.x2 + lane), load(g.y1 + lane), load(g.y2 + lane)};
+  for (int j = 0; j < n; ++j) samples[j] = glide.next(m, samples[j], [](Lanes y) { return y; });
   constexpr double kLeast = 1e-30;
-  // Where a pair lies apart no more, its distance shrinks from update to update.
-  for (int i = 0; i < G::kRootCount; ++i)
-    store(g.root[i] + lane, withoutTraces(load(g.root[i] + lane) +
-                                              load(g.increment[i] + lane) * static_cast<double>(n),
-                                          kLeast));
-  store(g.x1 + lane, withoutTraces(x1, kLeast));
-  store(g.x2 + lane, withoutTraces(x2, kLeast));
-  store(g.y1 + lane, withoutTraces(y1, kLeast));
-  store(g.y2 + lane, withoutTraces(y2, kLeast));
+  // A half-difference that has come to zero shrinks from update to update.
+  for (int i = 0; i < kRootCount; ++i)
+    store(g.root[i] + lane,
+          flushDenormals(root[i] + increment[i] * static_cast<double>(n), kLeast));
+  store(g.x1 + lane, flushDenormals(m.x1, kLeast));
+  store(g.x2 + lane, flushDenormals(m.x2, kLeast));
+  store(g.y1 + lane, flushDenormals(m.y1, kLeast));
+  store(g.y2 + lane, flushDenormals(m.y2, kLeast));
 }
 
 } // namespace

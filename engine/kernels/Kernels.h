@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "engine/signal/FilterLaws.h"
+
 namespace qlx::engine::kernels {
 
 // Memory that the kernels work on, laid out by field so that neighbouring lanes lie side by side.
@@ -25,38 +27,28 @@ struct RayPass {
 /// Paths from a rotor's mouth to a microphone, one lane each.
 template <int N>
 struct RayLanes {
-  // The warp from the rotor's angle to the mouth's movement.
-  double place[N];     ///< turns at which the mouth passes the ray's direction
+  // From the rotor's angle to the phase of the mouth's movement.
+  double angle[N];     ///< turns at which the mouth passes the ray's direction
   double halfWidth[N]; ///< turns
   double nearRate[N];  ///< radians a turn, with the sign of the mirrored rotation
   double farRate[N];
-  // Delay in samples and level of the movement's sine.
-  double delay[N], swing[N];
-  double levelPlace[N], levelSwing[N]; ///< in pieces of the level law
+  // Delay (samples) and level (pieces of the level law): a centre, and the depth of the modulation
+  // by the movement's sine.
+  double delay[N], delayDepth[N];
+  double levelPosition[N], levelDepth[N];
   double levelScale[N], lowestLevel[N], gain[N];
-  double bouncePole[N]; ///< 0 where nothing is lost
-  double bounce[N];     ///< state
-  const double* angles[N];
-  int angleLag[N]; ///< whole samples from the oldest angle to the one that arrives now
-  // Lines of sound and rows of level polynomials, counted in doubles from one place in memory.
-  const double* base;
-  int line[N], levels[N];
+  double reflectionPole[N]; ///< 0 where nothing is lost
+  double reflection[N];     ///< state
+  const double* angles[N];  ///< the rotor's angles in a line as the sound's
+  int angleLag[N];          ///< whole samples from the oldest angle to the one that arrives now
+  const double* line[N];    ///< 2 x kLineSize samples: the same kLineSize twice
+  const double* levels[N];  ///< kLevelPieces x 4 coefficients
 };
 
-/// Second-order sections whose poles, zeros and gain move in straight lines, one lane each. A pair
-/// of roots is kept as its middle and what it lies apart on the real axis or across it.
+/// Second-order sections whose roots and gain move in straight lines, one lane each; by
+/// SectionRoot.
 template <int N>
 struct GlideLanes {
-  enum Root {
-    kZeroMiddle,
-    kZeroApart,
-    kZeroImag,
-    kPoleMiddle,
-    kPoleApart,
-    kPoleImag,
-    kGain,
-    kRootCount
-  };
   double root[kRootCount][N];
   double increment[kRootCount][N];
   double x1[N], x2[N], y1[N], y2[N];
@@ -67,20 +59,24 @@ struct GlideLanes {
 
 /// How a mouth colours a ray over the angle: rows of (Hz, Q, dB, dB), one turn from end to end, the
 /// second row once more behind the last.
-struct MouthTable {
+struct DirectivityTable {
   const double (*row)[4];
   int intervals;
 };
+
+/// The counter-warp of the horn's peak is approximated between kPeakWarpCentreHz -+
+/// kPeakWarpReachHz.
+inline constexpr double kPeakWarpCentreHz = 1750.0, kPeakWarpReachHz = 450.0;
 
 inline constexpr int kHornLanes = 24; ///< lane = 2 x ray + microphone
 struct HornBank {
   alignas(64) RayLanes<kHornLanes> rays;
   GlideLanes<kHornLanes> peak, shelf;
-  MouthTable table; ///< of the peak, and in the fourth column the shelf's dB
+  DirectivityTable table; ///< of the peak, and in the fourth column the shelf's dB
   double shelfHz, shelfQ;
-  // What restHorn prepares for the rate.
+  // What settleHorn prepares for the rate.
   double shelfCosine, shelfSlope; ///< cosine and sine over Q of the shelf
-  double warpAt1750;              ///< counter-warp of a peak's Q at 1750 Hz
+  double warpAtCentre;            ///< counter-warp of a peak's Q at kPeakWarpCentreHz
 };
 
 inline constexpr int kDrumLanes =
@@ -88,7 +84,7 @@ inline constexpr int kDrumLanes =
 struct DrumBank {
   alignas(64) RayLanes<kDrumLanes> rays;
   GlideLanes<kDrumLanes> lowPass;
-  MouthTable table;
+  DirectivityTable table;
   double hz[kDrumLanes], q[kDrumLanes]; ///< of the low-passes when they were tuned last
   double lowBand[kDrumLanes];           ///< state of the splitter
   double splitterPole;
@@ -101,7 +97,7 @@ inline constexpr int kReducedLanes = 8;
 struct ReducedBank {
   alignas(64) RayLanes<kReducedLanes> rays;
   const double* cutoff[kReducedLanes]; ///< Hz over the mouth's angle, one turn and one entry more
-  double cutoffPlace[kReducedLanes];   ///< entry at the mouth's place 0
+  double cutoffStart[kReducedLanes];   ///< entry at the mouth's angle 0
   double cutoffStep[kReducedLanes];    ///< entries a turn
   double settling;                     ///< binary logarithm of the pole of 1 Hz
   double smoothing;                    ///< pole of the poles' smoothing
@@ -135,6 +131,10 @@ struct ParallelSections {
   double direct;
 };
 
+inline constexpr int kBodySections = 28, kReducedBodySections = 8;
+using BodySections = ParallelSections<kBodySections, 2>;
+using ReducedBodySections = ParallelSections<kReducedBodySections, 1>;
+
 /// Fields of second-order sections that run one after the other, by field.
 enum SectionField : int { kA1, kA2, kB0, kB1, kB2, kX1, kX2, kY1, kY2, kSectionFields };
 
@@ -152,21 +152,31 @@ struct ChainSections {
   alignas(32) double limit[N], offset[N];
 };
 
+/// `count` sections of PairSections or ChainSections; field f stands at fields + f x stride.
+struct PairSeries {
+  double* fields;
+  int stride, count;
+};
+struct ChainSeries {
+  double* fields;
+  int stride, count;
+};
+
 /// Two sections of a rotor's noise whose tuning follows the rotor's speed with every sample: a
-/// low-pass on the slow recording, a high shelf on the fast one. Roots as in GlideLanes, the
-/// low-pass's at even places and the shelf's at odd ones.
+/// low-pass on the slow recording, a high shelf on the fast one. Cell 2 x SectionRoot is the
+/// low-pass's, the one behind it the shelf's.
 struct NoiseTreble {
-  static constexpr int kPlaces = 14;
-  alignas(16) double root[kPlaces];
-  alignas(16) double target[kPlaces];
-  alignas(16) double increment[kPlaces];
+  static constexpr int kCells = 2 * kRootCount;
+  alignas(16) double root[kCells];
+  alignas(16) double target[kCells];
+  alignas(16) double increment[kCells];
   double x1[2], x2[2], y1[2], y2[2];
   double angularRate; ///< radians a sample of 1 Hz
   double highestHz;
   double lowPassEdge, shelfEdge; ///< Hz at which the counter-warp of the Q reaches zero
   double share;
   int steps, remaining;
-  double between; ///< place that the last tuning was made for; 0: none since the start
+  double between; ///< for which the last tuning was made; 0: none since the start
 };
 
 /// One side of the room: twelve taps on a line that is continued behind its end.
@@ -213,8 +223,8 @@ struct Kernels {
                       double* pairs);
   /// Puts the filters of all lanes where a stopped mouth that faces along the ray, or for the drum
   /// the last tuning, would leave them; their memory stays.
-  void (*restHorn)(HornBank& bank);
-  void (*restDrum)(DrumBank& bank);
+  void (*settleHorn)(HornBank& bank);
+  void (*settleDrum)(DrumBank& bank);
 
   /// Adds n pairs of sounds at fixed delays to `pairs`.
   void (*fixedPair)(FixedPair& fixed, double* pairs, int n);
@@ -222,14 +232,13 @@ struct Kernels {
   void (*pairTaps)(const PairTaps& taps, const double* past, double* pairs, int n);
 
   /// Runs the horn's body over n pairs, and the reduced horn's over n samples, in place.
-  void (*body)(ParallelSections<28, 2>& sections, double* pairs, int n);
-  void (*reducedBody)(ParallelSections<8, 1>& sections, double* run, int n);
+  void (*body)(BodySections& sections, double* pairs, int n);
+  void (*reducedBody)(ReducedBodySections& sections, double* run, int n);
 
-  /// Runs `count` sections, an even number, over n pairs in place. Field f of the sections stands
-  /// at fields + f x stride.
-  void (*pairSeries)(double* fields, int stride, int count, double* pairs, int n);
-  /// The same over n samples of one channel and a multiple of four sections.
-  void (*chainSeries)(double* fields, int stride, int count, double* run, int n);
+  /// Runs an even number of sections over n pairs in place.
+  void (*pairSeries)(const PairSeries& series, double* pairs, int n);
+  /// Runs a multiple of four sections over n samples of one channel in place.
+  void (*chainSeries)(const ChainSeries& series, double* samples, int n);
   /// The same for chains of four sections with limiters, on a signal each, all over n samples.
   void (*limitedChains)(ChainSections<4>* const* chains, double* const* runs, int count, int n);
 
@@ -243,7 +252,7 @@ struct Kernels {
   void (*noiseTreble)(NoiseTreble& treble, const double* between, const double* slow,
                       const double* fast, double* out, int n);
   /// Puts both sections where the last tuning wants them: the tuning for `between`, or both open.
-  void (*restTreble)(NoiseTreble& treble);
+  void (*settleTreble)(NoiseTreble& treble);
 
   /// Writes the sum of a side's taps over n samples.
   void (*roomSide)(RoomSide& side, double* out, int n);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "engine/kernels/Kernels.h"
 #include "engine/kernels/Lanes.h"
 
 namespace qlx::engine::kernels {
@@ -72,9 +73,11 @@ inline Lanes eighth(Lanes x) {
   return fourth(square);
 }
 
-/// (1 + x 450 / 1750) to the power of 2.8 for |x| <= 1, relative error below 2e-11: the
-/// counter-warp of a peak's Q between 1300 and 2200 Hz, relative to 1750 Hz.
-inline Lanes peakWarpAround1750(Lanes x) {
+/// (1 + x kPeakWarpReachHz / kPeakWarpCentreHz) to the power of kPeakWarp for |x| <= 1, relative
+/// error below 2e-11: the counter-warp of a peak's Q relative to the one at the centre. A wider
+/// reach or another exponent needs other coefficients (minimax of the same degrees).
+static_assert(kPeakWarp == 2.8 && kPeakWarpCentreHz == 1750.0 && kPeakWarpReachHz == 450.0);
+inline Lanes peakWarpAroundCentre(Lanes x) {
   const Lanes x2 = x * x, x4 = x2 * x2;
   const Lanes a = 0.9999999999926076 + x * 0.7199999999414606;
   const Lanes b = 0.16662857168378414 + x * 0.011425960050780025;

@@ -2,7 +2,8 @@
 #pragma once
 
 // For the per-instruction-set kernel files alone: everything here has internal linkage, so that no
-// function compiled for a newer processor can stand in for its namesake elsewhere.
+// function compiled for a newer processor can stand in for its namesake elsewhere. This is the only
+// file that knows which instructions there are.
 
 #include <immintrin.h>
 
@@ -35,6 +36,22 @@ inline Lanes select(LaneBits mask, Lanes yes, Lanes no) {
 #else
   return reinterpret_cast<Lanes>((mask & reinterpret_cast<LaneBits>(yes)) |
                                  (~mask & reinterpret_cast<LaneBits>(no)));
+#endif
+}
+/// a b + c and c - a b, on processors with fused multiply-adds always rounded once: what is left to
+/// the compiler may round differently in two copies of a loop.
+inline Lanes multiplyAdd(Lanes a, Lanes b, Lanes c) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_fmadd_pd(a, b, c);
+#else
+  return a * b + c;
+#endif
+}
+inline Lanes subtractProduct(Lanes c, Lanes a, Lanes b) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_fnmadd_pd(a, b, c);
+#else
+  return c - a * b;
 #endif
 }
 inline Lanes absolute(Lanes x) {
@@ -80,6 +97,14 @@ inline WholeLanes loadWhole(const int* p) {
 inline void storeWhole(int* p, WholeLanes i) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), i); }
 #endif
 
+inline WholeLanes lowBits(WholeLanes i, int mask) { return _mm_and_si128(i, _mm_set1_epi32(mask)); }
+inline WholeLanes timesFour(WholeLanes i) { return _mm_slli_epi32(i, 2); }
+/// i - 1, and below zero `length` more.
+inline WholeLanes oneBefore(WholeLanes i, int length) {
+  const WholeLanes before = _mm_sub_epi32(i, _mm_set1_epi32(1));
+  return _mm_add_epi32(before, _mm_and_si128(_mm_srai_epi32(before, 31), _mm_set1_epi32(length)));
+}
+
 /// Whole part of lanes within the range of int, and the rest.
 struct Split {
   int whole[kWidth];
@@ -116,18 +141,18 @@ inline Quad loadQuad(const double* const (&row)[kWidth]) {
 #endif
 }
 
-/// The same from one array, beginning at index[k] in lane k.
-inline Quad loadQuad(const double* base, WholeLanes index) {
+/// The same, beginning at row[k][index[k]].
+inline Quad loadQuad(const double* const (&row)[kWidth], WholeLanes index) {
   const long long first = _mm_cvtsi128_si64(index);
-  const double* row[kWidth];
-  row[0] = base + static_cast<int>(first);
-  row[1] = base + (first >> 32);
+  const double* at[kWidth];
+  at[0] = row[0] + static_cast<int>(first);
+  at[1] = row[1] + (first >> 32);
 #if defined(__AVX2__) && defined(__FMA__)
   const long long second = _mm_extract_epi64(index, 1);
-  row[2] = base + static_cast<int>(second);
-  row[3] = base + (second >> 32);
+  at[2] = row[2] + static_cast<int>(second);
+  at[3] = row[3] + (second >> 32);
 #endif
-  return loadQuad(row);
+  return loadQuad(at);
 }
 
 /// One number of each lane's own array.
@@ -148,12 +173,91 @@ inline void storePair(double* pair, Lanes sum) {
 #endif
 }
 
+// Pairs of channels in a vector: with AVX2 there are two pairs in one, otherwise one.
+
+/// A pair in all pairs of lanes.
+inline Lanes allPairs(const double* pair) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(pair));
+#else
+  return load(pair);
+#endif
+}
+/// The lanes moved up by a pair, with a new pair in the first lanes; and the last pair.
+inline Lanes shiftInPair(const double* pair, [[maybe_unused]] Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(pair)), _mm256_castpd256_pd128(x),
+                              1);
+#else
+  return load(pair);
+#endif
+}
+inline void storeLastPair(double* pair, Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  _mm_storeu_pd(pair, _mm256_extractf128_pd(x, 1));
+#else
+  store(pair, x);
+#endif
+}
+/// The lanes moved up by one, with a new number in the first.
+inline Lanes shiftIn(double first, Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_blend_pd(_mm256_permute4x64_pd(x, 0x90), _mm256_set1_pd(first), 1);
+#else
+  return _mm_unpacklo_pd(_mm_set1_pd(first), x);
+#endif
+}
+
 /// Adds up all lanes.
 inline double sumOfLanes(Lanes x) {
 #if defined(__AVX2__) && defined(__FMA__)
   return (x[0] + x[1]) + (x[2] + x[3]);
 #else
   return x[0] + x[1];
+#endif
+}
+
+/// Two numbers, whatever the width of Lanes.
+using Two = __m128d;
+inline Two loadTwo(const double* p) { return _mm_loadu_pd(p); }
+inline Two loadTwo(const double* first, const double* second) {
+  return _mm_loadh_pd(_mm_load_sd(first), second);
+}
+inline void storeTwo(double* p, Two x) { _mm_storeu_pd(p, x); }
+
+/// Single precision in the first kWidth numbers of four.
+using Singles = __m128;
+inline Singles toSingles(Lanes x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_cvtpd_ps(x);
+#else
+  return _mm_cvtpd_ps(x);
+#endif
+}
+inline Lanes toLanes(Singles x) {
+#if defined(__AVX2__) && defined(__FMA__)
+  return _mm256_cvtps_pd(x);
+#else
+  return _mm_cvtps_pd(x);
+#endif
+}
+
+/// Four neighbouring single-precision numbers for each lane.
+struct SingleQuad {
+  Singles p0, p1, p2, p3;
+};
+inline SingleQuad loadQuad(const float* base, WholeLanes index) {
+  int at[kWidth];
+  storeWhole(at, index);
+#if defined(__AVX2__) && defined(__FMA__)
+  SingleQuad q{_mm_loadu_ps(base + at[0]), _mm_loadu_ps(base + at[1]), _mm_loadu_ps(base + at[2]),
+               _mm_loadu_ps(base + at[3])};
+  _MM_TRANSPOSE4_PS(q.p0, q.p1, q.p2, q.p3);
+  return q;
+#else
+  const __m128 a = _mm_loadu_ps(base + at[0]), b = _mm_loadu_ps(base + at[1]);
+  const __m128 low = _mm_unpacklo_ps(a, b), high = _mm_unpackhi_ps(a, b);
+  return {low, _mm_movehl_ps(low, low), high, _mm_movehl_ps(high, high)};
 #endif
 }
 

@@ -9,12 +9,12 @@ namespace {
 
 constexpr double kLeastSection = 1e-17;
 
-/// Steps by which a section is later than the one before it: long enough for an output to travel to
-/// its neighbour while the vector goes on.
+/// Steps by which a section is later than the one before it: with two, the move of an output to its
+/// neighbour's lane takes place during the next step instead of before it.
 constexpr int kSkew = 2;
 
 /// Sections side by side in a vector, each working on a sample that the one before it has finished:
-/// with `group` lanes a section, section k is k x kSkew samples late. The lateness stays inside a
+/// with `Group` lanes a section, section k is k x kSkew samples late. This latency stays inside a
 /// sub-block, because lanes rest before their first and after their last sample.
 struct SkewedSections {
   Lanes a1, a2, b0, b1, b2;
@@ -28,15 +28,17 @@ struct SkewedSections {
         y2(load(fields + kY2 * stride)) {}
 
   void storeMemory(double* fields, int stride) const {
-    store(fields + kX1 * stride, withoutTraces(x1, kLeastSection));
-    store(fields + kX2 * stride, withoutTraces(x2, kLeastSection));
-    store(fields + kY1 * stride, withoutTraces(y1, kLeastSection));
-    store(fields + kY2 * stride, withoutTraces(y2, kLeastSection));
+    store(fields + kX1 * stride, flushDenormals(x1, kLeastSection));
+    store(fields + kX2 * stride, flushDenormals(x2, kLeastSection));
+    store(fields + kY1 * stride, flushDenormals(y1, kLeastSection));
+    store(fields + kY2 * stride, flushDenormals(y2, kLeastSection));
   }
 
   void step(Lanes x) {
-    const Lanes past = b1 * x1 + b2 * x2 - a2 * y2;
-    const Lanes y = (past + b0 * x) - a1 * y1;
+    // Rounded alike at the edges of a sub-block and inside, so that the sound does not depend on
+    // where the host cuts it.
+    const Lanes past = subtractProduct(multiplyAdd(b1, x1, b2 * x2), a2, y2);
+    const Lanes y = subtractProduct(multiplyAdd(b0, x, past), a1, y1);
     x2 = x1;
     x1 = x;
     y2 = y1;
@@ -52,34 +54,34 @@ struct SkewedSections {
   }
 };
 
-/// Lanes whose first sample has come at step s, `Group` lanes a section.
+/// Lanes whose first sample has come by step s, `Group` lanes a section.
 template <int Group>
-struct Begun {
-  static constexpr int kLate = kSkew * (kWidth / Group - 1);
-  long long lanes[kLate + 1][kWidth];
-  constexpr Begun() : lanes() {
-    for (int s = 0; s <= kLate; ++s)
+struct Prologue {
+  static constexpr int kLatency = kSkew * (kWidth / Group - 1);
+  long long lanes[kLatency + 1][kWidth];
+  constexpr Prologue() : lanes() {
+    for (int s = 0; s <= kLatency; ++s)
       for (int k = 0; k < kWidth; ++k) lanes[s][k] = s >= kSkew * (k / Group) ? -1 : 0;
   }
   LaneBits at(int s) const {
     using BitsInMemory __attribute__((vector_size(kWidth * sizeof(long long)),
                                       aligned(sizeof(long long)), may_alias)) = long long;
     static_assert(alignof(BitsInMemory) == alignof(long long));
-    return *reinterpret_cast<const BitsInMemory*>(lanes[s < kLate ? s : kLate]);
+    return *reinterpret_cast<const BitsInMemory*>(lanes[s < kLatency ? s : kLatency]);
   }
 };
 template <int Group>
-constexpr Begun<Group> kBegun;
+constexpr Prologue<Group> kPrologue;
 
 /// Lanes that have a sample at step s of a sub-block of n.
 template <int Group>
 inline LaneBits activeLanes(int s, int n) {
-  const LaneBits begun = kBegun<Group>.at(s);
-  return s < n ? begun : begun & ~kBegun<Group>.at(s - n);
+  const LaneBits begun = kPrologue<Group>.at(s);
+  return s < n ? begun : begun & ~kPrologue<Group>.at(s - n);
 }
 
-/// Outputs of the last steps, also of lanes that rest by now.
-struct Travelling {
+/// Outputs of the last steps that have not been taken on, also of lanes that rest by now.
+struct InFlight {
   Lanes last{}, beforeLast{};
   void add(Lanes y) {
     beforeLast = last;
@@ -91,29 +93,29 @@ static_assert(kSkew == 2);
 /// A step in which some lanes rest: feed(s, y) makes the input from sample s of the sub-block and
 /// the outputs of kSkew steps before, drain(s, y) takes the last section's output for sample s.
 template <int Group, class Sections, class Feed, class Drain>
-inline void stepAtEdge(Sections& sections, Travelling& outputs, int s, int n, Feed feed,
+inline void stepAtEdge(Sections& sections, InFlight& outputs, int s, int n, Feed feed,
                        Drain drain) {
-  constexpr int kLate = Begun<Group>::kLate;
+  constexpr int kLatency = Prologue<Group>::kLatency;
   const SkewedSections before = sections;
   sections.step(feed(s < n ? s : n - 1, outputs.beforeLast));
   outputs.add(sections.y1);
   sections.keepResting(activeLanes<Group>(s, n), before);
-  if (s >= kLate) drain(s - kLate, outputs.last);
+  if (s >= kLatency) drain(s - kLatency, outputs.last);
 }
 
 /// Runs one vector over a sub-block.
 template <int Group, class Sections, class Feed, class Drain>
 inline void runSkewed(Sections& sections, int n, Feed feed, Drain drain) {
-  constexpr int kLate = Begun<Group>::kLate;
-  const int first = kLate < n ? kLate : n;
-  Travelling outputs;
+  constexpr int kLatency = Prologue<Group>::kLatency;
+  const int first = kLatency < n ? kLatency : n;
+  InFlight outputs;
   for (int s = 0; s < first; ++s) stepAtEdge<Group>(sections, outputs, s, n, feed, drain);
   for (int s = first; s < n; ++s) {
     sections.step(feed(s, sections.y2));
-    drain(s - kLate, sections.y1);
+    drain(s - kLatency, sections.y1);
   }
   if (first < n) outputs = {sections.y1, sections.y2};
-  for (int s = n; s < n + kLate; ++s) stepAtEdge<Group>(sections, outputs, s, n, feed, drain);
+  for (int s = n; s < n + kLatency; ++s) stepAtEdge<Group>(sections, outputs, s, n, feed, drain);
 }
 
 /// Runs lanes `lane` to `lane` + Vectors x kWidth - 1 of parallel sections; `input` gives the
@@ -140,24 +142,18 @@ inline void addParallel(ParallelSections<Sections, Channels>& s, int lane, int n
     sum[j] = total;
   }
   for (int i = 0; i < Vectors; ++i) {
-    store(s.v1 + lane + i * kWidth, withoutTraces(v1[i], kLeastSection));
-    store(s.v2 + lane + i * kWidth, withoutTraces(v2[i], kLeastSection));
+    store(s.v1 + lane + i * kWidth, flushDenormals(v1[i], kLeastSection));
+    store(s.v2 + lane + i * kWidth, flushDenormals(v2[i], kLeastSection));
   }
 }
 
-void body(ParallelSections<28, 2>& s, double* pairs, int n) {
+void body(BodySections& s, double* pairs, int n) {
   constexpr int kVectors = 2;
-  static_assert(ParallelSections<28, 2>::kLanes % (kVectors * kWidth) == 0);
+  static_assert(BodySections::kLanes % (kVectors * kWidth) == 0);
   Lanes sum[kLongestSubBlock] = {};
-  const auto pair = [&](int j) {
-#if defined(__AVX2__) && defined(__FMA__)
-    return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(pairs + 2 * j));
-#else
-    return load(pairs + 2 * j);
-#endif
-  };
   for (int lane = 0; lane < s.kLanes; lane += kVectors * kWidth)
-    addParallel<kVectors>(s, lane, n, pair, sum);
+    addParallel<kVectors>(
+        s, lane, n, [&](int j) { return allPairs(pairs + 2 * j); }, sum);
   for (int j = 0; j < n; ++j) {
     double added[2];
     storePair(added, sum[j]);
@@ -166,59 +162,31 @@ void body(ParallelSections<28, 2>& s, double* pairs, int n) {
   }
 }
 
-void reducedBody(ParallelSections<8, 1>& s, double* run, int n) {
+void reducedBody(ReducedBodySections& s, double* samples, int n) {
+  static_assert(ReducedBodySections::kLanes % kWidth == 0);
   Lanes sum[kLongestSubBlock] = {};
-  addParallel<8 / kWidth>(
-      s, 0, n, [&](int j) { return all(run[j]); }, sum);
-  for (int j = 0; j < n; ++j) run[j] = s.direct * run[j] + sumOfLanes(sum[j]);
+  addParallel<ReducedBodySections::kLanes / kWidth>(
+      s, 0, n, [&](int j) { return all(samples[j]); }, sum);
+  for (int j = 0; j < n; ++j) samples[j] = s.direct * samples[j] + sumOfLanes(sum[j]);
 }
 
-void pairSeries(double* fields, int stride, int count, double* pairs, int n) {
-  for (int lane = 0; lane < 2 * count; lane += kWidth) {
-    SkewedSections sections(fields + lane, stride);
+void pairSeries(const PairSeries& series, double* pairs, int n) {
+  for (int lane = 0; lane < 2 * series.count; lane += kWidth) {
+    SkewedSections sections(series.fields + lane, series.stride);
     runSkewed<2>(
-        sections, n,
-        [&](int s, Lanes y) {
-#if defined(__AVX2__) && defined(__FMA__)
-          return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(pairs + 2 * s)),
-                                      _mm256_castpd256_pd128(y), 1);
-#else
-          (void)y;
-          return load(pairs + 2 * s);
-#endif
-        },
-        [&](int s, Lanes y) {
-#if defined(__AVX2__) && defined(__FMA__)
-          _mm_storeu_pd(pairs + 2 * s, _mm256_extractf128_pd(y, 1));
-#else
-          store(pairs + 2 * s, y);
-#endif
-        });
-    sections.storeMemory(fields + lane, stride);
+        sections, n, [&](int s, Lanes y) { return shiftInPair(pairs + 2 * s, y); },
+        [&](int s, Lanes y) { storeLastPair(pairs + 2 * s, y); });
+    sections.storeMemory(series.fields + lane, series.stride);
   }
 }
 
-/// The next input of a chain's vector: sample x to the first section, the others' from before.
-inline Lanes shiftedIn(double x, Lanes y) {
-#if defined(__AVX2__) && defined(__FMA__)
-  return _mm256_blend_pd(_mm256_permute4x64_pd(y, 0x90), _mm256_set1_pd(x), 1);
-#else
-  return _mm_unpacklo_pd(_mm_set1_pd(x), y);
-#endif
-}
-
-template <class Sections>
-inline void runChain(Sections& sections, double* run, int n) {
-  runSkewed<1>(
-      sections, n, [&](int s, Lanes y) { return shiftedIn(run[s], y); },
-      [&](int s, Lanes y) { run[s] = y[kWidth - 1]; });
-}
-
-void chainSeries(double* fields, int stride, int count, double* run, int n) {
-  for (int lane = 0; lane < count; lane += kWidth) {
-    SkewedSections sections(fields + lane, stride);
-    runChain(sections, run, n);
-    sections.storeMemory(fields + lane, stride);
+void chainSeries(const ChainSeries& series, double* samples, int n) {
+  for (int lane = 0; lane < series.count; lane += kWidth) {
+    SkewedSections sections(series.fields + lane, series.stride);
+    runSkewed<1>(
+        sections, n, [&](int s, Lanes y) { return shiftIn(samples[s], y); },
+        [&](int s, Lanes y) { samples[s] = y[kWidth - 1]; });
+    sections.storeMemory(series.fields + lane, series.stride);
   }
 }
 
@@ -232,7 +200,7 @@ struct LimitedSections : SkewedSections {
 
   void step(Lanes x) {
     SkewedSections::step(x);
-    y1 = y1 / (absolute(y1 + offset) * limit + 1.0);
+    y1 = y1 / multiplyAdd(absolute(y1 + offset), limit, all(1.0));
   }
 };
 
@@ -243,23 +211,23 @@ inline void runLimited(ChainSections<4>* const* chains, double* const* runs, int
   using Sections = LimitedSections;
   Sections s[3] = {
       {*chains[0], lane}, {*chains[Count > 1 ? 1 : 0], lane}, {*chains[Count > 2 ? 2 : 0], lane}};
-  constexpr int kLate = kSkew * (kWidth - 1);
-  Travelling outputs[Count];
+  constexpr int kLatency = kSkew * (kWidth - 1);
+  InFlight outputs[Count];
   const auto edge = [&](int k, int step) {
     stepAtEdge<1>(
-        s[k], outputs[k], step, n, [&](int j, Lanes y) { return shiftedIn(runs[k][j], y); },
+        s[k], outputs[k], step, n, [&](int j, Lanes y) { return shiftIn(runs[k][j], y); },
         [&](int j, Lanes y) { runs[k][j] = y[kWidth - 1]; });
   };
-  const int first = kLate < n ? kLate : n;
+  const int first = kLatency < n ? kLatency : n;
   for (int k = 0; k < Count; ++k)
     for (int step = 0; step < first; ++step) edge(k, step);
   for (int step = first; step < n; ++step) {
-    for (int k = 0; k < Count; ++k) s[k].step(shiftedIn(runs[k][step], s[k].y2));
-    for (int k = 0; k < Count; ++k) runs[k][step - kLate] = s[k].y1[kWidth - 1];
+    for (int k = 0; k < Count; ++k) s[k].step(shiftIn(runs[k][step], s[k].y2));
+    for (int k = 0; k < Count; ++k) runs[k][step - kLatency] = s[k].y1[kWidth - 1];
   }
   for (int k = 0; k < Count; ++k) {
     if (first < n) outputs[k] = {s[k].y1, s[k].y2};
-    for (int step = n; step < n + kLate; ++step) edge(k, step);
+    for (int step = n; step < n + kLatency; ++step) edge(k, step);
     s[k].storeMemory(chains[k]->field[0] + lane, 4);
   }
 }

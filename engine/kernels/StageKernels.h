@@ -32,7 +32,7 @@ void roomSide(RoomSide& side, double* out, int n) {
       add(j + 3, here.p3, next.p0);
       here = next;
     }
-    store(side.state + tap, withoutTraces(state, 1e-24));
+    store(side.state + tap, flushDenormals(state, kLeastState));
   }
   for (int j = 0; j < n; ++j) out[j] = sumOfLanes(sum[j]);
 }
@@ -92,7 +92,7 @@ void tube(const double* drive, double trackerShare, double& tracker, double* run
     level = level * (1.0 - trackerShare) + driven[j] * trackerShare;
     dc[j] = level;
   }
-  tracker = level < 1e-24 && level > -1e-24 ? 0.0 : level;
+  tracker = flushDenormals(level, kLeastState);
   for (int j = 0; j < n; j += kWidth) {
     const Lanes x = load(run + j);
     const Lanes y = (load(driven + j) - load(dc + j)) / load(drive + j);

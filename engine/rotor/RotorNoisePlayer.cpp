@@ -206,12 +206,12 @@ void DrumNoisePlayer::setSampleRate(double hz) noexcept {
   setRate(hz);
   const double rate = sectionRate(hz);
   m_treble.angularRate = kTwoPi / rate;
-  m_treble.highestHz = 0.499 * rate;
-  m_treble.lowPassEdge = 0.50001 * rate;
-  m_treble.shelfEdge = 0.5001 * rate;
+  m_treble.highestHz = kHighestShare * rate;
+  m_treble.lowPassEdge = kLowPassWarpEdgeShare * rate;
+  m_treble.shelfEdge = kWarpEdgeShare * rate;
   m_treble.steps = sectionGlideSteps(rate);
   m_treble.share = 1.0 / m_treble.steps;
-  m_kernels.restTreble(m_treble);
+  m_kernels.settleTreble(m_treble);
   m_distanceGain = 1.0; // the drum's noise keeps its level until the microphone is moved
 }
 

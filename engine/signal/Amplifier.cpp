@@ -75,7 +75,7 @@ void Amplifier::process(const SmoothedValues& settings, int n, SubBlock& samples
   for (std::size_t k = 0; k < size; ++k) samples[k] *= post[k];
   if (allSettled(m_tone)) {
     ChainCopy<4> tone(m_tone);
-    m_kernels.chainSeries(tone.lanes().field[0], 4, 4, samples.data(), n);
+    m_kernels.chainSeries(seriesOf(tone.lanes()), samples.data(), n);
   } else {
     for (Biquad& filter : m_tone) filter.processGlide({samples.data(), size});
   }

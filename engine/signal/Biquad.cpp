@@ -12,74 +12,58 @@ namespace qlx::engine {
 namespace {
 
 constexpr double kLowestFrequency = 0.001;
-constexpr double kHighestFraction = 0.499; // of the sample rate
-constexpr double kGlideFlush = 1e-30;
-constexpr double kFixedFlush = 1e-17;
+constexpr double kLeastGlide = 1e-30;
+constexpr double kLeastFixed = 1e-17;
 
-/// Exponent of the Q reduction towards half the sample rate, by response; 0 where Q is not used or
-/// used plainly.
-constexpr std::array<double, 11> kQWarpExponent = {0, 6, 0, 3.5, 2.8, 2.8, 2.8, 4, 8, 0, 0};
+struct ScalarMath {
+  using Number = double;
+  static double root(double x) { return std::sqrt(x); }
+  static double absolute(double x) { return std::abs(x); }
+  static bool atLeastZero(double x) { return x >= 0.0; }
+  static double choose(bool first, double a, double b) { return first ? a : b; }
+};
+using Laws = FilterLaws<ScalarMath>;
+
+/// Exponent of the Q's counter-warp by response; 0 where Q is not used or used plainly.
+constexpr std::array<double, 11> kQWarpExponent = {0,
+                                                   kHighPassWarp,
+                                                   0,
+                                                   kLowShelfWarp,
+                                                   kPeakWarp,
+                                                   kPeakWarp,
+                                                   kPeakWarp,
+                                                   kHighShelfWarp,
+                                                   kLowPassWarp,
+                                                   0,
+                                                   0};
 
 using Coefficients = Biquad::Coefficients;
 using DesignInput = Biquad::DesignInput;
 
-Coefficients normalised(double a0, double a1, double a2, double b0, double b1, double b2) {
-  return {a1 / a0, a2 / a0, b0 / a0, b1 / a0, b2 / a0};
-}
-
-Coefficients designShelf(const DesignInput& d, double side) {
-  // side +1: low shelf, -1: high shelf (the mirrored design, c -> -c and odd terms negated).
-  const double c = side * d.c, A = d.gain;
-  const double width = d.s * std::sqrt(A) / d.q;
-  return normalised((A + 1) + (A - 1) * c + width, side * -2 * ((A - 1) + (A + 1) * c),
-                    (A + 1) + (A - 1) * c - width, A * ((A + 1) - (A - 1) * c + width),
-                    side * 2 * A * ((A - 1) - (A + 1) * c), A * ((A + 1) - (A - 1) * c - width));
-}
-
-Coefficients design(Response response, const DesignInput& d) {
+Laws::Design design(Response response, const DesignInput& d) {
   const double c = d.c, alpha = d.alpha;
+  const double middle = -2 * c, high = 1 + alpha, low = 1 - alpha;
   switch (response) {
-  case Response::HighPass:
-    return normalised(1 + alpha, -2 * c, 1 - alpha, (1 + c) / 2, -(1 + c), (1 + c) / 2);
+  case Response::HighPass: return {{high, middle, low}, {(1 + c) / 2, -(1 + c), (1 + c) / 2}};
   case Response::HighPassFirstOrder: {
     const double k = c / (1 + d.s);
-    return {-k, 0, (1 + k) / 2, -(1 + k) / 2, 0};
+    return {{1, -k, 0}, {(1 + k) / 2, -(1 + k) / 2, 0}};
   }
-  case Response::LowShelf: return designShelf(d, 1.0);
-  case Response::Peaking:
-    return normalised(1 + alpha / d.gain, -2 * c, 1 - alpha / d.gain, 1 + alpha * d.gain, -2 * c,
-                      1 - alpha * d.gain);
-  case Response::BandPass: return normalised(1 + alpha, -2 * c, 1 - alpha, alpha, 0, -alpha);
-  case Response::Notch: return normalised(1 + alpha, -2 * c, 1 - alpha, 1, -2 * c, 1);
-  case Response::HighShelf: return designShelf(d, -1.0);
-  case Response::LowPass:
-    return normalised(1 + alpha, -2 * c, 1 - alpha, (1 - c) / 2, 1 - c, (1 - c) / 2);
+  case Response::LowShelf: return Laws::shelf(1.0, c, d.s / d.q, d.gain);
+  case Response::Peaking: return Laws::peak(c, alpha, d.gain);
+  case Response::BandPass: return {{high, middle, low}, {alpha, 0, -alpha}};
+  case Response::Notch: return {{high, middle, low}, {1, middle, 1}};
+  case Response::HighShelf: return Laws::shelf(-1.0, c, d.s / d.q, d.gain);
+  case Response::LowPass: return Laws::lowPass(c, alpha);
   case Response::LowPassFirstOrder: {
     const double k = 2 - c;
     const double a1 = std::sqrt(k * k - 1) - k;
-    return {a1, 0, 1 + a1, 0, 0};
+    return {{1, a1, 0}, {1 + a1, 0, 0}};
   }
-  case Response::AllPass:
-    return normalised(1 + alpha, -2 * c, 1 - alpha, 1 - alpha, -2 * c, 1 + alpha);
+  case Response::AllPass: return {{high, middle, low}, {low, middle, high}};
   case Response::PassThrough: break;
   }
-  return {};
-}
-
-/// Roots of k0 z^2 + k1 z + k2 as real parts and imaginary parts.
-struct RootPair {
-  double real1, real2, imagA, imagB;
-};
-
-RootPair rootsOf(double k0, double k1, double k2) {
-  if (k0 == 0.0) return {0, 0, 0, 0};
-  const double discriminant = k1 * k1 - 4 * k0 * k2;
-  if (discriminant >= 0.0) {
-    const double root = std::sqrt(discriminant);
-    return {(root - k1) / (2 * k0), (-k1 - root) / (2 * k0), 0, 0};
-  }
-  const double real = -k1 / (2 * k0), imag = std::sqrt(-discriminant) / (2 * k0);
-  return {real, real, imag, -imag};
+  return {{1, 0, 0}, {1, 0, 0}};
 }
 
 } // namespace
@@ -99,8 +83,9 @@ void Biquad::init(double sampleRate, Response response, double hz, double q,
   m_instantUpdate = true;
   m_glideSteps = sectionGlideSteps(sampleRate);
   m_target = {};
-  m_currentRoots = m_targetRoots = {};
-  m_currentRoots[kGain] = m_targetRoots[kGain] = 1.0;
+  m_targetRoots = {};
+  m_targetRoots.value[kGain] = 1.0;
+  m_currentRoots = m_targetRoots;
   clear();
 }
 
@@ -136,7 +121,7 @@ void Biquad::setResponse(Response response) noexcept {
 }
 
 void Biquad::setFrequency(double hz) noexcept {
-  m_frequency = std::clamp(hz, kLowestFrequency, kHighestFraction * m_sampleRate);
+  m_frequency = std::clamp(hz, kLowestFrequency, kHighestShare * m_sampleRate);
   recompute();
 }
 
@@ -147,7 +132,7 @@ void Biquad::setQ(double q) noexcept {
 }
 
 void Biquad::setFrequencyAndQ(double hz, double q) noexcept {
-  m_frequency = std::clamp(hz, kLowestFrequency, kHighestFraction * m_sampleRate);
+  m_frequency = std::clamp(hz, kLowestFrequency, kHighestShare * m_sampleRate);
   setQ(q);
 }
 
@@ -202,8 +187,9 @@ void Biquad::placeFrequency() noexcept {
   m_design.q = m_q;
   const double exponent = kQWarpExponent[static_cast<std::size_t>(m_response)];
   if (exponent > 0) {
-    const double edge = (m_response == Response::LowPass ? 0.50001 : 0.5001) * m_sampleRate;
-    m_design.q = m_q * (1.0 - std::pow(m_frequency / edge, exponent));
+    const double edge =
+        (m_response == Response::LowPass ? kLowPassWarpEdgeShare : kWarpEdgeShare) * m_sampleRate;
+    m_design.q = Laws::warpedQ(m_q, std::pow(m_frequency / edge, exponent));
   }
   m_design.alpha = m_design.s / (2.0 * m_design.q);
 }
@@ -213,12 +199,14 @@ void Biquad::recompute() noexcept {
   if (m_enabled && m_response != Response::PassThrough) {
     m_design.gain = std::pow(10.0, m_gainDb * 0.025);
     placeFrequency();
-    m_target = design(m_response, m_design);
+    const Laws::Design d = design(m_response, m_design);
+    m_target = {d.a[1] / d.a[0], d.a[2] / d.a[0], d.b[0] / d.a[0], d.b[1] / d.a[0],
+                d.b[2] / d.a[0]};
   }
-  const RootPair zeros = rootsOf(m_target.b0, m_target.b1, m_target.b2);
-  const RootPair poles = rootsOf(1.0, m_target.a1, m_target.a2);
-  m_targetRoots = {zeros.real1, zeros.real2, zeros.imagA, zeros.imagB, poles.real1,
-                   poles.real2, poles.imagA, poles.imagB, m_target.b0};
+  Laws::rootsOf({{1.0, m_target.a1, m_target.a2}, {m_target.b0, m_target.b1, m_target.b2}},
+                m_targetRoots.value);
+  if (m_target.b0 == 0.0) // a section that is silent has no zeros
+    std::fill_n(m_targetRoots.value + kZeroCentre, kPoleCentre - kZeroCentre, 0.0);
   startGlide();
 }
 
@@ -228,8 +216,8 @@ void Biquad::startGlide() noexcept {
     return;
   }
   m_glideRemaining = m_glideSteps;
-  for (std::size_t i = 0; i < kRootCount; ++i)
-    m_increments[i] = (m_targetRoots[i] - m_currentRoots[i]) / m_glideSteps;
+  for (int i = 0; i < kRootCount; ++i)
+    m_increments.value[i] = (m_targetRoots.value[i] - m_currentRoots.value[i]) / m_glideSteps;
 }
 
 void Biquad::snapGlide() noexcept {
@@ -280,7 +268,7 @@ double step(const Coefficients& k, Biquad::Memory& m, double x) {
 }
 
 /// What is too small to be heard becomes zero before it decays into subnormal numbers.
-void dropTraces(Biquad::Memory& m, double least) {
+void flushDenormals(Biquad::Memory& m, double least) {
   for (double* x : {&m.x1, &m.x2, &m.y1, &m.y2})
     if (std::abs(*x) < least) *x = 0.0;
 }
@@ -294,58 +282,21 @@ void runFixed(const Coefficients& k, Biquad::Memory& memory, double least, std::
     m.y1 = limit(step(k, m, x));
     x = m.y1;
   }
-  dropTraces(m, least);
+  flushDenormals(m, least);
   memory = m;
 }
 
 } // namespace
 
-namespace {
-
-/// A number that follows a polynomial of the second degree from sample to sample.
-struct Parabola {
-  double value, step, bend;
-  Parabola(double start, double linear, double square)
-      : value(start), step(linear + square), bend(2.0 * square) {}
-  double next() {
-    value += step;
-    step += bend;
-    return value;
-  }
-};
-
-} // namespace
-
 template <class Limiter>
 void Biquad::runMoving(std::span<double> run, Limiter limit) noexcept {
-  const Roots &r = m_currentRoots, &d = m_increments;
-  // Sums of roots move in straight lines, their products along parabolas.
-  double zeroSum = r[kZero1] + r[kZero2], poleSum = r[kPole1] + r[kPole2], gain = r[kGain];
-  const double zeroStep = d[kZero1] + d[kZero2], poleStep = d[kPole1] + d[kPole2];
-  const double gainStep = d[kGain];
-  const auto product = [&](Root one, Root two, Root a, Root b) {
-    return Parabola(r[one] * r[two] - r[a] * r[b],
-                    r[one] * d[two] + r[two] * d[one] - r[a] * d[b] - r[b] * d[a],
-                    d[one] * d[two] - d[a] * d[b]);
-  };
-  Parabola zeros = product(kZero1, kZero2, kZeroImagA, kZeroImagB);
-  Parabola poles = product(kPole1, kPole2, kPoleImagA, kPoleImagB);
+  Laws::Glide glide(m_currentRoots.value, m_increments.value);
   Memory m = m_glide;
-  for (double& x : run) {
-    gain += gainStep;
-    zeroSum += zeroStep;
-    poleSum += poleStep;
-    const double fed = gain * (x - zeroSum * m.x1 + zeros.next() * m.x2);
-    const double y = limit((fed - poles.next() * m.y2) + poleSum * m.y1);
-    m.x2 = m.x1;
-    m.x1 = x;
-    m.y2 = m.y1;
-    m.y1 = x = y;
-  }
+  for (double& x : run) x = glide.next(m, x, limit);
   m_glide = m;
   const auto n = static_cast<double>(run.size());
-  for (std::size_t i = 0; i < kRootCount; ++i)
-    m_currentRoots[i] = flushDenormals(m_currentRoots[i] + n * m_increments[i]);
+  for (int i = 0; i < kRootCount; ++i)
+    m_currentRoots.value[i] = flushDenormals(m_currentRoots.value[i] + n * m_increments.value[i]);
   m_glideRemaining -= static_cast<int>(run.size());
 }
 
@@ -354,10 +305,10 @@ void Biquad::runGlide(std::span<double> run, Limiter limit) noexcept {
   if (passesThrough()) return;
   const auto moving = std::min(run.size(), static_cast<std::size_t>(m_glideRemaining));
   if (moving > 0) runMoving(run.first(moving), limit);
-  dropTraces(m_glide, kGlideFlush);
+  flushDenormals(m_glide, kLeastGlide);
   // A section that has been switched off passes from here on.
   if (moving < run.size() && !passesThrough())
-    runFixed(m_target, m_glide, kGlideFlush, run.subspan(moving), limit);
+    runFixed(m_target, m_glide, kLeastGlide, run.subspan(moving), limit);
 }
 
 void Biquad::processGlide(std::span<double> run) noexcept {
@@ -369,11 +320,11 @@ void Biquad::processGlideSaturating(std::span<double> run) noexcept {
 }
 
 void Biquad::processFixed(std::span<double> run) noexcept {
-  runFixed(m_target, m_fixed, kFixedFlush, run, [](double y) { return y; });
+  runFixed(m_target, m_fixed, kLeastFixed, run, [](double y) { return y; });
 }
 
 void Biquad::processFixedSaturating(std::span<double> run) noexcept {
-  runFixed(m_target, m_fixed, kFixedFlush, run, [this](double y) { return saturated(y); });
+  runFixed(m_target, m_fixed, kLeastFixed, run, [this](double y) { return saturated(y); });
 }
 
 std::array<double, 8> Biquad::memory() const noexcept {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "engine/signal/FilterLaws.h"
+
 #include <array>
 #include <span>
 
@@ -21,9 +23,10 @@ enum class Response : unsigned char {
   AllPass = 10
 };
 
-/// The rate that sections work with: 20000 .. 400000 Hz, anything else counts as 44100.
+/// The rate that sections work with: from the lowest to 400000 Hz, anything else counts as 44100.
+inline constexpr double kLowestSectionRate = 20000.0;
 constexpr double sectionRate(double hz) noexcept {
-  return hz >= 20000.0 && hz <= 400000.0 ? hz : 44100.0;
+  return hz >= kLowestSectionRate && hz <= 400000.0 ? hz : 44100.0;
 }
 
 /// Samples in which a section's poles and zeros reach a new place, 3 ms.
@@ -121,20 +124,10 @@ class Biquad {
   std::array<double, 8> memory() const noexcept;
 
  private:
-  /// Real and imaginary parts of both zeros and both poles, and the gain: what glides.
-  enum Root : unsigned char {
-    kZero1,
-    kZero2,
-    kZeroImagA,
-    kZeroImagB,
-    kPole1,
-    kPole2,
-    kPoleImagA,
-    kPoleImagB,
-    kGain,
-    kRootCount
+  /// What glides, by SectionRoot.
+  struct Roots {
+    double value[kRootCount] = {};
   };
-  using Roots = std::array<double, kRootCount>;
 
   void recompute() noexcept;
   void placeFrequency() noexcept;

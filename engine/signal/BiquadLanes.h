@@ -35,6 +35,18 @@ void copyFromLane(const double (&field)[kernels::kSectionFields][Lanes], std::si
             field[kernels::kY2][lane]};
 }
 
+/// Sections as the kernels take them, where they are.
+template <int N>
+kernels::PairSeries seriesOf(kernels::PairSections<N>& sections) noexcept {
+  static_assert(N % 2 == 0);
+  return {sections.field[0], 2 * N, N};
+}
+template <int N>
+kernels::ChainSeries seriesOf(kernels::ChainSections<N>& sections) noexcept {
+  static_assert(N % 4 == 0);
+  return {sections.field[0], N, N};
+}
+
 inline bool allSettled(std::span<const Biquad> sections) noexcept {
   return std::all_of(sections.begin(), sections.end(),
                      [](const Biquad& section) { return section.isSettled(); });
@@ -101,7 +113,7 @@ class PairRunner {
       pairs[2 * k] = leftSamples[k];
       pairs[2 * k + 1] = rightSamples[k];
     }
-    m_kernels.pairSeries(sections.field[0], 4, 2, pairs.data(), n);
+    m_kernels.pairSeries(seriesOf(sections), pairs.data(), n);
     for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
       leftSamples[k] = pairs[2 * k];
       rightSamples[k] = pairs[2 * k + 1];

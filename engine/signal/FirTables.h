@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "engine/kernels/Kernels.h"
+
 #include <array>
 
 namespace qlx::engine {
 
-/// Low-passes of 32 taps that serve both the decimation to the engine rate and the
+/// Low-passes of kFirTaps taps that serve both the decimation to the engine rate and the
 /// interpolation back; tap 0 meets the newest sample.
-inline constexpr int kFirTaps = 32;
-using FirTable = std::array<float, kFirTaps>;
+using FirTable = std::array<float, kernels::kFirTaps>;
 
 inline constexpr FirTable kFirFactor2 = {
     0.158474952F,     0.40413028F,      0.443080634F,     0.152980521F,

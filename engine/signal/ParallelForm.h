@@ -10,12 +10,14 @@
 
 namespace qlx::engine {
 
-/// Turns a series of sections with simple complex poles into the sum of parallel ones (partial
-/// fractions), which wait for nothing but their own past. The memory stays.
+/// Turns a series of sections into the sum of parallel ones (partial fractions), which wait for
+/// nothing but their own past. The memory stays. All poles of the series must differ, so no two
+/// designs may be the same.
 ///
-/// With N(z) / D(z) the series and p a pole of section i, the section's share is
-/// c0 + c1 / z over its denominator, where c0 = 2 Re r, c1 = -2 Re(r conj p) for the residue
-/// r = N(p) / (D'(p) / ...) of the pole in powers of 1 / z.
+/// With N(z) / D(z) the series and p, q the poles of section i, the section's share is
+/// c0 + c1 / z over its denominator, where c0 = r + s, c1 = -(r q + s p) for the residues
+/// r = N(p) / (D'(p) / ...) and s of the two poles in powers of 1 / z. Both poles are real for a Q
+/// below a half, otherwise conjugate.
 template <int Sections, int Channels, std::size_t M>
 void makeParallel(kernels::ParallelSections<Sections, Channels>& out,
                   const std::array<FilterDesign, M>& designs, double hz) noexcept {
@@ -41,18 +43,24 @@ void makeParallel(kernels::ParallelSections<Sections, Channels>& out,
   std::fill(std::begin(out.a2), std::end(out.a2), 0.0);
   for (std::size_t i = 0; i < M; ++i) {
     const Real a1 = k[i].a1, a2 = k[i].a2;
-    const Complex pole(-a1 / 2, std::sqrt(a2 - a1 * a1 / 4)), u = Real(1) / pole;
+    const Complex half = std::sqrt(Complex(a1 * a1 / 4 - a2));
+    const Complex p = -a1 / 2 + half, q = -a1 / 2 - half;
     // Residue of the term r / (1 - pole u).
-    Complex r = Real(1) / (Real(1) - std::conj(pole) * u);
-    for (std::size_t n = 0; n < M; ++n) {
-      r *= Complex(k[n].b0) + u * (Complex(k[n].b1) + u * Complex(k[n].b2));
-      if (n != i) r /= Complex(1) + u * (Complex(k[n].a1) + u * Complex(k[n].a2));
-    }
+    const auto residue = [&](Complex pole, Complex partner) {
+      const Complex u = Real(1) / pole;
+      Complex r = Real(1) / (Real(1) - partner * u);
+      for (std::size_t n = 0; n < M; ++n) {
+        r *= Complex(k[n].b0) + u * (Complex(k[n].b1) + u * Complex(k[n].b2));
+        if (n != i) r /= Complex(1) + u * (Complex(k[n].a1) + u * Complex(k[n].a2));
+      }
+      return r;
+    };
+    const Complex r = residue(p, q), s = residue(q, p);
     for (std::size_t lane = Channels * i; lane < Channels * (i + 1); ++lane) {
       out.a1[lane] = k[i].a1;
       out.a2[lane] = k[i].a2;
-      out.c0[lane] = static_cast<double>(2 * r.real());
-      out.c1[lane] = static_cast<double>(-2 * (r * std::conj(pole)).real());
+      out.c0[lane] = static_cast<double>((r + s).real());
+      out.c1[lane] = static_cast<double>(-(r * q + s * p).real());
     }
   }
 }

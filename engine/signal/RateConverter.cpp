@@ -102,7 +102,7 @@ void RateConverter::interpolate(int n, SubBlock& left, SubBlock& right) noexcept
       pairs[2 * static_cast<std::size_t>(j)] = left[next];
       pairs[2 * static_cast<std::size_t>(j) + 1] = right[next];
     }
-    m_kernels.pairSeries(image.field[0], 4, 2, pairs.data(), n);
+    m_kernels.pairSeries(seriesOf(image), pairs.data(), n);
     for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) {
       left[k] = pairs[2 * k];
       right[k] = pairs[2 * k + 1];
