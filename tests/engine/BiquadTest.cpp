@@ -205,31 +205,6 @@ TEST(Interpolation, CubicReadsGoThroughTheirPointsAndKeepParabolas) {
   EXPECT_EQ(cubicTableRead(15.5, table.data(), 15), table[15]);
 }
 
-TEST(Interpolation, LoopsWrapBothWays) {
-  constexpr int kLength = 16;
-  std::vector<float> loop(kLength + 3);
-  for (std::size_t i = 0; i < loop.size(); ++i)
-    loop[i] = static_cast<float>(std::sin(2 * kPi * static_cast<double>(i % kLength) / kLength));
-  const auto point = [&](int i) {
-    return loop[static_cast<std::size_t>((i + 4 * kLength) % kLength)];
-  };
-  for (double x = -15.9; x < 31.9; x += 0.37) {
-    SubBlock position{}, gain{}, sum{};
-    position[1] = position[2] = x;
-    gain[1] = 1.0;
-    gain[2] = 2.0;
-    sum[2] = 1.0;
-    kernels::chooseKernels().loopRead(loop.data(), kLength, position.data(), gain.data(),
-                                      sum.data(), 3);
-    const int whole = static_cast<int>(std::floor(x));
-    const double expected = CubicWeights<float>(static_cast<float>(x - whole))(
-        point(whole - 1), point(whole), point(whole + 1), point(whole + 2));
-    EXPECT_NEAR(sum[2], 1.0 + 2.0 * expected, 1e-6) << x;
-    EXPECT_EQ(sum[1], static_cast<double>(static_cast<float>(sum[1]))) << "single precision";
-    EXPECT_NEAR(expected, std::sin(2 * kPi * x / kLength), 0.02) << x;
-  }
-}
-
 TEST(Interpolation, FixedTapsWrapInTheirLine) {
   DelayLine line;
   for (int i = 0; i < kHistorySize; ++i) line.write(i, std::sin(2 * kPi * i / 64));
