@@ -41,11 +41,6 @@ ShortText midiChannel(float v) noexcept {
   return ShortText("Ch ").append(ShortText::whole(channel));
 }
 
-// The display counts the Input control from the amplifier's nominal level and Amount from the
-// room's.
-constexpr double kInputDisplayGain = 1.4142;
-constexpr double kRoomDisplayGain = 31.62277660168379;
-
 } // namespace
 
 constexpr Display kSilent{none, [](float) noexcept { return ShortText(); }};

@@ -11,6 +11,11 @@ struct Display {
   ShortText (*text)(float v) noexcept;
 };
 
+/// The display counts the Input control from the amplifier's nominal level and Amount from the
+/// room's: linear gains.
+inline constexpr double kInputDisplayGain = 1.4142;
+inline constexpr double kRoomDisplayGain = 31.62277660168379;
+
 // Switches and words
 extern const Display kSilent;
 extern const Display kOnOff;

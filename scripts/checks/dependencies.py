@@ -16,6 +16,7 @@ ALLOWED = {
     "midi": {"sdk"},
     "plugin": {"engine", "sdk", "platform", "gui", "resources", "presets", "midi", "editor"},
     "editor": {"gui", "presets", "platform", "resources", "sdk", "plugin"},
+    "lv2": {"plugin", "sdk", "presets", "gui"},
     "brezan": {"sdk", "engine", "platform", "gui", "resources", "presets"},
 }
 # Pairs of modules of which the first may include these headers of the second only.
@@ -25,6 +26,8 @@ ONLY = {
     ("presets", "resources"): {"resources/images/Images.h"},
     ("editor", "resources"): {"resources/images/Images.h"},
     ("editor", "plugin"): {"plugin/parameters/ParameterFormatter.h", "plugin/parameters/ParameterIndex.h", "plugin/parameters/ParameterLaws.h"},
+    ("lv2", "presets"): {"presets/panel/CPresetSystemEditor.h", "presets/panel/ThreadMarks.h"},
+    ("lv2", "gui"): {"gui/CFrame.h"},
     ("plugin", "editor"): {"editor/RotaryEditor.h", "editor/EffectReadout.h"},
 }
 STANDARD_ONLY = {"engine", "sdk", "midi", "presets", "editor", "plugin"}

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "lv2/ChangeRequest.h"
+#include "lv2/Ports.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+namespace qlx::sdk {
+struct EffectRecord;
+} // namespace qlx::sdk
+
+namespace qlx::lv2 {
+
+/// Keeps the host's control ports and the effect's parameters in step. A port that the host moves
+/// moves its parameter. A parameter that something else moves (a pedal, a preset, the window) keeps
+/// its value until the port moves next, and the host is asked to let the port follow.
+///
+/// What a host is told of comes back late, and after other news: for half a second after the last
+/// word about a port its movements count as such echoes, unless it arrives where the parameter
+/// stands.
+///
+/// Audio thread, except where told otherwise.
+class ControlPorts {
+ public:
+  /// `record` outlives this. `rate` in Hz; `request` null: this host can't be asked.
+  ControlPorts(sdk::EffectRecord& record, double rate, const ChangeRequest* request);
+
+  void connect(std::size_t control, const float* location) {
+    m_controls[control].location = location;
+  }
+
+  /// Before a block of `frames`.
+  void takeFromHost(std::uint32_t frames);
+  /// After it.
+  void tellHost();
+
+  /// A parameter has been moved by what runs in this block.
+  void movedHere(std::int32_t parameter);
+  /// The host has been told by the window. Any thread.
+  void told(std::size_t control) { m_told[control].fetch_add(1, std::memory_order_relaxed); }
+
+ private:
+  /// Whether the host has still to be asked about a port, and since when.
+  enum class Untold : unsigned char { kNothing, kSinceThisBlock, kEarlier };
+
+  struct Control {
+    const float* location = nullptr;
+    float seen = 0.0F;     ///< the port when last looked at
+    float held = 0.0F;     ///< the parameter, normalised, when last looked at
+    float expected = 0.0F; ///< where the port belongs
+    std::uint32_t told = 0;
+    std::uint32_t patience = 0; ///< frames in which a movement is an echo
+    bool movedMeanwhile = false;
+    Untold untold = Untold::kNothing;
+  };
+
+  float valueOf(std::size_t control) const;
+  void notice(std::size_t control);
+  void wait(Control& control) const;
+  void apply(std::size_t control);
+
+  sdk::EffectRecord& m_record;
+  const ChangeRequest* m_request;
+  std::uint32_t m_patience; ///< frames
+  std::array<Control, kNumControlPorts> m_controls{};
+  std::array<std::atomic<std::uint32_t>, kNumControlPorts> m_told{};
+};
+
+} // namespace qlx::lv2
