@@ -57,7 +57,7 @@ void ControlPorts::notice(std::size_t i) {
 
 void ControlPorts::movedHere(std::int32_t parameter) {
   const std::size_t i = controlOf(parameter);
-  if (i < kNumControlPorts) m_controls[i].untold = Untold::kEarlier;
+  if (i < kNumControlPorts) m_controls[i].movedHere = true;
 }
 
 void ControlPorts::apply(std::size_t i) {
@@ -82,10 +82,12 @@ void ControlPorts::takeFromHost(std::uint32_t frames) {
     control.seen = *control.location;
     control.movedMeanwhile = control.movedMeanwhile || moved;
     if (control.seen == control.expected) {
-      control.patience = 0;
+      // It has arrived, unless it has been here all the time and echoes are still under way.
+      if (moved) control.patience = 0;
       control.movedMeanwhile = false;
       control.untold = Untold::kNothing;
-    } else if (control.patience > 0) {
+    }
+    if (control.patience > 0) {
       control.patience -= std::min(frames, control.patience);
     } else if (control.movedMeanwhile) {
       apply(i);
@@ -97,6 +99,8 @@ void ControlPorts::tellHost() {
   for (std::size_t i = 0; i < kNumControlPorts; ++i) {
     notice(i);
     Control& control = m_controls[i];
+    if (control.movedHere) control.untold = Untold::kEarlier;
+    control.movedHere = false;
     if (control.untold == Untold::kSinceThisBlock) {
       // The window, if it was the window's doing, tells the host by itself.
       control.untold = Untold::kEarlier;

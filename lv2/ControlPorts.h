@@ -54,6 +54,7 @@ class ControlPorts {
     std::uint32_t told = 0;
     std::uint32_t patience = 0; ///< frames in which a movement is an echo
     bool movedMeanwhile = false;
+    bool movedHere = false; ///< by what runs in this block
     Untold untold = Untold::kNothing;
   };
 
