@@ -135,13 +135,17 @@ class Instance {
     lilv_state_restore(state, lilv, withPorts ? setPort : nullptr, this, 0, m_features.data());
   }
 
-  /// The normalised value that the instance holds, out of its state.
-  float value(std::int32_t parameter) {
+  /// The normalised values that the instance holds, out of its state.
+  std::array<float, plugin::kNumHostParameters> values() {
     plugin::RotaryEffect reader(nullptr);
     const std::vector<char> bytes = chunk();
     EXPECT_EQ(reader.setChunk(bytes.data(), static_cast<std::int32_t>(bytes.size()), false), 0);
-    return reader.getParameter(parameter);
+    std::array<float, plugin::kNumHostParameters> all{};
+    for (std::int32_t i = 0; i < plugin::kNumHostParameters; ++i)
+      all[static_cast<std::size_t>(i)] = reader.getParameter(i);
+    return all;
   }
+  float value(std::int32_t parameter) { return values()[static_cast<std::size_t>(parameter)]; }
 
   std::vector<char> chunk() {
     const auto* state = static_cast<const LV2_State_Interface*>(
