@@ -1,25 +1,32 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/Interrupt.h"
 
+#include <array>
 #include <csignal>
 
 namespace qlx::tools {
 
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t interrupted = 0; // the signal's number
 
-extern "C" void noteSignal(int /*number*/) { interrupted = 1; }
+extern "C" void noteSignal(int number) { interrupted = number; }
 
 } // namespace
 
 void noteInterrupts() {
-  std::signal(SIGINT, noteSignal);
-  std::signal(SIGTERM, noteSignal);
+  for (const int number : std::array{SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    if (sigaction(number, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) continue;
+    struct sigaction action {};
+    action.sa_handler = noteSignal;
+    sigaction(number, &action, nullptr);
+  }
+  for (const int number : std::array{SIGPIPE, SIGXFSZ}) std::signal(number, SIG_IGN);
 }
 
 void throwIfInterrupted() {
-  if (interrupted != 0) throw Interrupted();
+  if (interrupted != 0) throw Interrupted(interrupted);
 }
 
 } // namespace qlx::tools

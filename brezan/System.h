@@ -49,4 +49,7 @@ bool pinThread(int processor);
 /// True when standard error is a terminal that can redraw a line.
 bool errorStreamIsTerminal();
 
+/// Columns of that terminal, 80 when it does not tell.
+int errorStreamColumns();
+
 } // namespace qlx::tools

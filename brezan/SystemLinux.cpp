@@ -9,6 +9,7 @@
 #include <sched.h>
 #include <sstream>
 #include <stdexcept>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace qlx::tools {
@@ -73,6 +74,11 @@ bool pinThread(int processor) {
 bool errorStreamIsTerminal() {
   const char* kind = std::getenv("TERM");
   return isatty(STDERR_FILENO) == 1 && kind != nullptr && std::strcmp(kind, "dumb") != 0;
+}
+
+int errorStreamColumns() {
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
 } // namespace qlx::tools

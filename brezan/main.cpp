@@ -1,22 +1,45 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/Interrupt.h"
-#include "brezan/System.h"
 #include "brezan/commands/Commands.h"
 
+#include "brezan/Interrupt.h"
+#include "brezan/StandardStreams.h"
+#include "brezan/System.h"
+#include "platform/Version.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <iostream>
 
 namespace qlx::tools {
 
 namespace {
 
-// What shells report for a program that Ctrl-C ended.
-constexpr int kInterruptedStatus = 130;
+// What shells report for a program that went because nobody reads on.
+constexpr int kBrokenPipeStatus = 128 + SIGPIPE;
 
-int run(int argc, char** argv) {
-  noteInterrupts();
-  CLI::App program("brezan: plays sound through the rotary speaker plug-in, without a studio");
+void addHelpCommand(CLI::App& program) {
+  CLI::App* command = program.add_subcommand("help", "Say more about a command");
+  auto words = std::make_shared<std::vector<std::string>>();
+  command->add_option("COMMAND", *words, "Such as: render, presets save");
+  command->callback([&program, words] {
+    const CLI::App* about = &program;
+    std::string parents;
+    for (const std::string& word : *words) {
+      parents += (parents.empty() ? "" : " ") + about->get_name();
+      about = about->get_subcommand(word); // throws for a word that is none
+    }
+    std::cout << about->help(parents);
+  });
+}
+
+int parse(int argc, char** argv) {
+  CLI::App program("brezan: plays sound through the rotary speaker plug-in, without a studio",
+                   "brezan");
+  program.set_version_flag("--version", "brezan " + std::string(platform::version()),
+                           "Print the version and exit");
   program.require_subcommand(0, 1);
-  program.footer("'brezan COMMAND --help' says more about each command.");
+  program.footer("'brezan help COMMAND' says more about each command.");
   addRenderCommand(program);
   addParamsCommand(program);
   addPresetsCommand(program);
@@ -28,6 +51,7 @@ int run(int argc, char** argv) {
   addEditCommand(program);
   addScreenshotCommand(program);
   addManualCommand(program);
+  addHelpCommand(program);
   try {
     program.parse(argc, argv);
     if (program.get_subcommands().empty()) throw CLI::RequiredError("A command");
@@ -38,12 +62,28 @@ int run(int argc, char** argv) {
     return 2;
   } catch (const Interrupted& stop) {
     std::cerr << "brezan: " << stop.what() << '\n';
-    return kInterruptedStatus;
+    return stop.status();
   } catch (const std::exception& error) {
     std::cerr << "brezan: " << error.what() << '\n';
     return 1;
   }
   return 0;
+}
+
+int run(int argc, char** argv) {
+  noteInterrupts();
+  StandardOutput output;
+  const int status = parse(argc, argv);
+  int error = 0;
+  try {
+    error = output.finish();
+  } catch (const Interrupted& stop) {
+    return stop.status();
+  }
+  if (error == EPIPE) return kBrokenPipeStatus;
+  if (error == 0) return status;
+  std::cerr << "brezan: cannot write to standard output: " << std::strerror(error) << '\n';
+  return 1;
 }
 
 } // namespace

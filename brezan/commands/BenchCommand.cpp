@@ -5,6 +5,7 @@
 #include "brezan/bench/BlockTimes.h"
 #include "brezan/bench/Growth.h"
 #include "brezan/commands/Commands.h"
+#include "brezan/pictures/PngFile.h"
 #include "brezan/plugin/PluginLocation.h"
 
 #include <iostream>
@@ -102,6 +103,7 @@ Growth measureGrowthVisibly(WorkloadPlan& plan, double seconds) {
 }
 
 void bench(const BenchOptions& options) {
+  if (!options.picture.empty()) checkPictureName(options.picture);
   WorkloadPlan plan(locatePlugin(options.plugin));
   if (options.growth) {
     const Growth growth = measureGrowthVisibly(plan, options.seconds);

@@ -6,9 +6,9 @@
 #include "brezan/sound/AudioFile.h"
 #include "brezan/sound/PendingFile.h"
 
-#include <fstream>
 #include <functional>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 namespace qlx::tools {
@@ -26,12 +26,9 @@ struct OrganOptions {
 };
 
 void writeWhole(const std::string& path, const std::function<void(std::ostream&)>& write) {
-  PendingFile pending(path);
-  std::ofstream out(pending.path(), std::ios::binary);
+  std::ostringstream out;
   write(out);
-  out.close();
-  if (!out) throw std::runtime_error("cannot write '" + path + "'");
-  pending.commit();
+  writeFile(path, out.view());
 }
 
 void organ(const OrganOptions& options) {
@@ -43,8 +40,9 @@ void organ(const OrganOptions& options) {
     writeWhole(options.midi, [](std::ostream& out) { writeMidi(out, phrasePedal()); });
   if (!options.automation.empty())
     writeWhole(options.automation, [](std::ostream& out) { out << phraseBrake(); });
-  std::cout << options.output << ": " << fixed(static_cast<double>(sound.size()) / options.rate, 2)
-            << " s, peak " << decibels(output.peak()) << " dBFS\n";
+  (isStandardOutput(options.output) ? std::cerr : std::cout)
+      << options.output << ": " << fixed(static_cast<double>(sound.size()) / options.rate, 2)
+      << " s, peak " << decibels(output.peak()) << " dBFS\n";
 }
 
 } // namespace

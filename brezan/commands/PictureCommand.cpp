@@ -4,6 +4,7 @@
 #include "brezan/Table.h"
 #include "brezan/analysis/LeverMarks.h"
 #include "brezan/pictures/Picture.h"
+#include "brezan/pictures/PngFile.h"
 #include "brezan/sound/AudioFile.h"
 #include "brezan/sound/SoundLevel.h"
 
@@ -45,6 +46,7 @@ void printSections(const PictureSound& sound) {
 }
 
 void picture(const PictureOptions& options) {
+  checkPictureName(options.output);
   PictureSound sound = load(options);
   std::vector<TimedMidi> midi;
   if (!options.midi.empty()) midi = readMidiFile(options.midi);

@@ -7,7 +7,7 @@
 #include "brezan/plugin/PluginLocation.h"
 #include "brezan/plugin/PresetFile.h"
 #include "brezan/plugin/StartingPoint.h"
-#include "platform/Files.h"
+#include "brezan/sound/PendingFile.h"
 #include "presets/format/PresetImage.h"
 
 #include <algorithm>
@@ -101,8 +101,8 @@ std::string shown(const presets::PresetSlot& slot) {
   return name;
 }
 
-void writeFile(const std::string& path, presets::Bytes bytes) {
-  if (!platform::replaceFile(path, bytes)) throw std::runtime_error("cannot write '" + path + "'");
+void writePresets(const std::string& path, presets::Bytes bytes) {
+  writeFile(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 void printNames(const PresetsOptions& options, PluginHost& host) {
@@ -204,9 +204,7 @@ void load(const PresetsOptions& options) {
   options.start.apply(home.host(), parameters);
   home.load(options.file, options.index);
   if (!options.saveState.empty()) {
-    const std::vector<char> chunk = home.host().state();
-    writeFile(options.saveState,
-              {reinterpret_cast<const std::uint8_t*>(chunk.data()), chunk.size()});
+    writeFile(options.saveState, home.host().state());
   }
   printNames(options, home.host());
 }
@@ -230,9 +228,9 @@ void save(const PresetsOptions& options) {
   const presets::PresetSlot& slot = slots[static_cast<std::size_t>(current)];
   const auto quiet = [](std::string_view) {}; // the plug-in's own values are in order
   if (extension == ".qlx")
-    writeFile(options.file, presets::makePresetImage(slot, home.fileId(), all));
+    writePresets(options.file, presets::makePresetImage(slot, home.fileId(), all));
   else
-    writeFile(options.file, presets::makeBankImage(slots, current, home.fileId(), all, quiet));
+    writePresets(options.file, presets::makeBankImage(slots, current, home.fileId(), all, quiet));
   std::cout << options.file << ": "
             << (extension == ".qlx" ? "preset '" + shown(slot) + "'"
                                     : std::to_string(slots.size()) + " presets")
@@ -288,8 +286,9 @@ void addPresetsCommand(CLI::App& program) {
   showing->add_option("FILE", shownFile->file, "Preset, bank or state file")->required();
   showing->callback([shownFile] { show(*shownFile); });
 
-  CLI::App* loading =
-      command->add_subcommand("load", "Load a file into the plug-in and list its presets then");
+  CLI::App* loading = command->add_subcommand(
+      "load", "Try a file in a new instance and list its presets then; only --save-state keeps "
+              "them, for 'render --state'");
   const auto loaded = add(*loading);
   loading->add_option("FILE", loaded->file, "Preset, bank or state file")->required();
   addIndex(*loading, *loaded, "Where a single preset goes (0); of a bank, the one to make current");

@@ -47,30 +47,21 @@ Examples:
   brezan render organ.wav out.flac --preset 3 --set Drive=3dB --midi pedal.mid
   brezan render organ.wav out.wav --automate moves.txt --rate 96000 --double --format float)";
 
-void saveState(PluginHost& host, const std::string& path) {
-  const std::vector<char> chunk = host.state();
-  PendingFile pending(path);
-  std::ofstream out(pending.path(), std::ios::binary);
-  out.write(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-  out.close();
-  if (!out) throw std::runtime_error("cannot write '" + path + "'");
-  pending.commit();
-}
+void saveState(PluginHost& host, const std::string& path) { writeFile(path, host.state()); }
 
-void print(const RenderReport& report, const AudioOutput& output, const RenderOptions& options) {
+void print(const RenderReport& report, const AudioOutput& output, const RenderOptions& options,
+           std::ostream& out) {
   const double seconds = static_cast<double>(report.frames) / report.rate;
-  std::cout << options.output << ": " << fixed(seconds, 2) << " s at "
-            << fixed(options.file.rate, 0) << " Hz";
+  out << options.output << ": " << fixed(seconds, 2) << " s at " << fixed(options.file.rate, 0)
+      << " Hz";
   if (report.rate != options.file.rate)
-    std::cout << " (the plug-in ran at " << fixed(report.rate, 0)
-              << " Hz; converted there and back)";
-  std::cout << ", peak " << decibels(output.peak()) << " dBFS, RMS " << decibels(output.rms())
-            << " dBFS";
-  if (options.file.matching) std::cout << ", gain " << decibels(output.gain()) << " dB";
-  std::cout << ", rendered in " << fixed(report.processingSeconds, 2) << " s";
+    out << " (the plug-in ran at " << fixed(report.rate, 0) << " Hz; converted there and back)";
+  out << ", peak " << decibels(output.peak()) << " dBFS, RMS " << decibels(output.rms()) << " dBFS";
+  if (options.file.matching) out << ", gain " << decibels(output.gain()) << " dB";
+  out << ", rendered in " << fixed(report.processingSeconds, 2) << " s";
   if (report.processingSeconds > 0.0)
-    std::cout << ", " << fixed(seconds / report.processingSeconds, 1) << " times real time";
-  std::cout << '\n';
+    out << ", " << fixed(seconds / report.processingSeconds, 1) << " times real time";
+  out << '\n';
 }
 
 /// "set Drive 3.0 dB, Type Tube" of what --set gave.
@@ -113,6 +104,7 @@ void render(RenderOptions options) {
       static_cast<double>(input.frames()) / input.rate() + options.render.tailSeconds;
   file.mostFrames = static_cast<long long>(std::min(seconds * file.rate, 1e15));
   AudioOutput output(options.output, file);
+  output.copyTags(input);
   AutomationPlayer automation(moves, input.rate());
   MidiPlayer midi(std::move(messages), input.rate());
   RenderReport report;
@@ -122,8 +114,9 @@ void render(RenderOptions options) {
   }
   output.finish(file.matching ? std::optional(input.loudness()) : std::nullopt);
   if (!options.saveState.empty()) saveState(host, options.saveState);
-  if (!settings.empty()) std::cout << settings << '\n';
-  print(report, output, options);
+  std::ostream& words = isStandardOutput(options.output) ? std::cerr : std::cout;
+  if (!settings.empty()) words << settings << '\n';
+  print(report, output, options, words);
   if (output.clipped())
     std::cerr << "brezan: warning: the peak is above full scale and was cut; lower a level or use "
                  "--format float\n";
@@ -135,8 +128,13 @@ void addRenderCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("render", "Play a sound file through the plug-in");
   auto options = std::make_shared<RenderOptions>();
   RenderOptions& o = *options;
-  command->add_option("IN", o.input, "Sound file of one or two channels")->required();
-  command->add_option("OUT", o.output, "Sound file to write (.wav, .aiff, .flac, .w64, .caf, .au)")
+  command->add_option("IN", o.input, "Sound file of one or two channels; - is standard input")
+      ->required();
+  command
+      ->add_option(
+          "OUT", o.output,
+          "Sound file to write (.wav, .aiff, .flac, .w64, .caf, .au); - is standard output, "
+          "as WAV")
       ->required();
   addPluginOption(*command, o.plugin);
   o.start.addOptions(*command);

@@ -99,6 +99,7 @@ picturedScreen(PluginHost& host, const std::vector<Click>& clicks, int margin) {
 }
 
 void screenshot(const ScreenshotOptions& options) {
+  checkPictureName(options.output);
   const std::filesystem::path plugin = locatePlugin(options.plugin);
   PluginHost host(plugin);
   ParameterText parameters(plugin);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/organ/DrawbarOrgan.h"
 
+#include "brezan/Interrupt.h"
 #include "brezan/organ/OrganToneWheels.h"
 
 #include <algorithm>
@@ -190,6 +191,7 @@ std::vector<double> playOrgan(const OrganScore& score, double rate, double peak)
   auto start = starts.begin();
   std::vector<double> sound(static_cast<std::size_t>(std::llround(score.seconds * rate)));
   for (std::size_t i = 0; i < sound.size(); ++i) {
+    if (i % 4096 == 0) throwIfInterrupted();
     const auto frame = static_cast<long long>(i);
     for (; event != board.events().end() && event->frame <= frame; ++event)
       closed[static_cast<std::size_t>(event->bus)][static_cast<std::size_t>(event->wheel - 1)] +=

@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/pictures/PngFile.h"
 
+#include "brezan/Words.h"
 #include "brezan/sound/PendingFile.h"
 
 #include <memory>
 #include <stdexcept>
 
 namespace qlx::tools {
+
+void checkPictureName(const std::filesystem::path& path) {
+  if (folded(path.extension().string()) != ".png")
+    throw std::runtime_error("'" + path.string() +
+                             "' must end in .png: pictures are written as PNG");
+}
 
 void savePng(cairo_surface_t* surface, const std::filesystem::path& path) {
   PendingFile pending(path);

@@ -9,6 +9,9 @@
 
 namespace qlx::tools {
 
+/// Throws std::runtime_error unless the name ends in .png.
+void checkPictureName(const std::filesystem::path& path);
+
 /// Write a PNG file as a whole or not at all. Throw std::runtime_error.
 void savePng(cairo_surface_t* surface, const std::filesystem::path& path);
 /// Each pixel as a square of `scale` pixels.

@@ -4,6 +4,7 @@
 #include "brezan/Words.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <set>
@@ -237,8 +238,8 @@ std::optional<float> ParameterText::numberOfWord(int index, double number) {
         !asNumber(one.display))
       return word(index, one.display);
   if (list.size() > kMostChoices) {
-    const auto ends = {std::tuple{list.front(), list[1], list[2]},
-                       std::tuple{list.back(), list[list.size() - 2], list[list.size() - 3]}};
+    const std::array ends{std::tuple{list.front(), list[1], list[2]},
+                          std::tuple{list.back(), list[list.size() - 2], list[list.size() - 3]}};
     for (const auto& [end, next, over] : ends) {
       const auto a = asNumber(next.display);
       const auto b = asNumber(over.display);

@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/sound/AudioFile.h"
 
+#include "brezan/StandardStreams.h"
 #include "brezan/Words.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace qlx::tools {
 
@@ -41,12 +47,42 @@ const NamedFormat& formatNamed(std::span<const NamedFormat> list, const std::str
   throw std::runtime_error("unknown " + std::string(what) + " '" + name + "'; known are " + known);
 }
 
+// What describes the piece, not the program that wrote the file.
+constexpr int kTags[] = {SF_STR_TITLE,   SF_STR_COPYRIGHT,   SF_STR_ARTIST,
+                         SF_STR_COMMENT, SF_STR_DATE,        SF_STR_ALBUM,
+                         SF_STR_LICENSE, SF_STR_TRACKNUMBER, SF_STR_GENRE};
+
+SNDFILE* openSound(const std::filesystem::path& path, SF_INFO& info) {
+  const auto fail = [&path](const std::string& reason) {
+    throw std::runtime_error("cannot read '" + path.string() + "': " + reason);
+  };
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) fail("it is a folder");
+  int file = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) fail(std::strerror(errno));
+  struct stat status {};
+  if (fstat(file, &status) == 0 && !S_ISREG(status.st_mode)) {
+    const int stream = file;
+    file = readAsFile(stream);
+    close(stream);
+    fstat(file, &status);
+  }
+  if (status.st_size == 0) {
+    close(file);
+    fail("it is empty");
+  }
+  SNDFILE* sound = sf_open_fd(file, SFM_READ, &info, SF_TRUE);
+  if (sound == nullptr)
+    fail(sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT ? "it is no sound file of a known kind"
+                                                         : sf_strerror(nullptr));
+  return sound;
+}
+
 } // namespace
 
 AudioInput::AudioInput(const std::filesystem::path& path, double rate)
-    : m_file(sf_open(path.string().c_str(), SFM_READ, &m_info)) {
+    : m_file(openSound(path, m_info)) {
   const std::string quoted = "'" + path.string() + "'";
-  if (!m_file) throw std::runtime_error("cannot read " + quoted + ": " + sf_strerror(nullptr));
   if (m_info.channels > 2)
     throw std::runtime_error(quoted + " has " + std::to_string(m_info.channels) +
                              " channels; one or two can be rendered");
@@ -89,7 +125,8 @@ int AudioInput::read(std::span<double> interleaved) {
 
 AudioOutput::AudioOutput(const std::filesystem::path& path, const OutputSettings& settings)
     : m_settings(settings), m_pending(path) {
-  const std::string extension = path.extension().string();
+  const std::string extension =
+      path.extension().empty() && isStream(path) ? ".wav" : path.extension().string();
   const NamedFormat& sample = formatNamed(kSampleFormats, settings.format, "sample format");
   int container = formatNamed(kContainers, extension, "kind of sound file").format;
   const long long fitting = kSmallFileBytes / (sample.bytes * settings.channels);
@@ -129,6 +166,12 @@ void AudioOutput::fail(const std::string& why) const {
   throw std::runtime_error("cannot write '" + m_pending.target().string() + "'" + why);
 }
 
+void AudioOutput::copyTags(const AudioInput& input) {
+  for (const int tag : kTags)
+    if (const char* words = sf_get_string(input.file(), tag); words != nullptr)
+      sf_set_string(m_file.get(), tag, words);
+}
+
 void AudioOutput::write(std::span<const double> interleaved) {
   if (!m_held) return convert(interleaved);
   m_meter->add(interleaved);
@@ -152,8 +195,9 @@ void AudioOutput::store(std::span<const double> interleaved) {
   if (m_frames > m_fullFrames)
     fail(": it would be larger than the 4 GiB that such a file can be; take .w64, .rf64 or .caf");
   const auto count = static_cast<sf_count_t>(m_scaled.size());
+  errno = 0;
   if (sf_write_double(m_file.get(), m_scaled.data(), count) != count)
-    fail(std::string(": ") + sf_strerror(m_file.get()));
+    fail(std::string(": ") + (errno != 0 ? std::strerror(errno) : sf_strerror(m_file.get())));
 }
 
 void AudioOutput::matchTo(double loudness) {

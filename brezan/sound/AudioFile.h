@@ -27,7 +27,7 @@ struct StreamCloser {
 /// way when one is asked for. Throws std::runtime_error.
 class AudioInput {
  public:
-  /// `rate` 0 keeps the file's own.
+  /// "-" is standard input. `rate` 0 keeps the file's own.
   explicit AudioInput(const std::filesystem::path& path, double rate = 0.0);
   AudioInput(const AudioInput&) = delete;
   AudioInput& operator=(const AudioInput&) = delete;
@@ -39,6 +39,7 @@ class AudioInput {
   long long frames() const;
   /// Fills `interleaved` and answers the number of frames; fewer than asked only at the end.
   int read(std::span<double> interleaved);
+  SNDFILE* file() const { return m_file.get(); }
 
   /// Measures the loudness of all that is read from now on.
   void measureLoudness() { m_meter.emplace(channels(), m_rate); }
@@ -70,8 +71,8 @@ struct OutputSettings {
 };
 
 /// A sound file being written; it appears under its name only when `finish` is called. The
-/// container follows from the name's extension. Throws std::runtime_error, also when a container
-/// without 64-bit sizes is full.
+/// container follows from the name's extension; standard output, pipes and devices get WAV. Throws
+/// std::runtime_error, also when a container without 64-bit sizes is full.
 class AudioOutput {
  public:
   AudioOutput(const std::filesystem::path& path, const OutputSettings& settings);
@@ -79,6 +80,9 @@ class AudioOutput {
               int channels)
       : AudioOutput(path, OutputSettings{format, rate, channels}) {}
 
+  /// Takes over title, artist and the like as far as the container has places for them. Before the
+  /// first `write`.
+  void copyTags(const AudioInput& input);
   void write(std::span<const double> interleaved);
   /// With `loudness` in LUFS the whole is brought to it before the gain, which needs `matching`.
   /// Silence is left alone.

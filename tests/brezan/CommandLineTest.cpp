@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 // The program as its users meet it: commands, files, exit codes and what it says.
+#include "brezan/ProgressBar.h"
 #include "brezan/sound/AudioFile.h"
 #include "tests/support/CommandRun.h"
 
@@ -59,10 +60,12 @@ TEST_F(CommandLine, EveryBadInputGetsOneClearLine) {
       {"", "command is required"},
       {"polish", "polish"},
       {"render @", "IN"},
-      {"render @ missing.wav out.wav", "cannot read 'missing.wav'"},
-      {"render @ text.wav out.wav", "cannot read 'text.wav'"},
+      {"render @ missing.wav out.wav", "cannot read 'missing.wav': No such file"},
+      {"render @ . out.wav", "cannot read '.': it is a folder"},
+      {"render @ /dev/null out.wav", "it is empty"},
+      {"render @ text.wav out.wav", "'text.wav': it is no sound file"},
       {"render @ surround.wav out.wav", "6 channels"},
-      {"render @ in.wav none/out.wav", "cannot write 'none/out.wav'"},
+      {"render @ in.wav none/out.wav", "cannot write 'none/out.wav': there is no folder 'none'"},
       {"render @ in.wav .", "is a folder"},
       {"render @ in.wav out.xyz", "kind of sound file '.xyz'"},
       {"render @ in.wav out.wav --format mp3", "sample format 'mp3'"},
@@ -90,6 +93,12 @@ TEST_F(CommandLine, EveryBadInputGetsOneClearLine) {
       {"organ out.txt", "kind of sound file"},
       {"picture missing.wav out.png", "cannot read 'missing.wav'"},
       {"picture in.wav none/out.png", "cannot write 'none/out.png'"},
+      {"picture in.wav out.jpg", "must end in .png"},
+      {"report @ missing.wav in.wav", "cannot read 'missing.wav'"},
+      {"report @ in.wav missing.wav", "cannot read 'missing.wav'"},
+      {"render @ in.wav /dev/full", "cannot write '/dev/full': No space left"},
+      {"params @ >/dev/full", "cannot write to standard output: No space left"},
+      {"help polish", "polish"},
       {"picture in.wav out.png --automate missing.txt", "cannot read 'missing.txt'"},
   };
   const std::size_t before = m_folder.entries();
@@ -162,17 +171,73 @@ TEST_F(CommandLine, HelpShowsOptionsAndExamples) {
     EXPECT_THAT(help.output, HasSubstr(words));
 }
 
+TEST_F(CommandLine, OutputsAreReplacedOrWrittenThroughAsTheirKindWants) {
+  const struct {
+    const char* before;
+    const char* arguments;
+    const char* after; // a shell's test
+  } cases[] = {
+      {"touch out.wav; chmod 600 out.wav", "in.wav out.wav", "test $(stat -c %a out.wav) = 600"},
+      {"ln -sf new.wav link.wav", "in.wav link.wav", "test -L link.wav && test -s new.wav"},
+      {"mkfifo pipe; cat pipe >piped.wav &", "in.wav pipe",
+       "sleep 0.2; test -p pipe && cmp piped.wav new.wav"},
+      {"true", "in.wav - >stdout.wav", "cmp stdout.wav new.wav"},
+      {"true", "- out.wav <in.wav", "cmp out.wav new.wav"},
+      {"cat in.wav |", "- out.wav", "cmp out.wav new.wav"},
+  };
+  for (const auto& c : cases) {
+    const std::string join = std::string(c.before).ends_with('|') ? " " : "; ";
+    const Finished got = run("cd " + m_folder.path().string() + "; " + c.before + join + BREZAN +
+                             " render --plugin " TEST_EFFECT " --tail 0 " + c.arguments + " && { " +
+                             c.after + "; }");
+    EXPECT_EQ(got.status, 0) << c.arguments << got.errors;
+  }
+}
+
+TEST_F(CommandLine, TagsOfTheInputAreKept) {
+  SF_INFO info{0, 44100, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 0, 0};
+  SNDFILE* tagged = sf_open((m_folder / "tagged.wav").c_str(), SFM_WRITE, &info);
+  sf_set_string(tagged, SF_STR_TITLE, "Prelude");
+  sf_set_string(tagged, SF_STR_ARTIST, "An organist");
+  sf_close(tagged);
+  for (const std::string name : {"out.wav", "out.flac"}) {
+    ASSERT_EQ(brezan("render @ tagged.wav " + name + " --tail 0.1").status, 0);
+    const qlx::tools::AudioInput out(m_folder / name);
+    EXPECT_STREQ(sf_get_string(out.file(), SF_STR_TITLE), "Prelude") << name;
+    EXPECT_STREQ(sf_get_string(out.file(), SF_STR_ARTIST), "An organist") << name;
+  }
+}
+
+TEST_F(CommandLine, WhatWasSetVersionAndHelpArePrinted) {
+  EXPECT_THAT(brezan("render @ in.wav out.wav --set Gain=-6 --set mode=red").output,
+              HasSubstr("set Gain -6.0 dB, Mode Red\n"));
+  EXPECT_THAT(brezan("--version").output,
+              testing::MatchesRegex("brezan [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  EXPECT_THAT(brezan("help presets save").output, HasSubstr("FILE"));
+}
+
+TEST(ProgressBar, FitsTheTerminal) {
+  for (const int columns : {10, 24, 40, 80}) {
+    const std::string line = qlx::tools::progressLine(0.5, 123.0, columns);
+    const auto width =
+        std::count_if(line.begin(), line.end(), [](char c) { return (c & 0xC0) != 0x80; });
+    EXPECT_LT(width, columns);
+    EXPECT_GT(width, std::min(columns - 2, 20)) << line;
+  }
+}
+
 TEST_F(CommandLine, AnInterruptedRenderLeavesTheOldFile) {
   write(m_folder / "out.wav", "old");
   const std::size_t before = m_folder.entries();
-  // An endless tail in blocks of one frame keeps the program busy until it is stopped.
-  const Finished got =
-      run("cd " + m_folder.path().string() +
-          " && timeout -s INT 2 " BREZAN " render mono.wav out.wav --plugin " TEST_EFFECT
-          " --preset Endless --tail 3600 --block 1; test $? = 124");
-  EXPECT_EQ(got.errors, "brezan: interrupted\n");
-  EXPECT_EQ(contents(m_folder / "out.wav"), "old");
-  EXPECT_EQ(m_folder.entries(), before);
+  for (const char* signal : {"INT", "HUP", "TERM"}) {
+    // An endless tail in blocks of one frame keeps the program busy until it is stopped.
+    const Finished got = run("cd " + m_folder.path().string() + " && timeout -s " + signal +
+                             " 1 " BREZAN " render mono.wav out.wav --plugin " TEST_EFFECT
+                             " --preset Endless --tail 3600 --block 1; test $? = 124");
+    EXPECT_THAT(got.errors, HasSubstr("brezan: interrupted\n")) << signal;
+    EXPECT_EQ(contents(m_folder / "out.wav"), "old");
+    EXPECT_EQ(m_folder.entries(), before) << signal;
+  }
 }
 
 TEST_F(CommandLine, OrganAndPictureMakeTheirFiles) {
