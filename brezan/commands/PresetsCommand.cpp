@@ -53,18 +53,7 @@ class PresetHome {
   /// Takes the file's presets over the plug-in's. A single one goes into preset `index`; of a bank
   /// that preset becomes current.
   PresetFile load(const std::string& path, std::optional<int> index) {
-    PresetFile file = examine(path);
-    if (!file.usable)
-      throw std::runtime_error(
-          "'" + path + "' cannot be loaded: " + file.faults.front() +
-          (file.faults.size() == 1 ? "" : "; 'brezan presets show' says more"));
-    for (const std::string& fault : file.faults)
-      std::cerr << "brezan: warning: '" << path << "': " << fault << '\n';
-    const bool single = file.scope == presets::Scope::Preset;
-    const int first = single ? index.value_or(0) : 0;
-    const int current = single ? first : index.value_or(file.isState ? file.current : 0);
-    m_host.setState(stateChunk(file, fileId(), first, current));
-    return file;
+    return loadPresetFile(m_host, path, index);
   }
 
   Slots slots() {

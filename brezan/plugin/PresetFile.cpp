@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iostream>
 #include <stdexcept>
 
 namespace qlx::tools {
@@ -280,6 +281,25 @@ std::vector<char> stateChunk(const PresetFile& file, std::uint32_t fileId, int f
   std::memcpy(chunk.data(), head.data(), sizeof head);
   std::memcpy(chunk.data() + sizeof head, bytes.data(), bytes.size());
   return chunk;
+}
+
+PresetFile loadPresetFile(PluginHost& host, const std::string& path, std::optional<int> index) {
+  std::vector<std::string> names;
+  for (int i = 0; i < host.parameterCount(); ++i) names.push_back(host.parameter(i).name);
+  if (names.size() != presets::kNumPresetParameters)
+    throw std::runtime_error("'" + host.file().string() + "' keeps its presets in another way");
+  const auto id = static_cast<std::uint32_t>(host.record().uniqueId);
+  PresetFile file = readPresetFile(path, id, names);
+  if (!file.usable)
+    throw std::runtime_error("'" + path + "' cannot be loaded: " + file.faults.front() +
+                             (file.faults.size() == 1 ? "" : "; 'brezan presets show' says more"));
+  for (const std::string& fault : file.faults)
+    std::cerr << "brezan: warning: '" << path << "': " << fault << '\n';
+  const bool single = file.scope == Scope::Preset;
+  const int first = single ? index.value_or(0) : 0;
+  const int current = single ? first : index.value_or(file.isState ? file.current : 0);
+  host.setState(stateChunk(file, id, first, current));
+  return file;
 }
 
 } // namespace qlx::tools

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "brezan/plugin/PluginHost.h"
 #include "presets/format/PresetData.h"
 #include "presets/format/SlotUpdate.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,5 +38,10 @@ PresetFile readPresetFile(const std::string& path, std::uint32_t fileId,
 /// @param first the preset that a preset file is for; a bank's presets keep their numbers
 /// @param current the preset that is current afterwards
 std::vector<char> stateChunk(const PresetFile& file, std::uint32_t fileId, int first, int current);
+
+/// Takes the presets of a usable file over the plug-in's; its faults go to standard error as
+/// warnings. A single one goes into preset `index`; of a bank that preset becomes current. Throws
+/// std::runtime_error.
+PresetFile loadPresetFile(PluginHost& host, const std::string& path, std::optional<int> index);
 
 } // namespace qlx::tools

@@ -11,13 +11,15 @@
 
 namespace qlx::tools {
 
-/// How the plug-in stands before anything happens: a state, a preset over it, parameters over that.
+/// How the plug-in stands before anything happens: a state, a bank over it, a preset over that,
+/// parameters over that.
 struct StartingPoint {
   std::string state;
-  std::string preset;
+  std::string bank;
+  std::string preset; ///< number, name or file
   std::vector<std::string> settings;
 
-  /// The options --state, --preset and --set, alike in every command that has them.
+  /// The options --state, --bank, --preset and --set, alike in every command that has them.
   void addOptions(CLI::App& command);
 
   /// Answers what --set gave, in its order. Throws std::runtime_error.

@@ -113,6 +113,18 @@ TEST_F(PresetsCommand, OnePresetIsTakenOutChangedAndPutElsewhere) {
   EXPECT_TRUE(std::equal(part.begin() + kBeforeValues, part.end(), rest.begin() + kBeforeValues));
 }
 
+TEST_F(PresetsCommand, FilesAreStartingPoints) {
+  auto bank = sharingBank(300);
+  given("all.qlb", Builder().bankImage(bank, 7).bytes());
+  given("nine.qlx", Builder().presetImage(bank[9]).bytes());
+  const Bytes nine = saved("nine.qlx");
+  for (const char* start : {"--bank all.qlb --preset 9", "--preset nine.qlx"}) {
+    EXPECT_EQ(presets(std::string("save out.qlx ") + start).status, 0);
+    EXPECT_EQ(saved("out.qlx"), nine) << start;
+  }
+  EXPECT_THAT(presets("save out.qlx --bank nine.qlx").errors, HasSubstr("give it with --preset"));
+}
+
 TEST_F(PresetsCommand, ListsNamesAndValues) {
   auto bank = sharingBank(300);
   bank[9].name = {'A', '\x1b', '[', '2', 'J'}; // a terminal would clear its screen
@@ -212,7 +224,7 @@ TEST_F(PresetsCommand, WhatFailsSaysSoAndHarmsNothing) {
       {"save out.qlx --from bad.qlx", "'bad.qlx' cannot be loaded"},
       {"save out.qlx --from good.qlb --set Drive=loud", "'loud' is no value of Drive"},
       {"save out.wav", "must end in .qlx for one preset or .qlb for all"},
-      {"save folder.qlx", "cannot write 'folder.qlx'"},
+      {"save folder.qlx", "'folder.qlx' is a folder"},
       {"save none/out.qlb", "cannot write 'none/out.qlb'"},
   };
   for (const auto& c : cases) {
