@@ -79,8 +79,11 @@ std::string whatWasSet(PluginHost& host, const ParameterText& parameters,
 void render(RenderOptions options) {
   options.render.outputs = options.mono ? 1 : 2;
   const std::filesystem::path plugin = locatePlugin(options.plugin);
-  if (options.rate == 0.0) options.rate = AudioInput(options.input).fileRate();
-  AudioInput input(options.input, runRateFor(options.rate));
+  // Opened once: what comes through a pipe cannot be read again.
+  AudioInput input(options.input, [&options](double own) {
+    if (options.rate == 0.0) options.rate = own;
+    return runRateFor(options.rate);
+  });
   if (options.file.matching) input.measureLoudness();
   PluginHost host(plugin);
   if (options.render.useDouble && !host.hasDouble())

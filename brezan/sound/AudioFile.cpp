@@ -81,12 +81,16 @@ SNDFILE* openSound(const std::filesystem::path& path, SF_INFO& info) {
 } // namespace
 
 AudioInput::AudioInput(const std::filesystem::path& path, double rate)
+    : AudioInput(path, [rate](double own) { return rate > 0.0 ? rate : own; }) {}
+
+AudioInput::AudioInput(const std::filesystem::path& path,
+                       const std::function<double(double)>& rateFor)
     : m_file(openSound(path, m_info)) {
   const std::string quoted = "'" + path.string() + "'";
   if (m_info.channels > 2)
     throw std::runtime_error(quoted + " has " + std::to_string(m_info.channels) +
                              " channels; one or two can be rendered");
-  m_rate = rate > 0.0 ? rate : m_info.samplerate;
+  m_rate = rateFor(m_info.samplerate);
   if (m_rate == m_info.samplerate) return;
   m_converter.emplace(m_info.samplerate, m_rate, m_info.channels);
 }

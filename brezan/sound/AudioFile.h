@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <sndfile.h>
@@ -29,6 +30,8 @@ class AudioInput {
  public:
   /// "-" is standard input. `rate` 0 keeps the file's own.
   explicit AudioInput(const std::filesystem::path& path, double rate = 0.0);
+  /// `rateFor` answers the rate to convert to for the file's own.
+  AudioInput(const std::filesystem::path& path, const std::function<double(double)>& rateFor);
   AudioInput(const AudioInput&) = delete;
   AudioInput& operator=(const AudioInput&) = delete;
 

@@ -199,6 +199,8 @@ TEST_F(CommandLine, TagsOfTheInputAreKept) {
   SNDFILE* tagged = sf_open((m_folder / "tagged.wav").c_str(), SFM_WRITE, &info);
   sf_set_string(tagged, SF_STR_TITLE, "Prelude");
   sf_set_string(tagged, SF_STR_ARTIST, "An organist");
+  const std::vector<double> sound(4410, 0.25);
+  sf_write_double(tagged, sound.data(), 4410);
   sf_close(tagged);
   for (const std::string name : {"out.wav", "out.flac"}) {
     ASSERT_EQ(brezan("render @ tagged.wav " + name + " --tail 0.1").status, 0);
