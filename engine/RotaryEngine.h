@@ -128,7 +128,8 @@ class RotaryEngine {
   MicrophonePlacement& m_placement;
   State m_state = State::Running;
   std::uint32_t m_seenStopPresses = 0, m_seenStopReleases = 0;
-  std::unique_ptr<SignalPath> m_path; ///< kept apart so that who includes this sees no filters
+  std::unique_ptr<SignalPath>
+      m_path; ///< behind a pointer: whoever includes this header gets no filters
 };
 
 } // namespace qlx::engine

@@ -11,7 +11,7 @@ namespace qlx::engine {
 /// times in seconds, rotor speeds in revolutions per second. Values are limited to the range that
 /// the engine's settings table states; a value that is not finite is ignored.
 enum class Setting : unsigned char {
-  // Frame, amplifier and tone
+  // Bypass, amplifier and tone
   Bypass,           ///< 0 or 1: target of the cross-fade from the cabinet to the untouched input
   SpeakersBypassed, ///< 0 or 1: 1 sends amplifier and tone straight to the output
   InputGain,
@@ -55,7 +55,7 @@ enum class Setting : unsigned char {
   HornAttenuationDistance,
   HornAttenuationFadeExponent,
   HornReflectionCoeff,
-  HornReflectionLpfOctaves, ///< octaves of treble lost per bounce
+  HornReflectionLpfOctaves, ///< octaves of treble lost per reflection
   HornStaticCutoffHz,
   HornFlip, ///< +1 or -1: the rotor's sense of mounting; -1 exchanges the side walls and turns the
             ///< rotor by half a turn
@@ -66,7 +66,7 @@ enum class Setting : unsigned char {
   HornRayGain4, ///< back-left corner
   HornRayGain5, ///< left-back-right
   HornRayGain6, ///< right-back-left
-  HornRayGain7, ///< four and five bounces
+  HornRayGain7, ///< four and five reflections
   HornZAxisGain,
   HornStaticGain,
   HornAmpClip,         ///< floor of every ray's amplitude

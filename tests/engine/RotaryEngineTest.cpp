@@ -154,8 +154,7 @@ TEST(RotaryEngine, EachRotorModulatesAtItsOwnSpeed) {
 TEST(RotaryEngine, GeometryChangeFadesThroughDryAndBack) {
   EngineFixture f;
   f.settle();
-  f.engine.set(Setting::HornMic1Distance, 1.4);
-  f.engine.request(kPendingHornMic1 | kPendingCrossDelays);
+  f.engine.set(Setting::HornMic1Distance, 1.4); // asks for its work itself
   // The dry path is the input at half level behind a gentle low-pass: on a low tone it tells itself
   // by its level.
   const double hz = 100;
