@@ -71,10 +71,22 @@ void ControlPorts::apply(std::size_t i) {
   control.untold = Untold::kNothing;
 }
 
+void ControlPorts::forgetNews() {
+  for (Control& control : m_controls) {
+    if (control.location == nullptr || std::isnan(*control.location)) continue;
+    control.seen = *control.location;
+    control.patience = 0;
+    control.movedMeanwhile = false;
+    control.untold = Untold::kEarlier;
+  }
+}
+
 void ControlPorts::takeFromHost(std::uint32_t frames) {
   // First all, then all: what one port does to another parameter must not hide that the host has
   // moved that one's port, too.
+  const bool wasRestored = m_restored.exchange(false, std::memory_order_relaxed);
   for (std::size_t i = 0; i < kNumControlPorts; ++i) notice(i);
+  if (wasRestored) forgetNews();
   for (std::size_t i = 0; i < kNumControlPorts; ++i) {
     Control& control = m_controls[i];
     if (control.location == nullptr || std::isnan(*control.location)) continue;

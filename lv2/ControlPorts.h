@@ -39,6 +39,9 @@ class ControlPorts {
 
   /// A parameter has been moved by what runs in this block.
   void movedHere(std::int32_t parameter);
+  /// A state has been restored: what the ports read next came with it and is no news, even where
+  /// the host had not followed when it was saved. Any thread.
+  void restored() { m_restored.store(true, std::memory_order_relaxed); }
   /// The host has been told by the window. Any thread.
   void told(std::size_t control) { m_told[control].fetch_add(1, std::memory_order_relaxed); }
 
@@ -62,12 +65,14 @@ class ControlPorts {
   void notice(std::size_t control);
   void wait(Control& control) const;
   void apply(std::size_t control);
+  void forgetNews();
 
   sdk::EffectRecord& m_record;
   const ChangeRequest* m_request;
   std::uint32_t m_patience; ///< frames
   std::array<Control, kNumControlPorts> m_controls{};
   std::array<std::atomic<std::uint32_t>, kNumControlPorts> m_told{};
+  std::atomic<bool> m_restored{false};
 };
 
 } // namespace qlx::lv2

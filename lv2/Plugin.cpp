@@ -178,7 +178,9 @@ LV2_State_Status Plugin::restore(LV2_State_Retrieve_Function retrieve, LV2_State
     if (type != m_urids.atomChunk) return LV2_STATE_ERR_BAD_TYPE;
     const std::intptr_t answer =
         call(EffectOpcode::SetChunk, static_cast<std::intptr_t>(size), const_cast<void*>(chunk));
-    return answer == 0 ? LV2_STATE_SUCCESS : LV2_STATE_ERR_UNKNOWN;
+    if (answer != 0) return LV2_STATE_ERR_UNKNOWN;
+    m_controls.restored();
+    return LV2_STATE_SUCCESS;
   }
   if (const void* number = retrieve(handle, m_urids.factoryPreset, &size, &type, &flags)) {
     std::int32_t preset = 0;
@@ -186,6 +188,7 @@ LV2_State_Status Plugin::restore(LV2_State_Retrieve_Function retrieve, LV2_State
     std::memcpy(&preset, number, sizeof preset);
     if (preset < 0 || preset >= presets::kNumPresetSlots) return LV2_STATE_ERR_UNKNOWN;
     selectFactoryPreset(preset);
+    m_controls.restored();
     return LV2_STATE_SUCCESS;
   }
   return LV2_STATE_ERR_NO_PROPERTY;

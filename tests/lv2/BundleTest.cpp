@@ -195,7 +195,9 @@ TEST_F(Bundle, StateComesBackWithItsPorts) {
   saved.port(plugin::kHSlowSpd) = 1.234F;
   saved.port(plugin::kMech) = plugin::kSilenceDb;
   saved.port(plugin::kBypass) = 0.0F;
-  saved.run(256, {{0, kPedalDown}}); // the lever's port stays where it was
+  saved.port(plugin::kStop) = 1.0F;
+  saved.run(256);
+  saved.run(256, {{0, kPedalDown}}); // the ports of lever and Stop stay where they were
   LilvState* state = saved.save();
   EXPECT_EQ(lilv_state_get_num_properties(state), 1U);
   char* text = lilv_state_to_string(world.world, &world.map, &world.unmap, state,
@@ -213,8 +215,9 @@ TEST_F(Bundle, StateComesBackWithItsPorts) {
   restored.run(256);
   EXPECT_EQ(restored.chunk(), saved.chunk());
   EXPECT_EQ(restored.value(plugin::kLever), 1.0F);
-  EXPECT_TRUE(restored.requests.empty() ||
-              restored.requests == std::vector{asked(plugin::kLever, 100.0F)});
+  EXPECT_EQ(restored.value(plugin::kStop), 0.0F);
+  EXPECT_THAT(restored.requests,
+              testing::IsSupersetOf({asked(plugin::kLever, 100.0F), asked(plugin::kStop, 0.0F)}));
   lilv_free(text);
   lilv_state_free(read);
   lilv_state_free(state);

@@ -88,7 +88,7 @@ class WindowOfBundle : public testing::Test {
 };
 
 TEST_F(WindowOfBundle, WritesWhatTheUserDoesAndIsNotTurnedBackByEchoes) {
-  const platform::test::VirtualDisplay display({"-screen", "0", "800x700x24"});
+  const qlx::test::VirtualDisplay display({"-screen", "0", "800x700x24"});
   ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
   const auto host = platform::nativeWindowSystem().openTopLevel({"host"}, 401, 570);
   host->show();
@@ -213,7 +213,7 @@ TEST_F(WindowOfBundle, RunAllocatesNothing) {
   for (std::uint32_t i = 0; i < kNumControlPorts; ++i)
     plugin.connectPort(kFirstControl + i, &ports[i]);
   plugin.activate();
-  const engine::test::AllocationCount allocations;
+  const qlx::test::AllocationCount allocations;
   for (int block = 0; block < 200; ++block) {
     events.bytes[2] = block % 2 == 0 ? 127 : 0;
     for (std::size_t i = 0; i < kNumControlPorts; ++i) {
