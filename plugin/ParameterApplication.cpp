@@ -28,8 +28,8 @@ constexpr std::array<RoomPreset, 5> kRoomPresets = {{
 }};
 
 /// Motor noise against the sound, and the drum's recordings against the horn's.
-constexpr double kMechScale = 0.25;
-constexpr double kDrumNoiseScale = 7.96214341106;
+constexpr double kMechScale = 0.25;               // -12 dB
+constexpr double kDrumNoiseScale = 7.96214341106; // +18 dB
 /// A new value of Mech counts double until Drum Sample Volume is set, which sends the plain level
 /// again.
 constexpr double kMechFactor = 2.0;

@@ -39,6 +39,8 @@ double twice(float v) noexcept { return 2.0 * v; }
 double switchPosition(float v) noexcept { return steppedPosition(v, 1.0F); }
 double ampTypePosition(float v) noexcept { return steppedPosition(v, 2.0F); }
 
+/// One control for two filters of the room's return: mids up from -3 dB to 9 dB, lows down to -12
+/// dB.
 void applyColor(A& a, float v) {
   a.set(S::ColorMidGainDb, 12.0 * v - 3.0);
   a.set(S::ColorLowGainDb, -12.0 * v);
@@ -50,19 +52,25 @@ void applyAmount(A& a, float v) {
 }
 
 // The recordings' levels against each other.
+constexpr double kHornSlowLevel = 5.01187233627;   // +14 dB
+constexpr double kDrumSlowLevel = 0.70794578438;   // -3 dB
+constexpr double kHornFastLevel = 6.3095734448;    // +16 dB
+constexpr double kHornSwitchLevel = 0.99763115748; // -0.02 dB
+constexpr double kDrumSwitchLevel = 0.06294627058; // -24.02 dB
+
 void applySlowVolume(A& a, float v) {
-  a.set(S::HornSlowNoiseVolume, gainLaw(v) * 5.01187233627);
-  a.set(S::DrumSlowNoiseVolume, gainLaw(v) * 0.70794578438);
+  a.set(S::HornSlowNoiseVolume, gainLaw(v) * kHornSlowLevel);
+  a.set(S::DrumSlowNoiseVolume, gainLaw(v) * kDrumSlowLevel);
 }
 
 void applyFastVolume(A& a, float v) {
-  a.set(S::HornFastNoiseVolume, gainLaw(v) * 6.3095734448);
+  a.set(S::HornFastNoiseVolume, gainLaw(v) * kHornFastLevel);
   a.set(S::DrumFastNoiseVolume, gainLaw(v));
 }
 
 void applySwitchVolume(A& a, float v) {
-  a.set(S::HornSwitchNoiseVolume, gainLaw(v) * 0.99763115748);
-  a.set(S::DrumSwitchNoiseVolume, gainLaw(v) * 0.06294627058);
+  a.set(S::HornSwitchNoiseVolume, gainLaw(v) * kHornSwitchLevel);
+  a.set(S::DrumSwitchNoiseVolume, gainLaw(v) * kDrumSwitchLevel);
 }
 
 // clang-format off

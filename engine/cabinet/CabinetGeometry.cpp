@@ -10,12 +10,8 @@ namespace qlx::engine {
 
 namespace {
 
-/// Distance from a rotor's axis, metres, at which the level law begins: the nearest microphone.
-constexpr double kNearestDistance = 0.3;
-constexpr double kInverseNearestDistance = 3.3333333333333335;
-
-constexpr double kTableStep = 0.01; ///< metres an entry
-constexpr double kEntriesPerMetre = 100.0;
+constexpr double kInverseNearestDistance = 3.3333333333333335; ///< of AttenuationLaw
+constexpr double kTableStep = 0.01;                            ///< metres an entry
 
 // Mean of the sine of the mouth's angle over a turn: the arc of 2 w turns that faces the microphone
 // takes the sine's negative half period, the rest of the turn the positive one, and a half period's

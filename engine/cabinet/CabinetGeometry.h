@@ -81,7 +81,11 @@ struct Rays {
 /// beyond a distance, normalised to the direct ray's mean level.
 class AttenuationLaw {
  public:
-  static constexpr int kSize = 512; ///< one entry a centimetre, from 0.3 m - amRadius on
+  static constexpr int kSize = 512; ///< one entry a centimetre
+  static constexpr double kEntriesPerMetre = 100.0;
+  /// Where the law begins: a microphone at this distance from the axis, metres, before a source
+  /// that is nearest.
+  static constexpr double kNearestDistance = 0.3;
 
   void rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept;
 

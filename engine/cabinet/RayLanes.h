@@ -46,8 +46,9 @@ void describeRay(kernels::RayLanes<N>& lanes, std::size_t lane, const RayPath& p
   lanes.farRate[lane] = sign * std::numbers::pi / (1.0 - 2.0 * halfWidth);
   lanes.delay[lane] = (distance - path.shorter) * history.samplesPerMetre();
   lanes.delayDepth[lane] = path.cabinet.fmRadius * history.samplesPerMetre();
-  lanes.levelPosition[lane] = (distance - 0.3 + amRadius) * 100.0;
-  lanes.levelDepth[lane] = amRadius * 100.0;
+  lanes.levelPosition[lane] =
+      (distance - AttenuationLaw::kNearestDistance + amRadius) * AttenuationLaw::kEntriesPerMetre;
+  lanes.levelDepth[lane] = amRadius * AttenuationLaw::kEntriesPerMetre;
   lanes.levelScale[lane] = path.attenuation.scale();
   lanes.lowestLevel[lane] = path.lowestLevel;
   lanes.gain[lane] = path.gain;

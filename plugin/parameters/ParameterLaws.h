@@ -56,7 +56,7 @@ double leftRightDelayLaw(float v) noexcept;
 float drumSplitterLaw(float v) noexcept;
 /// Gain in front of the amplifier: -3 dB at the control's nominal position.
 double inputGainLaw(float v) noexcept;
-/// Gain from the feed's crossover into the horn.
+/// Gain from the feed's crossover into the horn: 36 dB above gainLaw.
 double hornFeedLaw(float v) noexcept;
 /// Gains from the room back to the microphones and of the motor noise into the room, both of
 /// Amount.
