@@ -22,8 +22,8 @@ constexpr int kBackground = 4000;
 constexpr float kMidiChannelStep = 1.0F / 18.0F;
 
 std::shared_ptr<gui::CTypeface> loadTypeface() {
-  const auto file = resources::editorFont();
-  return gui::CTypeface::create({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  const auto pack = resources::editorGlyphs();
+  return gui::CTypeface::create({reinterpret_cast<const std::uint8_t*>(pack.data()), pack.size()});
 }
 
 /// A rotor's phase as its marker's value.

@@ -99,9 +99,9 @@ int CTextEdit::penFor(std::size_t position) const {
   CTypeface* typeface = getFrame()->getTypeface();
   if (typeface == nullptr) return 0;
   const std::u32string& text = m_box->model.characters();
-  int pen = 0;
-  for (std::size_t i = 0; i < position; ++i) pen += typeface->glyph(text[i], getFont()).advance;
-  return pen;
+  TextPen pen(*typeface, getFont(), 0);
+  for (std::size_t i = 0; i < position; ++i) pen.set(text[i]);
+  return pen.end();
 }
 
 int CTextEdit::textLeft() const {
@@ -117,11 +117,10 @@ std::size_t CTextEdit::positionAt(CCoord x) const {
   CTypeface* typeface = getFrame()->getTypeface();
   const std::u32string& text = m_box->model.characters();
   if (typeface == nullptr) return text.size();
-  double pen = textLeft();
+  TextPen pen(*typeface, getFont(), textLeft());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const int advance = typeface->glyph(text[i], getFont()).advance;
-    if (x < pen + advance / 2.0) return i;
-    pen += advance;
+    const CTypeface::Glyph glyph = pen.set(text[i]);
+    if (x < pen.start() + glyph.advance / 2.0) return i;
   }
   return text.size();
 }

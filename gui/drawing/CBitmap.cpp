@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "gui/drawing/CBitmap.h"
 
-#include "gui/drawing/PixelMath.h"
-
-#include <png.h>
+#include "gui/drawing/PngImage.h"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 
 namespace qlx::gui {
 
@@ -20,28 +17,6 @@ constexpr std::array<std::uint8_t, 8> kPngSignature{0x89, 'P', 'N', 'G', '\r', '
 constexpr std::size_t kDibFileHeaderSize = 14;
 constexpr std::size_t kDibHeaderSize = 40;
 
-// A word 0xAARRGGBB as it lies in memory.
-constexpr png_uint_32 kWordFormat =
-    std::endian::native == std::endian::little ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
-
-CBitmapRef decodePng(Bytes bytes) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) return nullptr;
-  if (image.width > kLargestSide || image.height > kLargestSide) {
-    png_image_free(&image);
-    return nullptr;
-  }
-  image.format = kWordFormat;
-  PixelBuffer pixels(static_cast<int>(image.width), static_cast<int>(image.height));
-  if (png_image_finish_read(&image, nullptr, pixels.pixels.data(), 0, nullptr) == 0) return nullptr;
-  for (std::uint32_t& pixel : pixels.pixels) {
-    const std::uint32_t alpha = pixel >> 24;
-    if (alpha != kFull) pixel = (alpha << 24) | scaled(pixel & 0x00FFFFFFU, alpha);
-  }
-  return std::make_shared<const CBitmap>(std::move(pixels));
-}
-
 std::uint32_t littleEndian(Bytes bytes, std::size_t offset, std::size_t count) {
   std::uint32_t value = 0;
   for (std::size_t i = 0; i < count; ++i)
@@ -49,22 +24,24 @@ std::uint32_t littleEndian(Bytes bytes, std::size_t offset, std::size_t count) {
   return value;
 }
 
-CBitmapRef decodeDib(Bytes bytes) {
+std::optional<PixelBuffer> decodeDib(Bytes bytes) {
   if (bytes.size() >= kDibFileHeaderSize && bytes[0] == 'B' && bytes[1] == 'M')
     bytes = bytes.subspan(kDibFileHeaderSize);
-  if (bytes.size() < kDibHeaderSize || littleEndian(bytes, 0, 4) != kDibHeaderSize) return nullptr;
+  if (bytes.size() < kDibHeaderSize || littleEndian(bytes, 0, 4) != kDibHeaderSize)
+    return std::nullopt;
   const auto width = static_cast<std::int32_t>(littleEndian(bytes, 4, 4));
   const auto signedHeight = static_cast<std::int32_t>(littleEndian(bytes, 8, 4));
   const std::uint32_t depth = littleEndian(bytes, 14, 2);
   const bool uncompressed = littleEndian(bytes, 16, 4) == 0;
   if (!uncompressed || (depth != 24 && depth != 32) || width <= 0 || width > kLargestSide ||
       signedHeight == 0 || signedHeight < -kLargestSide || signedHeight > kLargestSide)
-    return nullptr;
+    return std::nullopt;
   const bool fromTop = signedHeight < 0;
   const int height = fromTop ? -signedHeight : signedHeight;
   const std::size_t pixelBytes = depth / 8;
   const std::size_t stride = (static_cast<std::size_t>(width) * pixelBytes + 3) / 4 * 4;
-  if (bytes.size() - kDibHeaderSize < stride * static_cast<std::size_t>(height)) return nullptr;
+  if (bytes.size() - kDibHeaderSize < stride * static_cast<std::size_t>(height))
+    return std::nullopt;
   PixelBuffer pixels(width, height);
   for (int y = 0; y < height; ++y) {
     const auto line = static_cast<std::size_t>(fromTop ? y : height - 1 - y);
@@ -74,7 +51,7 @@ CBitmapRef decodeDib(Bytes bytes) {
           littleEndian(
               bytes, kDibHeaderSize + line * stride + static_cast<std::size_t>(x) * pixelBytes, 3);
   }
-  return std::make_shared<const CBitmap>(std::move(pixels));
+  return pixels;
 }
 
 } // namespace
@@ -82,7 +59,8 @@ CBitmapRef decodeDib(Bytes bytes) {
 CBitmapRef CBitmap::decode(std::span<const std::uint8_t> bytes) {
   const bool png = bytes.size() >= kPngSignature.size() &&
                    std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin());
-  return png ? decodePng(bytes) : decodeDib(bytes);
+  auto pixels = png ? decodePng(bytes) : decodeDib(bytes);
+  return pixels ? std::make_shared<const CBitmap>(std::move(*pixels)) : nullptr;
 }
 
 } // namespace qlx::gui

@@ -2,13 +2,11 @@
 #include "gui/drawing/CDrawContext.h"
 
 #include "gui/drawing/PixelMath.h"
+#include "gui/drawing/ShapeFiller.h"
 #include "gui/drawing/Utf8.h"
-
-#include <cairo.h>
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace qlx::gui {
 
@@ -31,39 +29,7 @@ PixelRect pixelsOf(const PixelBuffer& buffer) { return {0, 0, buffer.width, buff
 
 } // namespace
 
-// A cairo drawing on the target, for smooth shapes.
-struct CDrawContext::Path {
-  cairo_surface_t* surface;
-  cairo_t* cairo;
-
-  Path(cairo_surface_t* s, cairo_t* c) : surface(s), cairo(c) {}
-  Path(const Path&) = delete;
-  Path& operator=(const Path&) = delete;
-  ~Path() {
-    cairo_destroy(cairo);
-    cairo_surface_finish(surface);
-    cairo_surface_destroy(surface);
-  }
-
-  void colour(const CColor& c) const {
-    constexpr double kScale = 1.0 / kFull;
-    cairo_set_source_rgba(cairo, c.red * kScale, c.green * kScale, c.blue * kScale,
-                          c.alpha * kScale);
-  }
-
-  void roundRect(const CRect& where, CCoord radius) const {
-    constexpr double kQuarter = std::numbers::pi / 2.0;
-    const double r = std::min({radius, where.width() / 2.0, where.height() / 2.0});
-    cairo_new_sub_path(cairo);
-    cairo_arc(cairo, where.right - r, where.top + r, r, -kQuarter, 0.0);
-    cairo_arc(cairo, where.right - r, where.bottom - r, r, 0.0, kQuarter);
-    cairo_arc(cairo, where.left + r, where.bottom - r, r, kQuarter, 2.0 * kQuarter);
-    cairo_arc(cairo, where.left + r, where.top + r, r, 2.0 * kQuarter, 3.0 * kQuarter);
-    cairo_close_path(cairo);
-  }
-};
-
-CDrawContext::CDrawContext(PixelBuffer& target, CTypeface* typeface)
+CDrawContext::CDrawContext(PixelBuffer& target, const CTypeface* typeface)
     : m_target(target), m_typeface(typeface), m_clip(pixelsOf(target)) {}
 
 void CDrawContext::setClip(const PixelRect& clip) {
@@ -112,56 +78,40 @@ void CDrawContext::frameRect(const CRect& where, const CColor& colour) {
   fillRect({r.right - 1, r.top + 1, r.right, r.bottom - 1}, colour);
 }
 
-CDrawContext::Path CDrawContext::beginPath() {
-  auto* data = reinterpret_cast<unsigned char*>(m_target.pixels.data());
-  cairo_surface_t* surface = cairo_image_surface_create_for_data(
-      data, CAIRO_FORMAT_ARGB32, m_target.width, m_target.height,
-      m_target.width * static_cast<int>(sizeof(std::uint32_t)));
-  cairo_t* cairo = cairo_create(surface);
-  cairo_rectangle(cairo, m_clip.left, m_clip.top, std::max(0, m_clip.width()),
-                  std::max(0, m_clip.height()));
-  cairo_clip(cairo);
-  return {surface, cairo};
-}
-
 void CDrawContext::fillRoundRect(const CRect& where, CCoord radius, const CColor& colour) {
-  const Path path = beginPath();
-  path.colour(colour);
-  path.roundRect(where, radius);
-  cairo_fill(path.cairo);
+  ShapeFiller shape;
+  shape.addRoundRect(where, radius);
+  shape.fill(m_target, m_clip, premultiplied(colour));
 }
 
 void CDrawContext::frameRoundRect(const CRect& where, CCoord radius, CCoord width,
                                   const CColor& colour) {
-  const Path path = beginPath();
-  path.colour(colour);
-  path.roundRect(where.insetBy(width / 2.0, width / 2.0), radius - width / 2.0);
-  cairo_set_line_width(path.cairo, width);
-  cairo_stroke(path.cairo);
+  ShapeFiller shape;
+  shape.addRoundRect(where, radius);
+  shape.addRoundRect(where.insetBy(width, width), radius - width,
+                     ShapeFiller::Direction::Anticlockwise);
+  shape.fill(m_target, m_clip, premultiplied(colour));
 }
 
 void CDrawContext::strokeLine(std::span<const CPoint> points, CCoord width, const CColor& colour) {
-  const Path path = beginPath();
-  path.colour(colour);
-  for (const CPoint& p : points) cairo_line_to(path.cairo, p.x, p.y);
-  cairo_set_line_width(path.cairo, width);
-  cairo_stroke(path.cairo);
+  ShapeFiller shape;
+  shape.addLine(points, width);
+  shape.fill(m_target, m_clip, premultiplied(colour));
 }
 
 int CDrawContext::getStringWidth(std::string_view text) const {
   return m_typeface == nullptr ? 0 : m_typeface->width(text, m_font);
 }
 
-void CDrawContext::drawString(std::string_view text, const CRect& where, CHoriTxtAlign align,
-                              bool antialias) {
+void CDrawContext::drawString(std::string_view text, const CRect& where, CHoriTxtAlign align) {
   CCoord x = where.left;
   const CCoord room = where.width() - getStringWidth(text);
   if (align == CHoriTxtAlign::kCenterText) x += std::floor(room / 2.0);
   if (align == CHoriTxtAlign::kRightText) x += room;
-  drawStringAt(text, CRect::nearest(x), where, antialias);
+  drawStringAt(text, CRect::nearest(x), where);
 }
 
-void CDrawContext::drawStringAt(std::string_view text, int x, const CRect& where, bool antialias) {
+void CDrawContext::drawStringAt(std::string_view text, int x, const CRect& where) {
   if (m_typeface == nullptr) return;
   const CTypeface::Metrics metrics = m_typeface->metrics(m_font);
   const int baseline =
@@ -169,9 +119,10 @@ void CDrawContext::drawStringAt(std::string_view text, int x, const CRect& where
   const PixelRect area = platform::intersection(where.nearestPixels(), m_clip);
   const std::uint32_t colour = premultiplied(m_fontColour);
   const bool light = m_fontColour.isLight();
+  TextPen pen(*m_typeface, m_font, x);
   while (!text.empty()) {
-    const CTypeface::Glyph& glyph = m_typeface->glyph(takeUtf8(text), m_font, antialias);
-    const int left = x + glyph.left;
+    const CTypeface::Glyph glyph = pen.set(takeUtf8(text));
+    const int left = pen.start() + glyph.left;
     const int top = baseline - glyph.top;
     const PixelRect box =
         platform::intersection({left, top, left + glyph.width, top + glyph.height}, area);
@@ -183,7 +134,6 @@ void CDrawContext::drawStringAt(std::string_view text, int x, const CRect& where
       for (int px = box.left; px < box.right; ++px)
         row[px] = over(scaled(colour, evenedCoverage(coverage[px - left], light)), row[px]);
     }
-    x += glyph.advance;
   }
 }
 

@@ -21,7 +21,7 @@ enum class CHoriTxtAlign : std::uint8_t { kLeftText, kCenterText, kRightText };
 class CDrawContext {
  public:
   /// `typeface` may be null: texts are then left out. Both outlive the context.
-  CDrawContext(PixelBuffer& target, CTypeface* typeface);
+  CDrawContext(PixelBuffer& target, const CTypeface* typeface);
   CDrawContext(const CDrawContext&) = delete;
   CDrawContext& operator=(const CDrawContext&) = delete;
 
@@ -40,7 +40,7 @@ class CDrawContext {
   void fillRect(const CRect& where, const CColor& colour);
   /// One pixel wide, just inside the rectangle.
   void frameRect(const CRect& where, const CColor& colour);
-  /// Smooth shapes. Radius and width in pixels.
+  /// Smooth shapes (ShapeFiller). Radius and width in pixels.
   void fillRoundRect(const CRect& where, CCoord radius, const CColor& colour);
   void frameRoundRect(const CRect& where, CCoord radius, CCoord width, const CColor& colour);
   void strokeLine(std::span<const CPoint> points, CCoord width, const CColor& colour);
@@ -51,19 +51,15 @@ class CDrawContext {
 
   /// One line of text (UTF-8), vertically in the middle of the rectangle and clipped by it.
   void drawString(std::string_view text, const CRect& where,
-                  CHoriTxtAlign align = CHoriTxtAlign::kCenterText, bool antialias = true);
+                  CHoriTxtAlign align = CHoriTxtAlign::kCenterText);
   /// The same with the pen at `x` (which may lie outside the rectangle).
-  void drawStringAt(std::string_view text, int x, const CRect& where, bool antialias = true);
+  void drawStringAt(std::string_view text, int x, const CRect& where);
 
   int getStringWidth(std::string_view text) const;
 
  private:
-  struct Path;
-
-  Path beginPath();
-
   PixelBuffer& m_target;
-  CTypeface* m_typeface;
+  const CTypeface* m_typeface;
   PixelRect m_clip;
   CFontDesc m_font = kNormalFontSmall;
   CColor m_fontColour = kWhiteCColor;

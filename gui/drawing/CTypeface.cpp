@@ -3,117 +3,100 @@
 
 #include "gui/drawing/Utf8.h"
 
-#include <ft2build.h>
-// FreeType's headers come through macros of its own.
-#include FT_FREETYPE_H
-#include FT_MODULE_H
-
-#include <algorithm>
-#include <cmath>
+#include <cstring>
+#include <optional>
 
 namespace qlx::gui {
 
-// A FreeType library of our own: nothing is shared with the host or with another instance.
-struct CTypeface::Faces {
-  FT_Library library = nullptr;
-  FT_Face face = nullptr;
-
-  ~Faces() {
-    if (face != nullptr) FT_Done_Face(face);
-    if (library != nullptr) FT_Done_FreeType(library);
-  }
-};
-
-struct CTypeface::SizedGlyphs {
-  CFontDesc font;
-  bool antialias;
-  std::vector<Glyph> glyphs; // sorted by character
-};
-
 namespace {
 
-// FreeType counts in 64ths of a pixel.
-constexpr double kUnitsPerPixel = 64.0;
+using Bytes = std::span<const std::uint8_t>;
 
-int wholePixels(FT_Pos units) {
-  return static_cast<int>(std::floor(static_cast<double>(units) / kUnitsPerPixel + 0.5));
+constexpr std::size_t kCharacterBytes = sizeof(std::uint32_t);
+
+// Half a pixel in 64ths.
+constexpr int kHalf = 32;
+
+/// The caller has checked that it lies within the pack.
+template <typename Value>
+Value readAt(Bytes pack, std::size_t place) {
+  Value value;
+  std::memcpy(&value, pack.data() + place, sizeof value);
+  return value;
 }
 
-void copyCoverage(const FT_Bitmap& bitmap, CTypeface::Glyph& glyph) {
-  glyph.width = static_cast<int>(bitmap.width);
-  glyph.height = static_cast<int>(bitmap.rows);
-  glyph.coverage.resize(static_cast<std::size_t>(bitmap.width) * bitmap.rows);
-  for (unsigned y = 0; y < bitmap.rows; ++y) {
-    const unsigned char* row =
-        bitmap.buffer + static_cast<std::ptrdiff_t>(y) * static_cast<std::ptrdiff_t>(bitmap.pitch);
-    std::uint8_t* out = glyph.coverage.data() + static_cast<std::size_t>(y) * bitmap.width;
-    for (unsigned x = 0; x < bitmap.width; ++x) {
-      if (bitmap.pixel_mode == FT_PIXEL_MODE_MONO)
-        out[x] = (row[x / 8] & (0x80U >> (x % 8))) != 0 ? 255 : 0;
-      else
-        out[x] = row[x];
-    }
-  }
+std::size_t sizeIndex(const CFontDesc& font) {
+  const auto found = std::ranges::find(kGlyphSizes, font.size);
+  return static_cast<std::size_t>(found - kGlyphSizes.begin());
+}
+
+bool isOfThisForm(const PackHead& head, std::size_t bytesBehind) {
+  constexpr std::size_t kBytesOfOne = kCharacterBytes + kGlyphSizes.size() * sizeof(PackedGlyph);
+  return head.tag == kPackTag && head.glyphs > 0 && head.glyphs <= bytesBehind / kBytesOfOne &&
+         std::ranges::equal(head.sizes, kGlyphSizes, {}, &PackedSize::pixels);
 }
 
 } // namespace
 
-CTypeface::CTypeface(std::unique_ptr<Faces> faces) : m_faces(std::move(faces)) {}
-CTypeface::~CTypeface() = default;
+CTypeface::CTypeface(Bytes pack, const PackHead& head) : m_pack(pack), m_head(head) {}
 
-std::shared_ptr<CTypeface> CTypeface::create(std::span<const std::uint8_t> font) {
-  auto faces = std::make_unique<Faces>();
-  if (FT_Init_FreeType(&faces->library) != 0) return nullptr;
-  // The environment can choose another hinting engine; texts are to look alike everywhere.
-  FT_UInt interpreter = 40;
-  FT_Property_Set(faces->library, "truetype", "interpreter-version", &interpreter);
-  if (FT_New_Memory_Face(faces->library, font.data(), static_cast<FT_Long>(font.size()), 0,
-                         &faces->face) != 0)
-    return nullptr;
-  return std::shared_ptr<CTypeface>(new CTypeface(std::move(faces)));
+std::shared_ptr<CTypeface> CTypeface::create(Bytes pack) {
+  if (pack.size() < sizeof(PackHead)) return nullptr;
+  const auto head = readAt<PackHead>(pack, 0);
+  if (!isOfThisForm(head, pack.size() - sizeof head)) return nullptr;
+  return std::shared_ptr<CTypeface>(new CTypeface(pack, head));
 }
 
-void CTypeface::select(const CFontDesc& font) {
-  const auto size = static_cast<FT_F26Dot6>(std::lround(font.size * kUnitsPerPixel));
-  FT_Set_Char_Size(m_faces->face, 0, size, 72, 72);
-}
-
-const CTypeface::Glyph& CTypeface::glyph(char32_t character, const CFontDesc& font,
-                                         bool antialias) {
-  auto sized = std::find_if(m_sizes.begin(), m_sizes.end(), [&](const SizedGlyphs& s) {
-    return s.font == font && s.antialias == antialias;
-  });
-  if (sized == m_sizes.end())
-    sized = m_sizes.insert(m_sizes.end(), SizedGlyphs{font, antialias, {}});
-  std::vector<Glyph>& glyphs = sized->glyphs;
-  const auto place = std::lower_bound(glyphs.begin(), glyphs.end(), character,
-                                      [](const Glyph& g, char32_t c) { return g.character < c; });
-  if (place != glyphs.end() && place->character == character) return *place;
-
-  Glyph glyph;
-  glyph.character = character;
-  select(font);
-  const FT_Int32 target = antialias ? FT_LOAD_TARGET_NORMAL : FT_LOAD_TARGET_MONO;
-  if (FT_Load_Char(m_faces->face, character, FT_LOAD_RENDER | target) == 0) {
-    const FT_GlyphSlot slot = m_faces->face->glyph;
-    glyph.left = slot->bitmap_left;
-    glyph.top = slot->bitmap_top;
-    glyph.advance = wholePixels(slot->advance.x);
-    copyCoverage(slot->bitmap, glyph);
+CTypeface::Glyph CTypeface::glyph(char32_t character, const CFontDesc& font) const {
+  const auto characterAt = [&](std::size_t index) {
+    return readAt<std::uint32_t>(m_pack, sizeof(PackHead) + index * kCharacterBytes);
+  };
+  std::size_t low = 0;
+  std::size_t high = m_head.glyphs;
+  while (low < high) {
+    const std::size_t middle = (low + high) / 2;
+    if (characterAt(middle) < character)
+      low = middle + 1;
+    else
+      high = middle;
   }
-  return *glyphs.insert(place, std::move(glyph));
+  const std::size_t index = low < m_head.glyphs && characterAt(low) == character ? low : 0;
+  const std::size_t row = sizeIndex(font) * m_head.glyphs + index;
+  const auto packed = readAt<PackedGlyph>(
+      m_pack, sizeof(PackHead) + m_head.glyphs * kCharacterBytes + row * sizeof(PackedGlyph));
+  Glyph glyph{packed.left,      packed.top,        0, 0, packed.advance,
+              packed.leftShift, packed.rightShift, {}};
+  const std::size_t length = std::size_t{packed.width} * packed.height;
+  if (packed.coverage <= m_pack.size() && length <= m_pack.size() - packed.coverage) {
+    glyph.width = packed.width;
+    glyph.height = packed.height;
+    glyph.coverage = m_pack.subspan(packed.coverage, length);
+  }
+  return glyph;
 }
 
-CTypeface::Metrics CTypeface::metrics(const CFontDesc& font) {
-  select(font);
-  const FT_Size_Metrics& sizes = m_faces->face->size->metrics;
-  return {wholePixels(sizes.ascender), wholePixels(-sizes.descender)};
+CTypeface::Metrics CTypeface::metrics(const CFontDesc& font) const {
+  const PackedSize& size = m_head.sizes[sizeIndex(font)];
+  return {size.ascent, size.descent};
 }
 
-int CTypeface::width(std::string_view text, const CFontDesc& font) {
-  int width = 0;
-  while (!text.empty()) width += glyph(takeUtf8(text), font).advance;
-  return width;
+int CTypeface::width(std::string_view text, const CFontDesc& font) const {
+  TextPen pen(*this, font, 0);
+  while (!text.empty()) pen.set(takeUtf8(text));
+  return pen.end();
+}
+
+CTypeface::Glyph TextPen::set(char32_t character) {
+  const CTypeface::Glyph glyph = m_typeface.glyph(character, m_font);
+  const int widened = m_rightShift - glyph.leftShift;
+  m_start = m_end;
+  const bool touching = m_end - 1 + glyph.left <= m_inkEnd;
+  if (widened > kHalf && !touching) --m_start;
+  if (widened < -kHalf) ++m_start;
+  m_end = m_start + glyph.advance;
+  m_inkEnd = m_start + glyph.left + glyph.width;
+  m_rightShift = glyph.rightShift;
+  return glyph;
 }
 
 } // namespace qlx::gui

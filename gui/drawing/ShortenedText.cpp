@@ -9,22 +9,24 @@ namespace {
 
 constexpr char32_t kEllipsis = U'\u2026';
 
-/// How many characters, taken from one end, fit beside an ellipsis.
-template <typename Characters>
-std::size_t countThatFits(CTypeface& typeface, const Characters& characters, const CFontDesc& font,
-                          int room) {
-  int width = typeface.glyph(kEllipsis, font).advance;
-  std::size_t count = 0;
-  for (const char32_t c : characters) {
-    width += typeface.glyph(c, font).advance;
-    if (width > room) break;
-    ++count;
-  }
-  return count;
-}
-
 bool fits(CTypeface* typeface, std::string_view text, const CFontDesc& font, int room) {
   return typeface == nullptr || typeface->width(text, font) <= room;
+}
+
+/// The longest of the shortened texts of 0 to `longest` characters that fits; the shortest one
+/// where none does. `shortened` makes the text of a number of characters.
+template <typename Shortened>
+std::string longestThatFits(CTypeface* typeface, const CFontDesc& font, int room,
+                            std::size_t longest, const Shortened& shortened) {
+  std::size_t shown = 0;
+  while (shown < longest) {
+    const std::size_t tried = (shown + longest + 1) / 2;
+    if (fits(typeface, shortened(tried), font, room))
+      shown = tried;
+    else
+      longest = tried - 1;
+  }
+  return shortened(shown);
 }
 
 } // namespace
@@ -32,18 +34,19 @@ bool fits(CTypeface* typeface, std::string_view text, const CFontDesc& font, int
 std::string shortenedAtEnd(CTypeface* typeface, std::string_view text, const CFontDesc& font,
                            int room) {
   if (fits(typeface, text, font, room)) return std::string(text);
-  std::u32string characters = fromUtf8(text);
-  characters.resize(countThatFits(*typeface, characters, font, room));
-  return toUtf8(characters + kEllipsis);
+  const std::u32string characters = fromUtf8(text);
+  return longestThatFits(typeface, font, room, characters.size(), [&](std::size_t count) {
+    return toUtf8(characters.substr(0, count) + kEllipsis);
+  });
 }
 
 std::string shortenedAtStart(CTypeface* typeface, std::string_view text, const CFontDesc& font,
                              int room) {
   if (fits(typeface, text, font, room)) return std::string(text);
   const std::u32string characters = fromUtf8(text);
-  const std::u32string backwards(characters.rbegin(), characters.rend());
-  const std::size_t kept = countThatFits(*typeface, backwards, font, room);
-  return toUtf8(kEllipsis + characters.substr(characters.size() - kept));
+  return longestThatFits(typeface, font, room, characters.size(), [&](std::size_t count) {
+    return toUtf8(kEllipsis + characters.substr(characters.size() - count));
+  });
 }
 
 } // namespace qlx::gui

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: ISC
-/* The editor's images and font as read-only data: a directory of (number, distance of the file from the
+/* The editor's images and glyphs as read-only data: a directory of (number, distance of the file from the
    directory, length), then the files: two device-independent bitmaps, PNG all others. The assembler finds them in the include path. */
 
 #ifdef _WIN32
         .section .rdata, "dr"
 #else
         .section .rodata, "a", @progbits
-        .hidden qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorFont, qlxEditorFontEnd
+        .hidden qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorGlyphs, qlxEditorGlyphsEnd
 #endif
-        .globl  qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorFont, qlxEditorFontEnd
+        .globl  qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorGlyphs, qlxEditorGlyphsEnd
 
         .macro  forEachImage do
         .irp    number, 989, 2002, 2003, 2004, 2005, 2008, 2009, 2010, 2013, 3999, 4000, 4001, 4002
@@ -44,9 +44,9 @@ qlxImageDirectory:
 qlxImageDirectoryEnd:
         forEachImage file
         .balign 16
-qlxEditorFont:
-        .incbin "resources/fonts/LiberationSans-Regular.ttf"
-qlxEditorFontEnd:
+qlxEditorGlyphs:
+        .incbin "editor_glyphs.bin"
+qlxEditorGlyphsEnd:
 
 #ifndef _WIN32
         .section .note.GNU-stack, "", @progbits

@@ -20,8 +20,8 @@ extern "C" {
 // Defined in Images.S.
 extern const DirectoryEntry qlxImageDirectory[];
 extern const DirectoryEntry qlxImageDirectoryEnd[];
-extern const std::byte qlxEditorFont[];
-extern const std::byte qlxEditorFontEnd[];
+extern const std::byte qlxEditorGlyphs[];
+extern const std::byte qlxEditorGlyphsEnd[];
 }
 
 std::span<const std::byte> findImage(int number) {
@@ -34,6 +34,6 @@ std::span<const std::byte> findImage(int number) {
   return {base + found->distance, found->length};
 }
 
-std::span<const std::byte> editorFont() { return {qlxEditorFont, qlxEditorFontEnd}; }
+std::span<const std::byte> editorGlyphs() { return {qlxEditorGlyphs, qlxEditorGlyphsEnd}; }
 
 } // namespace qlx::resources

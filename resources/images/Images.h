@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-/// The editor's images and its font, inside this library: read-only, valid as long as the library
+/// The editor's images and its glyphs, inside this library: read-only, valid as long as the library
 /// is loaded, any thread.
 namespace qlx::resources {
 
@@ -12,7 +12,8 @@ namespace qlx::resources {
 /// image. 19899 and 19990 are device-independent bitmaps with their file header, all others PNG.
 std::span<const std::byte> findImage(int number);
 
-/// The TrueType file of the editor's text: a sans serif with the metrics of Arial.
-std::span<const std::byte> editorFont();
+/// The glyphs of the editor's text, a sans serif with the metrics of Arial, in the form that
+/// gui/drawing/GlyphPack.h describes.
+std::span<const std::byte> editorGlyphs();
 
 } // namespace qlx::resources

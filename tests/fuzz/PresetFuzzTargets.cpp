@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "tests/fuzz/PresetFuzzTargets.h"
-
-#include <cstdlib>
+#include "tests/fuzz/FuzzTargets.h"
 
 #include "tests/presets/PresetRig.h"
 
@@ -18,10 +16,6 @@ using Input = std::span<const std::uint8_t>;
 PresetRig& rig() {
   static PresetRig instance;
   return instance;
-}
-
-void require(bool condition) {
-  if (!condition) std::abort();
 }
 
 void checkSlot(const presets::PresetSlot& slot) {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/fuzz/PresetFuzzTargets.h"
+#include "tests/fuzz/FuzzTargets.h"
 
 namespace qlx::test {
 namespace {
@@ -11,12 +11,12 @@ namespace {
 /// Every seed as it is, cut at many places and with single bytes turned, in blocks of exactly the
 /// input's size so that a sanitizer sees the first byte too far. The targets abort when something
 /// is wrong.
-TEST(PresetFuzz, SeedsCutAndTurnedDoNoHarm) {
+TEST(Fuzz, SeedsCutAndTurnedDoNoHarm) {
   constexpr int kCuts = 60;
   constexpr int kTurns = 60;
   std::mt19937 random(4);
   testing::internal::CaptureStderr(); // repaired values are reported line by line
-  for (const FuzzTarget& target : presetFuzzTargets()) {
+  for (const FuzzTarget& target : allFuzzTargets()) {
     for (const auto& seed : target.seeds()) {
       target.run(seed);
       std::uniform_int_distribution<std::size_t> place(0, seed.size() - 1);

@@ -2,7 +2,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "tests/fuzz/PresetFuzzTargets.h"
+#include "tests/fuzz/FuzzTargets.h"
 #include "tests/support/TemporaryFolder.h"
 
 /// Writes the seeds of every fuzz target into FOLDER/<target>/.
@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
     std::fputs("usage: write_seed_corpus FOLDER\n", stderr);
     return 2;
   }
-  for (const auto& target : qlx::test::presetFuzzTargets()) {
+  for (const auto& target : qlx::test::allFuzzTargets()) {
     const auto folder = std::filesystem::path(argv[1]) / target.name;
     std::filesystem::create_directories(folder);
     int number = 0;

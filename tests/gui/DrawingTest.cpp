@@ -5,10 +5,10 @@
 #include "gui/drawing/COffscreenContext.h"
 #include "gui/drawing/Utf8.h"
 #include "tests/gui/FrameFixture.h"
-
-#include <cairo.h>
+#include "tests/support/DrawingBytes.h"
 
 #include <array>
+#include <numbers>
 #include <random>
 
 namespace qlx::test {
@@ -61,35 +61,51 @@ TEST(DirtyRegion, KeepsEveryAreaWholeInsideOne) {
   }
 }
 
-std::vector<std::uint8_t> pngOf(PixelBuffer pixels) {
-  std::vector<std::uint8_t> bytes;
-  cairo_surface_t* surface = cairo_image_surface_create_for_data(
-      reinterpret_cast<unsigned char*>(pixels.pixels.data()), CAIRO_FORMAT_ARGB32, pixels.width,
-      pixels.height, pixels.width * 4);
-  cairo_surface_write_to_png_stream(
-      surface,
-      [](void* closure, const unsigned char* data, unsigned int length) {
-        auto& out = *static_cast<std::vector<std::uint8_t>*>(closure);
-        out.insert(out.end(), data, data + length);
-        return CAIRO_STATUS_SUCCESS;
-      },
-      &bytes);
-  cairo_surface_destroy(surface);
-  return bytes;
+TEST(Bitmap, DecodesPng) {
+  const CBitmapRef bitmap = CBitmap::decode(qlx::test::smallPng());
+  ASSERT_NE(bitmap, nullptr);
+  EXPECT_EQ(bitmap->width(), 2);
+  // By hand from the filters' definition, then multiplied by alpha.
+  const std::vector<std::uint32_t> expected{0xFF102030U, 0x80200000U, 0xFF010203U, 0xFF020304U,
+                                            0xFF0A0A0AU, 0x8065341BU, 0xFF0F1923U, 0xE0653E2DU,
+                                            0xFF121B24U, 0xF4683F2DU};
+  EXPECT_EQ(bitmap->pixels().pixels, expected);
 }
 
-TEST(Bitmap, DecodesPng) {
-  PixelBuffer pixels(3, 2);
-  pixels.pixels = {0xFF102030U, 0, 0x80402000U, 0xFFFFFFFFU, 0xFF000000U, 0x01010101U};
-  std::vector<std::uint8_t> bytes = pngOf(pixels);
-  const CBitmapRef bitmap = CBitmap::decode(bytes);
-  ASSERT_NE(bitmap, nullptr);
-  EXPECT_EQ(bitmap->width(), 3);
-  EXPECT_EQ(bitmap->height(), 2);
-  EXPECT_EQ(bitmap->pixels().pixels, pixels.pixels);
-  for (const std::size_t length :
-       {std::size_t{0}, std::size_t{7}, std::size_t{30}, bytes.size() - 20})
-    EXPECT_EQ(CBitmap::decode(std::span(bytes).first(length)), nullptr) << length;
+TEST(Bitmap, RefusesBrokenPng) {
+  using qlx::test::ByteVector;
+  // The image data's first byte is at 41: zlib's head, one stored block's head (5), the rows.
+  struct Case {
+    const char* what;
+    void (*harm)(ByteVector& file);
+  };
+  const Case cases[]{
+      {"nothing", [](ByteVector& f) { f.clear(); }},
+      {"signature only", [](ByteVector& f) { f.resize(8); }},
+      {"cut in the first chunk", [](ByteVector& f) { f.resize(28); }},
+      {"no image data", [](ByteVector& f) { f.resize(33); }},
+      {"cut in the image data", [](ByteVector& f) { f.resize(60); }},
+      {"no end", [](ByteVector& f) { f.resize(f.size() - 12); }},
+      {"first chunk of another name", [](ByteVector& f) { f[12] = 'J'; }},
+      {"no width", [](ByteVector& f) { f[19] = 0; }},
+      {"wider than its data", [](ByteVector& f) { f[19] = 3; }},
+      {"higher than its data", [](ByteVector& f) { f[23] = 6; }},
+      {"wider than anything its bytes can fill", [](ByteVector& f) { f[18] = 0x7F; }},
+      {"sides beyond 32767", [](ByteVector& f) { f[17] = 1; }},
+      {"16 bits", [](ByteVector& f) { f[24] = 16; }},
+      {"palette", [](ByteVector& f) { f[25] = 3; }},
+      {"interlaced", [](ByteVector& f) { f[28] = 1; }},
+      {"longer data than the file", [](ByteVector& f) { f[34] = 1; }},
+      {"no zlib head", [](ByteVector& f) { f[41] = 0; }},
+      {"block of an unknown kind", [](ByteVector& f) { f[43] = 7; }},
+      {"block length and its complement", [](ByteVector& f) { f[46] = 0; }},
+      {"filter 5", [](ByteVector& f) { f[48] = 5; }},
+  };
+  for (const Case& c : cases) {
+    ByteVector file = qlx::test::smallPng();
+    c.harm(file);
+    EXPECT_EQ(CBitmap::decode(file), nullptr) << c.what;
+  }
 }
 
 TEST(Bitmap, DecodesDeviceIndependentBitmaps) {
@@ -139,6 +155,83 @@ TEST(DrawContext, ComposesOffScreen) {
   EXPECT_EQ(target.row(3)[2], 0U);
 }
 
+double coveredArea(const PixelBuffer& pixels) {
+  double sum = 0.0;
+  for (const std::uint32_t pixel : pixels.pixels) sum += (pixel >> 24) / 255.0;
+  return sum;
+}
+
+TEST(Shapes, CoverTheirArea) {
+  struct Case {
+    const char* what;
+    void (*draw)(CDrawContext& context);
+    double area;
+  };
+  const double corners = 4.0 - std::numbers::pi; // what four corners of radius 1 lack
+  const Case cases[]{
+      {"whole pixels",
+       [](CDrawContext& c) {
+         c.fillRoundRect({3, 4, 20, 30}, 0, kWhiteCColor);
+       },
+       17 * 26},
+      {"parts of pixels",
+       [](CDrawContext& c) {
+         c.fillRoundRect({3.25, 4.5, 20.75, 30.125}, 0, kWhiteCColor);
+       },
+       17.5 * 25.625},
+      {"round",
+       [](CDrawContext& c) {
+         c.fillRoundRect({3, 4, 20, 30}, 6, kWhiteCColor);
+       },
+       17 * 26 - corners * 36},
+      {"largest radius",
+       [](CDrawContext& c) {
+         c.fillRoundRect({3, 4, 20, 30}, 99, kWhiteCColor);
+       },
+       17 * 26 - corners * 8.5 * 8.5},
+      {"frame",
+       [](CDrawContext& c) {
+         c.frameRoundRect({3, 4, 20, 30}, 6, 1, kWhiteCColor);
+       },
+       17 * 26 - corners * 36 - (15 * 24 - corners * 25)},
+      {"frame without a hole",
+       [](CDrawContext& c) {
+         c.frameRoundRect({3, 4, 5, 30}, 1, 1, kWhiteCColor);
+       },
+       2 * 26 - corners},
+      {"line",
+       [](CDrawContext& c) {
+         c.strokeLine(std::array{CPoint{5, 5}, CPoint{25, 20}}, 2, kWhiteCColor);
+       },
+       50},
+      {"corner",
+       [](CDrawContext& c) {
+         c.strokeLine(std::array{CPoint{5, 5}, CPoint{25, 5}, CPoint{25, 20}}, 2, kWhiteCColor);
+       },
+       2 * 20 + 2 * 15},
+      {"nothing",
+       [](CDrawContext& c) {
+         c.fillRoundRect({9, 9, 9, 20}, 3, kWhiteCColor);
+       },
+       0},
+  };
+  for (const Case& c : cases) {
+    PixelBuffer target(40, 40);
+    CDrawContext context(target, nullptr);
+    c.draw(context);
+    EXPECT_NEAR(coveredArea(target), c.area, 0.005 * c.area) << c.what;
+    // A pixel does not depend on the clip.
+    PixelBuffer parts(40, 40);
+    CDrawContext pieces(parts, nullptr);
+    for (const PixelRect& clip :
+         {PixelRect{0, 0, 7, 40}, PixelRect{7, 0, 40, 13}, PixelRect{7, 13, 40, 40}}) {
+      pieces.setClip(clip);
+      c.draw(pieces);
+    }
+    EXPECT_EQ(parts.pixels, target.pixels) << c.what;
+  }
+}
+
 TEST(Text, StandsInTheMiddleAndInsideItsPlace) {
   const auto typeface = testTypeface();
   ASSERT_NE(typeface, nullptr);
@@ -168,22 +261,85 @@ TEST(Text, StandsInTheMiddleAndInsideItsPlace) {
     for (int x = 0; x < 80; ++x) ASSERT_TRUE((x >= 30 && x < 40) || narrow.row(y)[x] == 0U);
 }
 
-TEST(Text, WithoutSmoothingIsBlackAndWhite) {
+constexpr CFontDesc kEveryFont[]{CFontDesc{9.0}, CFontDesc{10.0}, CFontDesc{11.0}, CFontDesc{12.0},
+                                 CFontDesc{13.0}};
+
+TEST(Text, StemsStandOnWholePixels) {
   const auto typeface = testTypeface();
-  PixelBuffer target(80, 30);
-  CDrawContext context(target, typeface.get());
-  context.drawString("Sogg", {0, 0, 80, 30}, CHoriTxtAlign::kLeftText, false);
-  std::size_t white = 0;
-  for (const std::uint32_t pixel : target.pixels) {
-    EXPECT_TRUE(pixel == 0 || pixel == 0xFFFFFFFFU);
-    white += pixel != 0 ? 1U : 0U;
+  for (const CFontDesc& font : kEveryFont) {
+    for (const char32_t letter : U"Hilmn") {
+      if (letter == 0) continue;
+      // The lowest row meets stems only.
+      const CTypeface::Glyph glyph = typeface->glyph(letter, font);
+      ASSERT_GT(glyph.height, 0);
+      const auto row = glyph.coverage.last(static_cast<std::size_t>(glyph.width));
+      for (const int coverage : row)
+        EXPECT_TRUE(coverage < 64 || coverage > 191) << coverage << " at " << font.size;
+    }
   }
-  EXPECT_GT(white, 20U);
 }
 
-TEST(Text, RefusesWhatIsNoFont) {
-  const std::array<std::uint8_t, 4> junk{1, 2, 3, 4};
-  EXPECT_EQ(CTypeface::create(junk), nullptr);
+TEST(Text, ClosesGapsThatHintingWidened) {
+  const auto pack = qlx::test::smallGlyphPack();
+  const auto typeface = CTypeface::create(pack);
+  ASSERT_NE(typeface, nullptr);
+  struct Case {
+    const char* text;
+    int width;
+  };
+  // Between two letters hinting added 40/64 of a pixel, between a letter and the box 20/64. A 'b'
+  // drawn nearer would touch the 'a' before it.
+  for (const Case& c :
+       {Case{"", 0}, Case{"a", 3}, Case{"aa", 5}, Case{"ab", 9}, Case{"ba", 8}, Case{"a?a", 15}})
+    EXPECT_EQ(typeface->width(c.text, kNormalFontSmall), c.width) << c.text;
+  PixelBuffer target(12, 20);
+  CDrawContext context(target, typeface.get());
+  context.drawStringAt("aaa", 0, {0, 0, 12, 20});
+  // Just above the baseline; each reaches one pixel to the right of its place.
+  for (int x = 0; x < 12; ++x) EXPECT_EQ(target.row(13)[x] != 0U, x % 2 == 1 && x < 6) << x;
+}
+
+TEST(GlyphPack, RefusesOtherForms) {
+  using qlx::test::ByteVector;
+  struct Case {
+    const char* what;
+    void (*harm)(ByteVector& pack);
+  };
+  const Case cases[]{
+      {"nothing", [](ByteVector& p) { p.clear(); }},
+      {"cut in the head", [](ByteVector& p) { p.resize(sizeof(PackHead) - 1); }},
+      {"head only", [](ByteVector& p) { p.resize(sizeof(PackHead)); }},
+      {"cut in the glyphs", [](ByteVector& p) { p.resize(p.size() - 4); }},
+      {"a font file", [](ByteVector& p) { p[3] = 0; }},
+      {"no glyphs", [](ByteVector& p) { p[4] = 0; }},
+      {"one glyph too many", [](ByteVector& p) { p[4] = 4; }},
+      {"more than fit into memory", [](ByteVector& p) { p[7] = 0xFF; }},
+      {"another size", [](ByteVector& p) { p[8] = 8; }},
+  };
+  for (const Case& c : cases) {
+    ByteVector pack = qlx::test::smallGlyphPack();
+    c.harm(pack);
+    EXPECT_EQ(CTypeface::create(pack), nullptr) << c.what;
+  }
+}
+
+TEST(GlyphPack, LeavesOutPicturesThatDoNotLieInside) {
+  auto pack = qlx::test::smallGlyphPack();
+  const auto expectPictures = [&](int a, int b, const char* what) {
+    const auto typeface = CTypeface::create(pack);
+    ASSERT_NE(typeface, nullptr) << what;
+    EXPECT_EQ(typeface->glyph(U'a', kNormalFontSmall).height, a) << what;
+    const CTypeface::Glyph glyph = typeface->glyph(U'b', kNormalFontSmall);
+    EXPECT_EQ(glyph.height, b) << what;
+    EXPECT_EQ(glyph.coverage.size(), static_cast<std::size_t>(b)) << what;
+    EXPECT_EQ(glyph.advance, 6) << what;
+  };
+  expectPictures(1, 2, "whole");
+  pack.pop_back();
+  expectPictures(1, 0, "cut in the last picture");
+  const std::size_t glyphs = sizeof(PackHead) + 3 * sizeof(std::uint32_t);
+  pack[glyphs + sizeof(PackedGlyph) + 11] = 0xFF;
+  expectPictures(0, 0, "far outside");
 }
 
 } // namespace

@@ -17,10 +17,10 @@
 namespace qlx::test {
 using namespace gui;
 
-/// The product's font, read once.
+/// The product's glyphs, read once.
 inline std::shared_ptr<CTypeface> testTypeface() {
   static const std::vector<std::uint8_t> bytes = [] {
-    std::ifstream file(QLX_TEST_FONT, std::ios::binary);
+    std::ifstream file(QLX_TEST_GLYPHS, std::ios::binary);
     return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(file), {});
   }();
   return CTypeface::create(bytes);

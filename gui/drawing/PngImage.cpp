@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: ISC
+#include "gui/drawing/PngImage.h"
+
+#include "gui/drawing/PixelMath.h"
+
+// The whole library is compiled here, without what it could do besides.
+#define STB_IMAGE_IMPLEMENTATION
+#define STB_IMAGE_STATIC
+#define STBI_ONLY_PNG
+#define STBI_NO_STDIO
+#define STBI_NO_LINEAR
+#define STBI_NO_HDR
+#define STBI_NO_FAILURE_STRINGS
+#define STBI_NO_THREAD_LOCALS
+#include <stb_image.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <memory>
+
+namespace qlx::gui {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::size_t kLargestSide = 32767;
+constexpr std::size_t kChannels = 4;
+
+// Signature, then the first chunk: length 13, "IHDR", width, height, and five bytes for 8 bits of
+// red, green, blue and alpha, the only compression, the only filters, no interlace.
+constexpr std::array<std::uint8_t, 16> kBeginning{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
+                                                  0,    0,   0,   13,  'I',  'H',  'D',  'R'};
+constexpr std::size_t kWidthPlace = 16;
+constexpr std::size_t kHeightPlace = 20;
+constexpr std::array<std::uint8_t, 5> kKind{8, 6, 0, 0, 0};
+constexpr std::size_t kKindPlace = 24;
+
+// Deflate makes at most 1032 bytes of one: larger sides than the file can fill are refused before
+// memory is taken for them.
+constexpr std::size_t kLargestExpansion = 1032;
+
+std::size_t bigEndian(Bytes bytes) {
+  return std::size_t{bytes[0]} << 24 | std::size_t{bytes[1]} << 16 | std::size_t{bytes[2]} << 8 |
+         bytes[3];
+}
+
+bool canBeDecoded(Bytes file) {
+  if (file.size() < kKindPlace + kKind.size() ||
+      file.size() > std::numeric_limits<int>::max() / kLargestExpansion ||
+      !std::ranges::equal(file.first(kBeginning.size()), kBeginning) ||
+      !std::ranges::equal(file.subspan(kKindPlace, kKind.size()), kKind))
+    return false;
+  const std::size_t width = bigEndian(file.subspan(kWidthPlace, 4));
+  const std::size_t height = bigEndian(file.subspan(kHeightPlace, 4));
+  return width > 0 && height > 0 && width <= kLargestSide && height <= kLargestSide &&
+         width * height * kChannels <= file.size() * kLargestExpansion;
+}
+
+} // namespace
+
+std::optional<PixelBuffer> decodePng(Bytes file) {
+  if (!canBeDecoded(file)) return std::nullopt;
+  int width = 0;
+  int height = 0;
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> decoded(
+      stbi_load_from_memory(file.data(), static_cast<int>(file.size()), &width, &height, nullptr,
+                            static_cast<int>(kChannels)),
+      &stbi_image_free);
+  if (decoded == nullptr) return std::nullopt;
+  PixelBuffer pixels(width, height);
+  const stbi_uc* from = decoded.get();
+  for (std::uint32_t& pixel : pixels.pixels) {
+    const std::uint32_t colour = static_cast<std::uint32_t>(from[0]) << 16 |
+                                 static_cast<std::uint32_t>(from[1]) << 8 | from[2];
+    const std::uint32_t alpha = from[3];
+    pixel = (alpha << 24) | (alpha == kFull ? colour : scaled(colour, alpha));
+    from += kChannels;
+  }
+  return pixels;
+}
+
+} // namespace qlx::gui
