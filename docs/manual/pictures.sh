@@ -16,5 +16,5 @@ cd "$(dirname "${BASH_SOURCE[0]}")/pictures"
 /usr/bin/python3 - "$home/menu.png" menu.png <<'P'
 import sys
 from PIL import Image
-Image.open(sys.argv[1]).crop((2 * 205, 2 * 495, 2 * 703, 2 * 645)).save(sys.argv[2])
+Image.open(sys.argv[1]).crop((2 * 203, 2 * 495, 2 * 713, 2 * 645)).save(sys.argv[2])
 P
