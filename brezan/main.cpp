@@ -89,10 +89,11 @@ int run(int argc, char** argv) {
 } // namespace
 
 void addPluginOption(CLI::App& command, std::string& plugin) {
-  command.add_option("--plugin", plugin,
-                     "Plug-in file; by default " + pluginFileName() +
-                         " beside this program, in $VST_PATH, ~/.vst, /usr/local/lib/vst, "
-                         "/usr/lib/vst");
+  command.add_option(
+      "--plugin", plugin,
+      "Plug-in file; by default " + pluginFileName() +
+          " beside this program, in ../lib/vst, $VST_PATH, ~/.vst, /usr/local/lib/vst, "
+          "/usr/lib/vst");
 }
 
 } // namespace qlx::tools

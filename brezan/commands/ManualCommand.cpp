@@ -36,7 +36,7 @@ void manual(const ManualOptions& options) {
     if (settings.manualPath() != path) return;
     store->remove(presets::PersistentSettings::kManualPath);
     expect(settings, {});
-  } else if (const std::string path = settings.manualPath(); !path.empty()) {
+  } else if (const std::string path = settings.userManual(); !path.empty()) {
     std::cout << path << '\n';
   }
 }
@@ -49,7 +49,9 @@ void addManualCommand(CLI::App& program) {
   auto options = std::make_shared<ManualOptions>();
   CLI::Option* place =
       command->add_option("--set", options->place, "From now on it opens this file");
-  command->add_option("--forget", options->gone, "It opens nothing if it has opened this file")
+  command
+      ->add_option("--forget", options->gone,
+                   "If it has opened this file, it opens the installed manual again")
       ->excludes(place);
   command->callback([options] { manual(*options); });
 }

@@ -17,7 +17,8 @@ fs::path locatePlugin(const std::string& given) {
   }
   std::vector<fs::path> folders = pluginFolders();
   if (const fs::path self = executablePath(); !self.empty())
-    folders.insert(folders.begin(), self.parent_path());
+    folders.insert(folders.begin(),
+                   {self.parent_path(), self.parent_path().parent_path() / "lib/vst"});
   std::string looked;
   for (const fs::path& folder : folders) {
     if (fs::is_regular_file(folder / pluginFileName(), error)) return folder / pluginFileName();

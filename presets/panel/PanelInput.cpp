@@ -96,7 +96,7 @@ void CPresetSystemEditor::takePreset(int index, const std::string& name) {
 }
 
 void CPresetSystemEditor::openUserManual() {
-  const std::string path = m_settings.manualPath();
+  const std::string path = m_settings.userManual();
   const std::uintptr_t owner = m_frame == nullptr ? 0 : m_frame->getWindow().handle();
   const bool asked = m_documents != nullptr && !path.empty() && m_documents->open(path, owner);
   if (!asked && !m_openingManual) reportManual(platform::DocumentOpener::Outcome::Failed);

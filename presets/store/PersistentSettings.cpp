@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "presets/store/PersistentSettings.h"
 
+#include "platform/InstalledDocument.h"
 #include "presets/format/ClippedText.h"
 
 #include <array>
@@ -61,6 +62,11 @@ void PersistentSettings::writeLocations(const FileLocations& locations) {
 
 std::string PersistentSettings::manualPath() const {
   return std::string(cutText(m_store->readText(kManualPath), kMaxManualPathBytes));
+}
+
+std::string PersistentSettings::userManual() const {
+  const std::string path = manualPath();
+  return path.empty() ? platform::findInstalledDocument("qlx-brezan/manual.pdf") : path;
 }
 
 std::shared_ptr<platform::SettingsStore> openUserSettings() {

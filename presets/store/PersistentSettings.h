@@ -40,8 +40,12 @@ class PersistentSettings {
   /// written again.
   void writeLocations(const FileLocations& locations);
 
-  /// Full path of the user manual; empty when nobody has set it. Never written here.
+  /// Full path of the user manual as set; empty when nobody has set it. Never written here.
   std::string manualPath() const;
+
+  /// The file that the manual button opens: the one set, else the installed one; empty when there
+  /// is neither.
+  std::string userManual() const;
 
  private:
   std::shared_ptr<platform::SettingsStore> m_store;

@@ -5,6 +5,7 @@
 #include "gui/dialogs/CMessageBox.h"
 #include "presets/store/PersistentSettings.h"
 #include "tests/editor/EditorRig.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -292,6 +293,9 @@ TEST_F(PanelTest, ManualIsOpenedOrItsFailureTold) {
                       {"/m/manual.pdf", Outcome::Failed, "", "Could not open user manual"},
                       {"/m/manual.pdf", Outcome::NoProgram, "Could not open manual file",
                        "Make sure Acrobat Reader is installed"}};
+  const TemporaryFolder data; // without an installed manual
+  setenv("XDG_DATA_HOME", data.path().c_str(), 1);
+  setenv("XDG_DATA_DIRS", data.path().c_str(), 1);
   for (const Row& row : rows) {
     rig.settings->writeText("ManualPath", row.path);
     rig.click(392, 561);
@@ -312,6 +316,18 @@ TEST_F(PanelTest, ManualIsOpenedOrItsFailureTold) {
     press(VirtualKey::kReturn);
     EXPECT_EQ(rig.frame().getModalView(), nullptr);
   }
+}
+
+TEST_F(PanelTest, InstalledManualIsOpenedWhereNoneIsSet) {
+  const TemporaryFolder data;
+  const auto folder = data / "doc/qlx-brezan";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "manual.pdf") << "paper";
+  setenv("XDG_DATA_HOME", "relative", 1);
+  setenv("XDG_DATA_DIRS", ("/nowhere:" + data.path().string()).c_str(), 1);
+  rig.click(392, 561);
+  EXPECT_EQ(rig.opener->path(), folder / "manual.pdf");
+  rig.opener->answer(Outcome::Opened);
 }
 
 TEST_F(PanelTest, ManualThatFailsAfterTheWindowHasGoneIsNotTold) {
