@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "resources/artwork/ArtworkSet.h"
+#include "resources/artwork/Icon.h"
 #include "resources/artwork/Preview.h"
 
 #include <cstdio>
@@ -13,6 +14,8 @@ namespace {
 constexpr const char* kUsage =
     "Draws the editor's images.\n"
     "  draw_artwork FONTS images FOLDER [SCALE]     every image under its number\n"
+    "  draw_artwork FONTS icons FOLDER              the program's icons under their sides in "
+    "pixels\n"
     "  draw_artwork FONTS preview FILE.png [KNOBS LEVER ROTORS [lit]]   the window put together\n";
 
 void drawAll(const qlx::artwork::Lettering& lettering, const std::filesystem::path& folder,
@@ -32,6 +35,13 @@ int main(int count, char** values) {
     if (command == "images") {
       const qlx::artwork::Lettering lettering(arguments[0]);
       drawAll(lettering, arguments[2], arguments.size() > 3 ? std::stoi(arguments[3]) : 1);
+      return 0;
+    }
+    if (command == "icons") {
+      const qlx::artwork::Lettering lettering(arguments[0]);
+      for (const int side : qlx::artwork::kIconSides)
+        qlx::artwork::drawnIcon(lettering, side)
+            .save(std::filesystem::path(arguments[2]) / (std::to_string(side) + ".png"));
       return 0;
     }
     if (command == "preview") {

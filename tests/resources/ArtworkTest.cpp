@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "gui/drawing/CBitmap.h"
 #include "resources/artwork/ArtworkSet.h"
+#include "resources/artwork/Icon.h"
 #include "resources/artwork/Layout.h"
 #include "resources/images/Images.h"
 
@@ -9,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <numbers>
 #include <span>
@@ -103,10 +106,7 @@ TEST_P(Images, AreReadByTheEditorAsByLibpng) {
 
 // The C library picks its sine and power functions by processor; their last bits differ, and a
 // channel that lies on a rounding limit may then fall one level aside.
-TEST_P(Images, AreWhatTheGeneratorDraws) {
-  const Lettering lettering(QLX_FONTS);
-  const Picture kept = embedded(GetParam().number);
-  const Picture fresh = drawn(artwork::artwork(GetParam().number), lettering, 1);
+void expectSame(const Picture& kept, const Picture& fresh) {
   ASSERT_EQ(kept.width(), fresh.width());
   ASSERT_EQ(kept.height(), fresh.height());
   int aside = 0;
@@ -120,6 +120,22 @@ TEST_P(Images, AreWhatTheGeneratorDraws) {
     }
   }
   EXPECT_LE(aside, kept.width() * kept.height() / 1000);
+}
+
+TEST_P(Images, AreWhatTheGeneratorDraws) {
+  const Lettering lettering(QLX_FONTS);
+  expectSame(embedded(GetParam().number), drawn(artwork::artwork(GetParam().number), lettering, 1));
+}
+
+TEST(Icons, AreWhatTheGeneratorDraws) {
+  const Lettering lettering(QLX_FONTS);
+  for (const int side : kIconSides) {
+    std::ifstream file(QLX_ICONS "/" + std::to_string(side) + ".png", std::ios::binary);
+    const std::vector<char> png(std::istreambuf_iterator<char>(file), {});
+    const Picture kept = Picture::decode(std::as_bytes(std::span(png)));
+    EXPECT_EQ(kept.width(), side);
+    expectSame(kept, drawnIcon(lettering, side));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Set, Images, testing::ValuesIn(kSizes),
