@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: ISC
-# install.sh ROOT [--prefix DIR] [--uninstall]: puts the plug-in into ~/.vst or DIR, the manual into the user's data folder
-# and the manual's place into the settings, or takes back what it put there. A list in the data folder remembers the files
-# with their sums and the folders made for them, so that nothing else is ever replaced or removed.
+# install.sh STAGED [--prefix DIR] [--uninstall]: puts what `cmake --install --prefix STAGED` has left in STAGED (lib/vst,
+# lib/lv2, bin, share) where it belongs: under DIR or, for one user, into ~/.vst, ~/.lv2, ~/.local/bin and the user's data
+# folder; or takes back what it put there. A list in the data folder remembers the files with their sums and the folders made for them, so that
+# nothing else is ever replaced or removed.
 set -euo pipefail
 
 fail() {
@@ -10,48 +11,41 @@ fail() {
   exit 1
 }
 
-root=$1
+staged=$1
 shift
-folder=
+prefix=
 uninstall=no
 while [ $# -gt 0 ]; do
   case "$1" in
     --prefix)
-      [ $# -ge 2 ] || fail "--prefix needs a folder"
-      folder=$2
+      prefix=${2:-}
+      [ -n "$prefix" ] || fail "--prefix needs a folder"
       shift ;;
-    --prefix=*) folder=${1#--prefix=} ;;
+    --prefix=?*) prefix=${1#--prefix=} ;;
     --uninstall) uninstall=yes ;;
     *) fail "unknown option '$1'; known are --prefix DIR and --uninstall" ;;
   esac
   shift
 done
-home=${HOME:-}
-[ -n "$folder" ] || folder=${home:?install: HOME is not set, name a folder with --prefix}/.vst
-folder=$(realpath -m -- "$folder")
-data=${XDG_DATA_HOME:-}
-case "$data" in /*) ;; *) data=${home:?install: HOME is not set}/.local/share ;; esac
-data=$(realpath -m -- "$data/qlx-brezan")
-config=${XDG_CONFIG_HOME:-}
-case "$config" in /*) ;; *) config=${home:?install: HOME is not set}/.config ;; esac
-case "$folder$data" in *$'\n'*) fail "a folder's name must not have a new line in it" ;; esac
-
-built=$root/build/release
-brezan=$built/brezan
-manual=$data/manual.pdf
-sources=("$built/QLXBrezan.so" "$built/manual/manual.pdf" "$built/manual/manual.html")
-targets=("$folder/QLXBrezan.so" "$manual" "$data/manual.html")
-modes=(755 644 644)
-[ -x "$brezan" ] || fail "$brezan is not built"
+if [ -n "$prefix" ]; then
+  prefix=$(realpath -m -- "$prefix")
+  plugins=${prefix%/}/lib/vst bundles=${prefix%/}/lib/lv2 programs=${prefix%/}/bin data=${prefix%/}/share
+else
+  home=${HOME:?install: HOME is not set, name a folder with --prefix}
+  data=${XDG_DATA_HOME:-}
+  case "$data" in /*) ;; *) data=$home/.local/share ;; esac
+  plugins=$(realpath -m -- "$home/.vst") bundles=$(realpath -m -- "$home/.lv2")
+  programs=$(realpath -m -- "$home/.local/bin") data=$(realpath -m -- "$data")
+fi
+case "$plugins$data" in *$'\n'*) fail "a folder's name must not have a new line in it" ;; esac
 
 # Lines of the list: "file <sha256> <path>" and "folder <path>"; a file in the middle of being replaced has two.
-list=$data/installed
+list=$data/qlx-brezan/installed
 installed() { if [ -f "$list" ]; then cat "$list"; fi; }
 sum_of() { sha256sum <"$1" | cut -d' ' -f1; }
 is_listed() { installed | grep -qxF -- "$1"; }
 is_ours() { [ -f "$1" ] && is_listed "file $(sum_of "$1") $1"; }
-# The list without the file at $1.
-without() { P=$1 awk '{ p = $0; sub(/^file [0-9a-f]+ /, "", p) } $1 != "file" || p != ENVIRON["P"]'; }
+listed_files() { installed | sed -n 's/^file [0-9a-f]* //p' | sort -u; }
 
 # Folders that making $1 would make, the outermost first.
 missing_folders() {
@@ -62,84 +56,10 @@ missing_folders() {
 
 store_list() { cat >"$list.new" && mv -f -- "$list.new" "$list"; }
 
-# Until the last step has worked everything can be undone: new files lie beside their targets, copies of old ones too.
-made=()
-placed=()
-list_changed=no
-place_set=no
-undo() {
-  local target i
-  if [ "$place_set" = yes ]; then "$brezan" manual --forget "$manual" || true; fi
-  for target in "${placed[@]}"; do
-    if [ -e "$target.old" ]; then mv -f -- "$target.old" "$target"; else rm -f -- "$target"; fi
-  done
-  if [ "$list_changed" = yes ]; then
-    if [ -e "$list.old" ]; then mv -f -- "$list.old" "$list"; else rm -f -- "$list"; fi
-  fi
-  for target in "${targets[@]}" "$list"; do rm -f -- "$target.new" "$target.old" 2>/dev/null || true; done
-  for ((i = ${#made[@]} - 1; i >= 0; --i)); do rmdir -- "${made[i]}" 2>/dev/null || true; done
-}
-
-install_files() {
-  local i target place line new
-  for i in "${!sources[@]}"; do
-    [ -f "${sources[i]}" ] || fail "${sources[i]} is not built"
-    target=${targets[i]}
-    if [ -e "$target" ] || [ -L "$target" ]; then
-      is_ours "$target" || fail "$target is there already and is not what was installed; move it away first"
-    fi
-  done
-
-  trap undo EXIT
-  trap 'exit 130' INT TERM
-  for place in "$folder" "$data"; do
-    while read -r line; do
-      mkdir -- "$line" 2>/dev/null || fail "cannot make the folder $line"
-      made+=("$line")
-    done < <(missing_folders "$place")
-    if ! [ -w "$place" ]; then fail "cannot write into $place"; fi
-  done
-  while read -r line; do made+=("$line"); done < <(missing_folders "$config/Meridane/QLXBRZ1")
-  if [ -f "$list" ]; then cp -- "$list" "$list.old"; fi
-  for i in "${!sources[@]}"; do
-    install -m "${modes[i]}" -- "${sources[i]}" "${targets[i]}.new" 2>/dev/null ||
-      fail "cannot write into $(dirname -- "${targets[i]}")"
-  done
-  new=$(
-    for i in "${!sources[@]}"; do echo "file $(sum_of "${sources[i]}") ${targets[i]}"; done
-    for line in "${made[@]}"; do echo "folder $line"; done
-  )
-  list_changed=yes
-  { installed; echo "$new"; } | store_list || fail "cannot write into $data"
-  for target in "${targets[@]}"; do
-    if [ -e "$target" ]; then cp -p -- "$target" "$target.old"; fi
-    placed+=("$target")
-    # A host that has the old file loaded keeps it: the new one takes its name only.
-    mv -f -- "$target.new" "$target"
-  done
-  place=$("$brezan" manual)
-  if [ -f "$place" ] && [ "$place" != "$manual" ]; then
-    echo "kept the manual's place in the settings: $place"
-  elif [ "$place" != "$manual" ]; then
-    place_set=yes
-    "$brezan" manual --set "$manual" || fail "nothing was installed"
-  fi
-  {
-    line=$(installed)
-    for target in "${targets[@]}"; do line=$(without "$target" <<<"$line"); done
-    printf '%s\n' "$line" "$new" | awk 'NF && !seen[$0]++'
-  } | store_list
-  trap - EXIT INT TERM
-  for target in "${targets[@]}"; do
-    rm -f -- "$target.old"
-    echo "installed $target"
-  done
-  rm -f -- "$list.old"
-  cat <<T
-Giada and ZyTrax find the plug-in when $folder is among their VST folders.
-Ardour looks into system folders only: add $folder under Preferences > Plugins > VST > search path,
-or install with --prefix into a folder that stands there.
-T
+# Removes those listed folders that are empty now, the innermost first.
+remove_folders() {
+  local place
+  sed -n 's/^folder //p' | sort -r | while read -r place; do rmdir -- "$place" 2>/dev/null || true; done
 }
 
 kept=no
@@ -155,38 +75,129 @@ remove_file() {
   fi
 }
 
-# Those listed folders in $1 that are empty now, the innermost first.
-remove_folders() {
-  local place
-  sed -n 's/^folder //p' | sort -r | while read -r place; do
-    case "$place" in "$1"*) rmdir -- "$place" 2>/dev/null || true ;; esac
+# Until the last step has worked everything can be undone: new files lie beside their targets, copies of old ones too.
+sources=()
+targets=()
+made=()
+placed=()
+list_changed=no
+undo() {
+  local target i
+  for target in "${placed[@]}"; do
+    if [ -e "$target.old" ]; then mv -f -- "$target.old" "$target"; else rm -f -- "$target"; fi
   done
+  if [ "$list_changed" = yes ]; then
+    if [ -e "$list.old" ]; then mv -f -- "$list.old" "$list"; else rm -f -- "$list"; fi
+  fi
+  for target in "${targets[@]}" "$list"; do rm -f -- "$target.new" "$target.old" 2>/dev/null || true; done
+  for ((i = ${#made[@]} - 1; i >= 0; --i)); do rmdir -- "${made[i]}" 2>/dev/null || true; done
 }
 
-# The list without folders that are gone.
-standing() {
+# Where each staged file belongs.
+find_targets() {
+  local source name
+  while IFS= read -r -d '' source; do
+    name=${source#"$staged"/}
+    case "$name" in
+      lib/vst/*) targets+=("$plugins/${name#lib/vst/}") ;;
+      lib/lv2/*) targets+=("$bundles/${name#lib/lv2/}") ;;
+      bin/*) targets+=("$programs/${name#bin/}") ;;
+      share/*) targets+=("$data/${name#share/}") ;;
+      *) fail "no place for $name" ;;
+    esac
+    sources+=("$source")
+  done < <(find "$staged" -type f -print0 | sort -z)
+  for name in lib/vst/QLXBrezan.so bin/brezan; do [ -f "$staged/$name" ] || fail "$staged/$name is not built"; done
+}
+
+make_folder() {
   local line
   while read -r line; do
-    case "$line" in "folder "*) [ -d "${line#folder }" ] || continue ;; esac
-    printf '%s\n' "$line"
+    mkdir -- "$line" 2>/dev/null || fail "cannot make the folder $line"
+    made+=("$line")
+  done < <(missing_folders "$1")
+  if ! [ -w "$1" ]; then fail "cannot write into $1"; fi
+}
+
+install_files() {
+  local i target line new current said=
+  find_targets
+  for target in "${targets[@]}"; do
+    if [ -e "$target" ] || [ -L "$target" ]; then
+      is_ours "$target" || fail "$target is there already and is not what was installed; move it away first"
+    fi
   done
+
+  trap undo EXIT
+  trap 'exit 130' INT TERM
+  for target in "${targets[@]}" "$list"; do make_folder "$(dirname -- "$target")"; done
+  rm -f -- "$list.old"
+  if [ -f "$list" ]; then cp -- "$list" "$list.old"; fi
+  for i in "${!sources[@]}"; do
+    target=${targets[i]}
+    cp -- "${sources[i]}" "$target.new" 2>/dev/null || fail "cannot write into $(dirname -- "$target")"
+    case "$target" in
+      *.so | "$programs"/*) chmod 755 -- "$target.new" ;;
+      *) chmod 644 -- "$target.new" ;;
+    esac
+    # A desktop does not always search the folder of the user's programs.
+    if [[ $target == *.desktop && $programs =~ ^[A-Za-z0-9/._+-]+$ ]]; then
+      sed -i "s|^\(Try\)\?Exec=brezan|\1Exec=$programs/brezan|" "$target.new"
+    fi
+  done
+  new=$(
+    for target in "${targets[@]}"; do echo "file $(sum_of "$target.new") $target"; done
+    for line in "${made[@]}"; do echo "folder $line"; done
+  )
+  list_changed=yes
+  { installed; echo "$new"; } | store_list || fail "cannot write into $(dirname -- "$list")"
+  for target in "${targets[@]}"; do
+    rm -f -- "$target.old"
+    if [ -e "$target" ]; then cp -p -- "$target" "$target.old"; fi
+    placed+=("$target")
+    # A host that has the old file loaded keeps it: the new one takes its name only.
+    mv -f -- "$target.new" "$target"
+  done
+  # Nothing is written to the terminal, which may be gone, before all is done.
+  trap - EXIT INT TERM
+  for target in "${targets[@]}"; do rm -f -- "$target.old"; done
+  current=$(printf '%s\n' "${targets[@]}")
+  # Files of an earlier version that this one does not have.
+  while read -r target; do
+    if grep -qxF -- "$target" <<<"$current"; then continue; fi
+    case "$target" in
+      "$plugins"/* | "$bundles"/* | "$programs"/* | "$data"/*) said+=$(remove_file "$target")$'\n' ;;
+      *) new+=$'\n'$(installed | grep -F -- " $target") ;;
+    esac
+    "$programs/brezan" manual --forget "$target" >/dev/null 2>&1 || true
+  done < <(listed_files)
+  line=$(installed | grep '^folder ' || true)
+  printf '%s\n%s\n' "$line" "$new" | awk 'NF && !seen[$0]++' | store_list
+  rm -f -- "$list.old"
+  printf 'installed %s\n' "${targets[@]}"
+  printf '%s' "$said"
+  tell_hosts
+}
+
+tell_hosts() {
+  echo
+  case "$prefix" in
+    /usr | /usr/local) ;;
+    *)
+      echo "Ardour searches system folders only for VST: add $plugins under Window > Plugin Manager > Linux VST2 Path, or to LXVST_PATH."
+      [ -z "$prefix" ] || echo "Audacity, Qtractor and MusE search it when VST_PATH names it." ;;
+  esac
+  echo "Giada and ZyTrax search the folder that is set in their settings: $plugins"
+  case ":$PATH:" in *":$programs:"*) ;; *) echo "brezan is not found by its name until PATH holds $programs." ;; esac
 }
 
 uninstall_files() {
-  local rest target
-  rest=$(installed | without "$folder/QLXBrezan.so")
-  [ "$(installed)" != "$rest" ] || fail "nothing was installed into $folder"
-  if grep -q '^file .*/QLXBrezan\.so$' <<<"$rest"; then # another one, which has the manual too
-    remove_file "$folder/QLXBrezan.so"
-    installed | remove_folders "$folder"
-    echo "$rest" | standing | store_list
-  else
-    "$brezan" manual --forget "$manual" || fail "nothing was removed"
-    for target in "${targets[@]}"; do remove_file "$target"; done
-    rest=$(installed)
-    rm -f -- "$list"
-    remove_folders / <<<"$rest"
-  fi
+  local target rest
+  rest=$(installed)
+  [ -n "$rest" ] || fail "nothing was installed into $plugins"
+  while read -r target; do remove_file "$target"; done < <(listed_files)
+  rm -f -- "$list"
+  remove_folders <<<"$rest"
   [ "$kept" = no ]
 }
 

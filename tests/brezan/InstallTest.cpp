@@ -10,20 +10,22 @@ using testing::HasSubstr;
 namespace {
 
 constexpr const char* kPlugin = "home/.vst/QLXBrezan.so";
-constexpr const char* kManual = "home/.local/share/qlx-brezan/manual.pdf";
-constexpr const char* kPages = "home/.local/share/qlx-brezan/manual.html";
+constexpr const char* kManual = "home/.local/share/doc/qlx-brezan/manual.pdf";
+constexpr const char* kMenuEntry = "home/.local/share/applications/brezan.desktop";
 
-/// A built tree and a user's home of this test's own.
+/// Staged files and a user's home of this test's own.
 class Install : public testing::Test {
  protected:
   Install() {
-    put("tree/build/release/manual/manual.html", "pages");
-    put("tree/build/release/manual/manual.pdf", "paper");
+    put("staged/share/doc/qlx-brezan/manual.pdf", "paper");
+    put("staged/lib/lv2/qlx-brezan.lv2/manifest.ttl", "lv2");
+    put("staged/share/applications/brezan.desktop", "TryExec=brezan\nExec=brezan edit\n");
     build("first build");
-    std::filesystem::create_symlink(BREZAN, m_folder / "tree/build/release/brezan");
+    std::filesystem::create_directory(m_folder / "staged/bin");
+    std::filesystem::copy_file(BREZAN, m_folder / "staged/bin/brezan");
     std::filesystem::create_directory(m_folder / "home");
   }
-  void build(const std::string& plugin) { put("tree/build/release/QLXBrezan.so", plugin); }
+  void build(const std::string& plugin) { put("staged/lib/vst/QLXBrezan.so", plugin); }
 
   void put(const std::string& name, const std::string& text) {
     std::filesystem::create_directories((m_folder / name).parent_path());
@@ -32,15 +34,15 @@ class Install : public testing::Test {
   std::string at(const std::string& name) { return contents(m_folder / name); }
 
   Finished asUser(const std::string& command) {
-    return run("unset XDG_DATA_HOME XDG_CONFIG_HOME; cd " + m_folder.path().string() +
-               "; HOME=$PWD/home " + command);
+    return run("unset XDG_DATA_HOME XDG_CONFIG_HOME; export XDG_DATA_DIRS=/nowhere; cd " +
+               m_folder.path().string() + "; HOME=$PWD/home " + command);
   }
   Finished install(const std::string& options = "") {
-    return asUser("bash " INSTALL_SCRIPT " \"$PWD/tree\" " + options);
+    return asUser("bash " INSTALL_SCRIPT " \"$PWD/staged\" " + options);
   }
   /// What the plug-in's manual button would open.
-  std::string manual() {
-    const std::string path = asUser(BREZAN " manual").output;
+  std::string manual(const std::string& brezan = BREZAN) {
+    const std::string path = asUser(brezan + " manual").output;
     return path.substr(0, path.find('\n'));
   }
 
@@ -49,7 +51,9 @@ class Install : public testing::Test {
     std::vector<std::string> entries;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder / "home"))
       entries.push_back(entry.path().string() +
-                        (entry.is_regular_file() ? ": " + contents(entry.path()) : ""));
+                        (entry.is_regular_file() ? ' ' + std::to_string(entry.file_size()) + ": " +
+                                                       contents(entry.path()).substr(0, 100)
+                                                 : ""));
     std::ranges::sort(entries);
     return entries;
   }
@@ -62,13 +66,16 @@ class Install : public testing::Test {
 TEST_F(Install, TakesBackExactlyWhatItPutThere) {
   for (const std::vector<const char*>& foreign :
        {std::vector<const char*>{},
-        {"home/.vst/Other.so", "home/.local/share/qlx-brezan/my notes", "home/.config/other"}}) {
+        {"home/.vst/Other.so", "home/.local/share/qlx-brezan/my notes", "home/.local/bin/other"}}) {
     for (const char* name : foreign) put(name, "another's");
     const auto before = home();
     ASSERT_EQ(install().status, 0);
     EXPECT_EQ(at(kPlugin), "first build");
     EXPECT_EQ(manual(), m_folder / kManual);
-    EXPECT_EQ(at(kManual) + at(kPages), "paperpages");
+    EXPECT_EQ(at(kManual), "paper");
+    EXPECT_EQ(at("home/.lv2/qlx-brezan.lv2/manifest.ttl"), "lv2");
+    const std::string program = m_folder / "home/.local/bin/brezan";
+    EXPECT_EQ(at(kMenuEntry), "TryExec=" + program + "\nExec=" + program + " edit\n");
     build("second build");
     ASSERT_EQ(install().status, 0) << "a newer build replaces an older one";
     EXPECT_EQ(at(kPlugin), "second build");
@@ -79,19 +86,42 @@ TEST_F(Install, TakesBackExactlyWhatItPutThere) {
   }
 }
 
-TEST_F(Install, PlacesShareTheManual) {
+TEST_F(Install, PrefixIsATreeOfItsOwn) {
   const auto before = home();
   const std::string other = "--prefix 'home/my plug ins/64 bit'";
   EXPECT_NE(install("--prefix home/my plug ins").status, 0) << "stray words";
   ASSERT_EQ(install(other).status, 0);
   const auto one = home();
-  EXPECT_EQ(at("home/my plug ins/64 bit/QLXBrezan.so"), "first build");
+  const std::filesystem::path tree = m_folder / "home/my plug ins/64 bit";
+  EXPECT_EQ(contents(tree / "lib/vst/QLXBrezan.so"), "first build");
+  EXPECT_EQ(manual("'" + (tree / "bin/brezan").string() + "'"),
+            tree / "share/doc/qlx-brezan/manual.pdf");
+  EXPECT_THAT(asUser("'" + (tree / "bin/brezan").string() + "' info").errors,
+              HasSubstr((tree / "lib/vst/QLXBrezan.so").string()))
+      << "the program takes the plug-in of its own tree";
+  EXPECT_EQ(manual(), "") << "another program does not know this tree";
   ASSERT_EQ(install().status, 0);
   ASSERT_EQ(install("--uninstall").status, 0);
   EXPECT_EQ(home(), one);
-  EXPECT_EQ(manual(), m_folder / kManual);
   ASSERT_EQ(install(other + " --uninstall").status, 0);
   EXPECT_EQ(home(), before);
+}
+
+TEST_F(Install, ReplacesAnEarlierVersionsFiles) {
+  // The list as an earlier version left it, with a plug-in elsewhere and a manual at another place.
+  put("home/.local/share/qlx-brezan/manual.pdf", "old");
+  put("home/elsewhere/QLXBrezan.so", "old");
+  const std::string sum = asUser("printf old | sha256sum | cut -d' ' -f1 | tr -d '\\n'").output;
+  put("home/.local/share/qlx-brezan/installed",
+      "file " + sum + " " + (m_folder / "home/elsewhere/QLXBrezan.so").string() + "\nfile " + sum +
+          " " + (m_folder / "home/.local/share/qlx-brezan/manual.pdf").string() + "\n");
+  ASSERT_EQ(asUser(BREZAN " manual --set home/.local/share/qlx-brezan/manual.pdf").status, 0);
+  ASSERT_EQ(install().status, 0);
+  EXPECT_EQ(manual(), m_folder / kManual);
+  EXPECT_FALSE(exists(m_folder / "home/.local/share/qlx-brezan/manual.pdf"));
+  EXPECT_EQ(at("home/elsewhere/QLXBrezan.so"), "old");
+  ASSERT_EQ(install("--uninstall").status, 0);
+  EXPECT_FALSE(exists(m_folder / "home/elsewhere/QLXBrezan.so"));
 }
 
 TEST_F(Install, LeavesForeignAndChangedFilesAlone) {
@@ -136,10 +166,9 @@ TEST_F(Install, LeavesNothingHalfDone) {
     const char* error;
   } cases[] = {
       {"--prefix /proc/plug-ins", "home/nothing", "cannot make the folder /proc/plug-ins"},
-      {"--prefix /proc", "home/nothing", "cannot write into /proc"},
       {"", "home/.vst", "cannot make the folder"},
       {"", "home/.local", "cannot make the folder"},
-      {"", "home/.config", "nothing was installed"},
+      {"", "home/.local/share/applications", "cannot make the folder"},
   };
   for (const auto& [options, obstacle, error] : cases) {
     put(obstacle, "");
@@ -153,7 +182,10 @@ TEST_F(Install, LeavesNothingHalfDone) {
   ASSERT_EQ(install().status, 0);
   const auto before = home();
   build("second build");
-  EXPECT_NE(install("--prefix /proc").status, 0);
+  // Some files have taken their places already when one cannot.
+  put("fake/mv", "#!/bin/sh\ncase $3 in *manual.pdf.new) exit 1 ;; esac\nexec /bin/mv \"$@\"\n");
+  permissions(m_folder / "fake/mv", std::filesystem::perms::owner_all);
+  EXPECT_NE(asUser("PATH=$PWD/fake:$PATH bash " INSTALL_SCRIPT " staged").status, 0);
   EXPECT_EQ(home(), before) << "an earlier installation";
 }
 
@@ -161,8 +193,8 @@ TEST_F(Install, SaysWhatIsWrong) {
   EXPECT_THAT(install("--prefix").errors, HasSubstr("--prefix needs a folder"));
   EXPECT_THAT(install("--everything").errors, HasSubstr("unknown option '--everything'"));
   EXPECT_THAT(asUser(BREZAN " manual --set nowhere").errors, HasSubstr("no manual"));
-  for (const char* file : {"manual/manual.pdf", "QLXBrezan.so", "brezan"}) {
-    std::filesystem::remove(m_folder / "tree/build/release" / file);
+  for (const char* file : {"bin/brezan", "lib/vst/QLXBrezan.so"}) {
+    std::filesystem::remove(m_folder / "staged" / file);
     EXPECT_THAT(install().errors, HasSubstr(std::string(file) + " is not built"));
   }
 }

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: ISC
+# package.sh ROOT BUILD: the Debian package of a finished build and, where ROOT is a checkout, the archive of its committed
+# sources, both in BUILD/package; fails on what lintian, appstreamcli and desktop-file-validate call an error.
+set -euo pipefail
+cd "$1"
+built=$2
+out=$built/package
+rm -rf "$out"
+# All times in the package are those of the release.
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l packaging/debian/changelog -S Timestamp)
+export SOURCE_DATE_EPOCH
+version=$(dpkg-parsechangelog -l packaging/debian/changelog -S Version)
+cpack --config "$built/CPackConfig.cmake" >"$built/cpack.log" || { cat "$built/cpack.log" >&2; exit 1; }
+rm -rf "$out/_CPack_Packages"
+package=$(find "$out" -name '*.deb')
+
+desktop-file-validate packaging/*.desktop
+appstreamcli validate --no-net "$built"/packaging/*.metainfo.xml
+lintian --fail-on error "$package"
+if git rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+  git archive --prefix="qlx-brezan-$version/" -o "$out/qlx-brezan-$version.tar.gz" HEAD
+else
+  echo "No checkout here: no source archive is made."
+fi
+ls -l "$out"
