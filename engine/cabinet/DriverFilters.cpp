@@ -13,7 +13,7 @@ namespace {
 constexpr double kSaturationOffset = 0.03125;
 constexpr double kDifferentiatorHz = 500.0;
 
-constexpr std::array<FilterDesign, 12> kHorn = {{
+constexpr auto kHorn = std::to_array<FilterDesign>({
     {Response::Peaking, 5500, 5, -18},
     {Response::Peaking, 4550, 5, -17},
     {Response::Peaking, 5000, 0.88, 12},
@@ -26,10 +26,13 @@ constexpr std::array<FilterDesign, 12> kHorn = {{
     {Response::Peaking, 2400, 1.3, -3},
     {Response::LowPass, 2000, 1, 0},
     {Response::HighPass, 2000, 0.7, 0},
-}};
+});
+/// The first of the horn's run in a chain without limiters, the last four in one with them.
+constexpr std::size_t kHornStraight = 8;
 constexpr std::size_t kHornSaturating = 10;
+static_assert(kHornSaturating >= kHornStraight && kHorn.size() == kHornStraight + 4);
 
-constexpr std::array<FilterDesign, 8> kReducedHorn = {{
+constexpr auto kReducedHorn = std::to_array<FilterDesign>({
     {Response::Peaking, 2940, 11, -10},
     {Response::Peaking, 3360, 10, -9},
     {Response::HighPass, 180, 0.35, 0},
@@ -38,16 +41,16 @@ constexpr std::array<FilterDesign, 8> kReducedHorn = {{
     {Response::Peaking, 3360, 10, -9, false},
     {Response::HighPass, 100, 0.35, 0, false},
     {Response::Peaking, 1150, 11, -9, false},
-}};
+});
 constexpr std::array<std::size_t, 2> kReducedSaturating = {2, 7};
 constexpr std::size_t kReducedEnabled = 4;
 
-constexpr std::array<FilterDesign, 4> kDrum = {{
+constexpr auto kDrum = std::to_array<FilterDesign>({
     {Response::LowPass, 1170, 0.93, 0},
     {Response::Peaking, 252, 0.71, 7},
     {Response::HighPass, 90, 1.0, 0},
     {Response::LowShelf, 200, 0.35, 3},
-}};
+});
 
 template <std::size_t N>
 void initChain(std::array<Biquad, N>& chain, const std::array<FilterDesign, N>& designs) {
@@ -139,7 +142,7 @@ void DriverFilters::process(const SubBlock& x, const SubBlock& hornGain, int n,
     for (Biquad& section : m_drum) section.processFixedSaturating({out.drum.data(), size});
     return;
   }
-  ChainCopy<8> straight(std::span<Biquad>(m_horn).first(8));
+  ChainCopy<kHornStraight> straight(std::span<Biquad>(m_horn).first(kHornStraight));
   m_kernels.chainSeries(seriesOf(straight.lanes()), out.horn.data(), n);
   ChainCopy<4> horn(std::span<Biquad>(m_horn).last(4)), reducedHorn(reduced);
   ChainCopy<4> drum(m_drum, &Biquad::fixedMemory);

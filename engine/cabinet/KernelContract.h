@@ -39,9 +39,11 @@ consteval bool allDiffer(const std::array<FilterDesign, N>& designs) {
         return false;
   return true;
 }
-static_assert(kHornBody.size() <= kernels::kBodySections && allDiffer(kHornBody));
-static_assert(kReducedHornBody.size() <= kernels::kReducedBodySections &&
-              allDiffer(kReducedHornBody));
+static_assert(kHornBody.size() <= kernels::kBodySections, "raise kBodySections by four");
+static_assert(kReducedHornBody.size() <= kernels::kReducedBodySections);
+static_assert(allDiffer(kHornBody) && allDiffer(kReducedHornBody));
+static_assert(kernels::kBodySections % 4 == 0, "eight lanes at a time, two a section");
+static_assert(kernels::kReducedBodySections % 4 == 0);
 
 // Ranges of the kernels' approximations against the tables that feed them.
 consteval double lowest(const auto& table) { return *std::min_element(table.begin(), table.end()); }

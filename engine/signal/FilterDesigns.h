@@ -15,7 +15,7 @@ struct FilterDesign {
 };
 
 /// Resonances and dips of the wooden cabinet and the horn's throat, all peaking.
-inline constexpr std::array<FilterDesign, 28> kHornBody = {{
+inline constexpr auto kHornBody = std::to_array<FilterDesign>({
     {Response::Peaking, 6690, 1.3, -5}, {Response::Peaking, 1150, 12, -7},
     {Response::Peaking, 775, 20, -11},  {Response::Peaking, 5950, 30, -25},
     {Response::Peaking, 3540, 40, -15}, {Response::Peaking, 390, 40, -15},
@@ -30,14 +30,14 @@ inline constexpr std::array<FilterDesign, 28> kHornBody = {{
     {Response::Peaking, 1030, 8, -6},   {Response::Peaking, 2670, 5, 7},
     {Response::Peaking, 3150, 30, -14}, {Response::Peaking, 2580, 40, -17},
     {Response::Peaking, 5140, 10, -12}, {Response::Peaking, 2330, 30, -10},
-}};
+});
 
-inline constexpr std::array<FilterDesign, 5> kReducedHornBody = {{
+inline constexpr auto kReducedHornBody = std::to_array<FilterDesign>({
     {Response::Peaking, 780, 5, -12},
     {Response::Peaking, 384, 10, -12},
     {Response::Peaking, 3860, 10, -12},
     {Response::Peaking, 4500, 10, -20},
     {Response::Peaking, 5770, 5, -15},
-}};
+});
 
 } // namespace qlx::engine

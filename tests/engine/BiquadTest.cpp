@@ -2,6 +2,7 @@
 #include "engine/signal/Biquad.h"
 #include "engine/cabinet/RayLanes.h"
 #include "engine/signal/Interpolation.h"
+#include "engine/signal/ParallelForm.h"
 
 #include <gtest/gtest.h>
 
@@ -192,6 +193,24 @@ TEST(Biquad, FallsSilentWithoutSubnormals) {
     for (int i = 0; i < 400000; ++i) fixed ? filter.tickFixed(0.0) : filter.tickGlide(0.0);
     for (const double cell : filter.memory()) EXPECT_NE(std::fpclassify(cell), FP_SUBNORMAL);
   }
+}
+
+TEST(ParallelForm, SumsToItsSeriesWithConjugateAndWithRealPoles) {
+  constexpr auto kDesigns = std::to_array<FilterDesign>({{Response::Peaking, 775, 20, -11},
+                                                         {Response::Peaking, 1000, 0.3, -6},
+                                                         {Response::Peaking, 400, 0.3, 6},
+                                                         {Response::Peaking, 5950, 30, -25}});
+  kernels::ReducedBodySections sections{};
+  makeParallel(sections, kDesigns, 22050);
+  double series[64], sum[64];
+  for (int i = 0; i < 64; ++i) series[i] = sum[i] = std::sin(0.3 * i * i);
+  for (const FilterDesign& d : kDesigns) {
+    Biquad filter(22050, d.response, d.hz, d.q, d.db);
+    filter.setEnabled(true);
+    filter.processFixed(series);
+  }
+  kernels::chooseKernels().reducedBody(sections, sum, 64);
+  for (int i = 0; i < 64; ++i) EXPECT_NEAR(sum[i], series[i], 1e-12) << i;
 }
 
 TEST(Interpolation, CubicReadsGoThroughTheirPointsAndKeepParabolas) {
