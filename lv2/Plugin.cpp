@@ -62,7 +62,11 @@ Plugin::Plugin(double rate, const LV2_Feature* const* features)
   if (options != nullptr) setOptions(static_cast<const LV2_Options_Option*>(options));
 }
 
-Plugin::~Plugin() { m_record.hostReserved1 = 0; }
+Plugin::~Plugin() {
+  if (WindowListener* const window = m_window.load(std::memory_order_acquire))
+    window->instanceGone();
+  m_record.hostReserved1 = 0;
+}
 
 std::intptr_t Plugin::call(EffectOpcode opcode, std::intptr_t value, void* ptr, float opt) {
   return m_record.dispatcher(&m_record, static_cast<std::int32_t>(opcode), 0, value, ptr, opt);

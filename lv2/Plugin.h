@@ -30,6 +30,8 @@ class WindowListener {
   virtual void gesture(std::int32_t parameter, bool begins) = 0;
   /// Any parameter may have changed.
   virtual void presetSelected() = 0;
+  /// The instance is going, though its window should have gone first.
+  virtual void instanceGone() = 0;
 };
 
 /// One instance: the effect as its other hosts know it, behind the ports of this interface. Threads

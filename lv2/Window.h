@@ -30,13 +30,16 @@ class Window final : private WindowListener {
   void parameterMoved(std::int32_t parameter) override;
   void gesture(std::int32_t parameter, bool begins) override;
   void presetSelected() override;
+  void instanceGone() override;
   void tell(std::size_t control, bool always);
+  void touch(std::size_t control, bool grabbed);
 
-  Plugin& m_plugin;
+  Plugin* m_plugin; ///< null once it has gone
   LV2UI_Write_Function m_write;
   LV2UI_Controller m_controller;
   const LV2UI_Touch* m_touch;
   LV2UI_Widget m_widget = nullptr;
+  bool m_bypassBegins = false; ///< a gesture of Bypass has begun and nothing has moved yet
   std::array<float, kNumControlPorts> m_known; ///< what the host's ports read
 };
 

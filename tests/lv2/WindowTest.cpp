@@ -140,6 +140,7 @@ TEST_F(WindowOfBundle, WritesWhatTheUserDoesAndIsNotTurnedBackByEchoes) {
 
   // A preset, as the strip selects it: on this thread, all its ports and only those that differ.
   written.clear();
+  touched.clear();
   const auto* state = static_cast<const LV2_State_Interface*>(
       lilv_instance_get_extension_data(instance.lilv, LV2_STATE__interface));
   const auto retrieve = [](LV2_State_Handle from, std::uint32_t key, std::size_t* bytes,
@@ -157,6 +158,17 @@ TEST_F(WindowOfBundle, WritesWhatTheUserDoesAndIsNotTurnedBackByEchoes) {
   EXPECT_THAT(written,
               testing::Contains(Request{drive, plugin::portScale(plugin::kDrive)->toPort(0.4F)}));
   EXPECT_LT(written.size(), kNumControlPorts);
+  EXPECT_TRUE(touched.empty());
+
+  const std::uint32_t enabled = kFirstControl;
+  written.clear();
+  ASSERT_TRUE(robot->click(host->handle(), 369, 543));
+  waitForWrites();
+  EXPECT_EQ(written.back(), (Request{enabled, 0.0F}));
+  EXPECT_THAT(touched, testing::ElementsAre(Request{enabled, 1.0F}, Request{enabled, 0.0F}));
+
+  lilv_instance_free(std::exchange(instance.lilv, nullptr)); // before its window
+  EXPECT_EQ(idle->idle(ui), 0);
 }
 
 TEST_F(WindowOfBundle, RestoringWhileItPlaysLosesNothing) {
