@@ -9,15 +9,18 @@
 #include <limits>
 #include <memory>
 #include <span>
+#include <stdexcept>
 #include <string_view>
 
 namespace qlx::gui {
 
 /// A size, in pixels of the em square, of the toolkit's one family, "Arial" (served by the typeface
-/// that the frame got). Only the sizes of kGlyphSizes exist; others do not compile.
+/// that the frame got). Only the sizes of kGlyphSizes exist; a constant of another size does
+/// not compile.
 struct CFontDesc {
-  consteval explicit CFontDesc(CCoord pixels) : size(pixels) {
-    if (std::ranges::find(kGlyphSizes, pixels) == kGlyphSizes.end()) throw "not in kGlyphSizes";
+  constexpr explicit CFontDesc(CCoord pixels) : size(pixels) {
+    if (std::ranges::find(kGlyphSizes, pixels) == kGlyphSizes.end())
+      throw std::out_of_range("not in kGlyphSizes");
   }
 
   CCoord size;

@@ -270,7 +270,7 @@ TEST_F(FileSelectors, DismissedDialogsGiveNoAnswer) {
 
 TEST(ShortenedTexts, FitAndSayWhatIsLeft) {
   const auto typeface = testTypeface();
-  const CFontDesc font{12.0};
+  constexpr CFontDesc font{12.0};
   const std::string text = "ein übermäßig langer Name.qlx";
   const int whole = typeface->width(text, font);
   EXPECT_EQ(shortenedAtEnd(typeface.get(), text, font, whole), text);
