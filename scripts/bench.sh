@@ -4,7 +4,7 @@
 # how many times lighter the plug-in is than the plain model. A few minutes.
 set -euo pipefail
 build=$1
-tools=$(dirname "${BASH_SOURCE[0]}")
+scripts=$(dirname "${BASH_SOURCE[0]}")
 times=$(mktemp)
 trap 'rm -f "$times"' EXIT
 # The repetitions of all cases are mixed, so that a machine that becomes slower meanwhile falsifies no ratio.
