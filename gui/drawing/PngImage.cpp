@@ -46,6 +46,20 @@ std::size_t bigEndian(Bytes bytes) {
          bytes[3];
 }
 
+/// Length, name and checksum around each chunk's content. The decoder takes memory for a length
+/// before it looks whether the file is that long.
+bool chunksLieInside(Bytes file) {
+  constexpr std::size_t kAround = 12;
+  std::size_t place = 8; // behind the signature
+  while (place < file.size()) {
+    if (file.size() - place < kAround) return false;
+    const std::size_t length = bigEndian(file.subspan(place, 4));
+    if (length > file.size() - place - kAround) return false;
+    place += kAround + length;
+  }
+  return true;
+}
+
 bool canBeDecoded(Bytes file) {
   if (file.size() < kKindPlace + kKind.size() ||
       file.size() > std::numeric_limits<int>::max() / kLargestExpansion ||
@@ -55,7 +69,7 @@ bool canBeDecoded(Bytes file) {
   const std::size_t width = bigEndian(file.subspan(kWidthPlace, 4));
   const std::size_t height = bigEndian(file.subspan(kHeightPlace, 4));
   return width > 0 && height > 0 && width <= kLargestSide && height <= kLargestSide &&
-         width * height * kChannels <= file.size() * kLargestExpansion;
+         width * height * kChannels <= file.size() * kLargestExpansion && chunksLieInside(file);
 }
 
 } // namespace
