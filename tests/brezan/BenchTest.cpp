@@ -48,13 +48,12 @@ long long mutedFrames(const Sound& sound, double from) {
 
 } // namespace
 
-TEST_F(Bench, AUseIsTheSameWorkEachTimeAndUnlikeTheOthers) {
+TEST_F(Bench, EachUseIsAnotherWork) {
   WorkloadPlan plan(PLUGIN);
   std::set<Sound> sounds;
   for (const Use use :
        {Use::SteadyFast, Use::LeverMoving, Use::ParametersAutomated, Use::GeometryRebuilt}) {
     const Sound sound = play(plan, use, 1.2);
-    EXPECT_EQ(sound, play(plan, use, 1.2));
     EXPECT_TRUE(sounds.insert(sound).second);
     EXPECT_EQ(mutedFrames(sound, 0.4) > 100, use == Use::GeometryRebuilt);
   }

@@ -14,20 +14,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 Bytes file(std::uint8_t format, std::uint8_t divisionHigh, std::uint8_t divisionLow,
            const std::vector<Bytes>& tracks) {
-  Bytes all{'M',
-            'T',
-            'h',
-            'd',
-            0,
-            0,
-            0,
-            6,
-            0,
-            format,
-            0,
-            static_cast<std::uint8_t>(tracks.size()),
-            divisionHigh,
-            divisionLow};
+  Bytes all{'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, format, 0};
+  all.insert(all.end(), {static_cast<std::uint8_t>(tracks.size()), divisionHigh, divisionLow});
   for (const Bytes& track : tracks) {
     all.insert(all.end(), {'M', 'T', 'r', 'k', 0, 0, 0, static_cast<std::uint8_t>(track.size())});
     all.insert(all.end(), track.begin(), track.end());

@@ -2,11 +2,8 @@
 #include "brezan/pictures/Picture.h"
 #include "brezan/analysis/LeverMarks.h"
 #include "brezan/analysis/Spectrogram.h"
-#include "brezan/bench/Growth.h"
-#include "brezan/pictures/Canvas.h"
 #include "tests/support/CommandRun.h"
 
-#include <cairo/cairo.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -23,26 +20,6 @@ std::vector<double> sine(double frequency, double rate, double seconds, double l
     wave[i] = level * std::sin(2.0 * std::numbers::pi * frequency * static_cast<double>(i) / rate);
   return wave;
 }
-
-class PngImage {
- public:
-  explicit PngImage(const std::filesystem::path& file)
-      : m_surface(cairo_image_surface_create_from_png(file.c_str()), cairo_surface_destroy) {
-    if (cairo_surface_status(m_surface.get()) != CAIRO_STATUS_SUCCESS)
-      throw std::runtime_error("no picture");
-  }
-  int width() const { return cairo_image_surface_get_width(m_surface.get()); }
-  int height() const { return cairo_image_surface_get_height(m_surface.get()); }
-  std::uint32_t pixel(int x, int y) const {
-    return *reinterpret_cast<const std::uint32_t*>(
-               cairo_image_surface_get_data(m_surface.get()) +
-               y * cairo_image_surface_get_stride(m_surface.get()) + 4 * x) &
-           0xFFFFFF;
-  }
-
- private:
-  std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> m_surface;
-};
 
 } // namespace
 
@@ -93,70 +70,10 @@ TEST(LeverMarks, FollowPedalWheelAndBrake) {
   }
 }
 
-TEST(Picture, ShowsLeverMovesAndToneWhereTheyBelong) {
-  const TemporaryFolder folder;
-  PictureSound sound{"title",
-                     {sine(1000.0, 44100.0, 2.0, 0.5), std::vector<double>(88200, 0.0)},
-                     44100.0,
-                     {{0.0, LeverState::Slow, "slow"}, {1.0, LeverState::Fast, "fast"}}};
-  drawPicture(sound, folder / "a.png");
-  EXPECT_EQ(folder.entries(), 1U);
-  const PngImage image(folder / "a.png");
-  const auto pixel = [&image](int x, int y) { return image.pixel(x, y); };
-  ASSERT_GT(image.width(), 1000);
-  ASSERT_GT(image.height(), 600);
-  // The lever's band changes its colour half-way, and only there.
-  constexpr int kBandY = 100;
-  const int middle = 90 + 1430 / 2;
-  EXPECT_EQ(pixel(200, kBandY), pixel(middle - 3, kBandY));
-  EXPECT_EQ(pixel(middle + 3, kBandY), pixel(1500, kBandY));
-  EXPECT_NE(pixel(middle - 3, kBandY), pixel(middle + 3, kBandY));
-  // The brightest pixel of a column of the spectrogram is the tone's.
-  int brightest = 360;
-  for (int y = 360; y < 900; ++y)
-    if ((pixel(500, y) >> 8 & 0xFF) > (pixel(500, brightest) >> 8 & 0xFF)) brightest = y;
-  const double place = (912.0 - brightest) / 560.0;
-  EXPECT_NEAR(30.0 * std::pow(14000.0 / 30.0, place), 1000.0, 40.0);
-}
-
 TEST(Picture, RefusesAnEmptySound) {
   const TemporaryFolder folder;
   EXPECT_THROW(drawPicture({"", {{}}, 44100.0, {}}, folder / "a.png"), std::runtime_error);
   EXPECT_EQ(folder.entries(), 0U);
-}
-
-TEST(Picture, ShowsGrowthInPlace) {
-  const TemporaryFolder folder;
-  Growth growth;
-  for (const double cost : {100.0, 200.0, 400.0, 200.0}) {
-    GrowthPoint point;
-    point.instances = 1 << growth.instances.size();
-    point.nsPerSample = cost;
-    growth.instances.push_back(point);
-    point.what.brilliant = false;
-    growth.blocks.push_back(point);
-    point.load = cost / 1000.0;
-    growth.rates.push_back(point);
-  }
-  drawGrowth(growth, folder / "g.png");
-  const PngImage image(folder / "g.png");
-  const auto isDrawn = [&image](int x, int y, const Colour& c) {
-    const std::uint32_t pixel = image.pixel(x, y);
-    return std::abs(int(pixel >> 16) - c.red * 255) < 3 &&
-           std::abs(int(pixel >> 8 & 0xFF) - c.green * 255) < 3;
-  };
-  // Four places across 420 pixels; from the ground, at 476, the highest reaches 380/1.25 pixels.
-  const struct {
-    int left;
-    const Colour& colour;
-  } diagrams[] = {{90, kBlue}, {630, kOrange}, {1170, kOrange}};
-  for (const auto& [left, colour] : diagrams)
-    for (int place = 0; place < 4; ++place) {
-      const int x = left + 420 * place / 4 + 420 / 8;
-      const int height = 304 * (place == 0 ? 1 : place == 2 ? 4 : 2) / 4;
-      EXPECT_TRUE(isDrawn(x, 476 - height, colour)) << left << ' ' << place;
-      EXPECT_FALSE(isDrawn(x, 476 - height + 20, colour)) << left << ' ' << place;
-    }
 }
 
 } // namespace qlx::test

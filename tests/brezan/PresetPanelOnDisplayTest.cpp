@@ -6,56 +6,15 @@
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/VirtualDisplay.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <array>
 #include <chrono>
 #include <functional>
 #include <optional>
 #include <thread>
 
-extern char** environ;
-
 namespace qlx::test {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-/// The host in a process of its own, with the editor open at the display's corner.
-class EditorProcess {
- public:
-  EditorProcess() {
-    char* arguments[] = {m_words[0].data(), m_words[1].data(), m_words[2].data(), m_words[3].data(),
-                         nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    if (posix_spawn(&m_pid, BREZAN, &actions, nullptr, arguments, environ) != 0) m_pid = -1;
-    posix_spawn_file_actions_destroy(&actions);
-  }
-  ~EditorProcess() { end(); }
-  EditorProcess(const EditorProcess&) = delete;
-  EditorProcess& operator=(const EditorProcess&) = delete;
-
-  bool isRunning() const { return m_pid > 0 && kill(m_pid, 0) == 0; }
-  /// Whether it left in peace.
-  bool end() {
-    if (m_pid <= 0) return false;
-    kill(m_pid, SIGTERM);
-    int status = 0;
-    waitpid(m_pid, &status, 0);
-    m_pid = -1;
-    return WIFEXITED(status);
-  }
-
- private:
-  std::array<std::string, 4> m_words{"brezan", "edit", "--plugin", PLUGIN};
-  pid_t m_pid = -1;
-};
 
 enum class Backend { Portal, Zenity, List };
 
@@ -127,7 +86,7 @@ class PresetPanelOnDisplay : public testing::TestWithParam<Backend> {
   bool listIsOpen() const { return pixel(kInList) == kListColour; }
 
   void startEditor() {
-    editor.emplace();
+    editor.emplace(std::vector<std::string>{BREZAN, "edit", "--plugin", PLUGIN});
     ASSERT_TRUE(until([this] {
       const std::string found = user("search --onlyvisible --name 'QLX Brezan'");
       if (!found.empty()) window = std::stoul(found);
@@ -180,7 +139,7 @@ class PresetPanelOnDisplay : public testing::TestWithParam<Backend> {
   std::optional<PrivateBus> bus;
   std::optional<FakePortal> portal;
   std::unique_ptr<platform::WindowRobot> robot;
-  std::optional<EditorProcess> editor;
+  std::optional<ChildProcess> editor; // with the window at the display's corner
   std::uintptr_t window = 0;
 
  private:
@@ -239,7 +198,7 @@ TEST_P(PresetPanelOnDisplay, NamesFilesDefaultsAndMemories) {
   // The memory that one process fills is there in the next.
   click(kStoreA);
   ASSERT_TRUE(until([&] { return stored("MemoA") == take; }));
-  EXPECT_TRUE(editor->end());
+  EXPECT_NE(editor->end(), -1);
   EXPECT_EQ(stored("CurrDir"), folder.path().string() + "/");
   startEditor();
   EXPECT_NE(nameIn(current()), "My take");
@@ -284,23 +243,18 @@ TEST_P(PresetPanelOnDisplay, FaultsLeaveTheEditorAtWork) {
     }
     return listIsOpen();
   }));
-  EXPECT_TRUE(editor->end());
+  EXPECT_NE(editor->end(), -1);
   if (portal) {
     EXPECT_TRUE(until([&] { return portal->wasClosed(); }));
   }
 }
 
-std::string nameOf(const testing::TestParamInfo<Backend>& backend) {
-  switch (backend.param) {
-  case Backend::Portal: return "portal";
-  case Backend::Zenity: return "zenity";
-  case Backend::List: break;
-  }
-  return "list";
-}
-
 INSTANTIATE_TEST_SUITE_P(Through, PresetPanelOnDisplay,
-                         testing::Values(Backend::Portal, Backend::Zenity, Backend::List), nameOf);
+                         testing::Values(Backend::Portal, Backend::Zenity, Backend::List),
+                         [](const auto& backend) {
+                           constexpr const char* kNames[]{"Portal", "Zenity", "List"};
+                           return kNames[static_cast<std::size_t>(backend.param)];
+                         });
 
 } // namespace
 } // namespace qlx::test

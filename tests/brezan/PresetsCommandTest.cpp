@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 // Presets on the command line, with files put together by hand and the plug-in itself.
-#include "tests/presets/PresetBytesBuilder.h"
 #include "tests/support/CommandRun.h"
+#include "tests/support/PresetBytesBuilder.h"
 
 #include <gmock/gmock.h>
 

@@ -4,12 +4,13 @@
 #include "editor/QLXMarker.h"
 #include "editor/QLXOnOffButton.h"
 #include "editor/QLXVerticalSwitch.h"
-#include "tests/editor/ControlPictures.h"
-#include "tests/editor/RecordingListener.h"
+#include "tests/support/ControlPictures.h"
+#include "tests/support/RecordingListener.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <memory>
+#include <sstream>
 #include <vector>
 
 namespace qlx::test {
@@ -20,7 +21,6 @@ using editor::CClickKickButton;
 using editor::QLXMarker;
 using editor::QLXOnOffButton;
 using editor::QLXVerticalSwitch;
-using gui::CButtonState;
 using gui::CMouseEventResult;
 using gui::CPoint;
 using gui::VirtualKey;
@@ -29,159 +29,102 @@ constexpr auto kNotHandled = CMouseEventResult::kNotHandled;
 constexpr auto kHandled = CMouseEventResult::kHandled;
 constexpr auto kNoMoves = CMouseEventResult::kHandledDontNeedMoves;
 constexpr std::uint32_t kLeft = gui::kLButton;
-constexpr std::uint32_t kFine = gui::kLButton | gui::kShift;
-
-/// One pointer event; the control is redrawn after it, as at idle.
-struct Step {
-  enum Kind { kDown, kMove, kUp, kWheel } kind;
-  double x;
-  double y;
-  std::uint32_t buttons;
-  float distance = 0.0F;
-};
 
 struct Gesture {
   const char* name;
   float start;
-  std::vector<Step> steps;
-  CMouseEventResult first; ///< answer to the first pointer event
+  /// Pointer events: d (press), m (move), u (release) or w (wheel), place, for a wheel its
+  /// distance, and behind a colon the state: the left button is down unless R or M is or N, none;
+  /// S Shift, C Control, D the press is a double click.
+  const char* steps;
+  CMouseEventResult first; ///< answer to the first event
   float end;
   const char* log;
 };
 
-std::ostream& operator<<(std::ostream& out, const Gesture& gesture) { return out << gesture.name; }
-
-CMouseEventResult play(gui::CControl& control, const Step& step) {
-  CMouseEventResult result = kNotHandled;
-  const CPoint where{step.x, step.y};
-  switch (step.kind) {
-  case Step::kDown: result = control.onMouseDown(where, step.buttons); break;
-  case Step::kMove: result = control.onMouseMoved(where, step.buttons); break;
-  case Step::kUp: result = control.onMouseUp(where, step.buttons); break;
-  case Step::kWheel:
-    result = control.onWheel(where, step.distance, step.buttons) ? kHandled : kNotHandled;
-    break;
+CMouseEventResult play(gui::CControl& control, const std::string& step) {
+  char kind = 0;
+  char mark = 0;
+  CPoint where;
+  float distance = 0.0F;
+  std::istringstream in(step);
+  in >> kind >> where.x >> mark >> where.y;
+  if (kind == 'w') in >> mark >> distance;
+  std::string state;
+  in >> state;
+  constexpr std::pair<char, std::uint32_t> kStates[] = {{'R', gui::kRButton},
+                                                        {'M', gui::kMButton},
+                                                        {'S', gui::kShift},
+                                                        {'C', gui::kControl},
+                                                        {'D', gui::kDoubleClick}};
+  std::uint32_t buttons =
+      state.find_first_of("RMN") == std::string::npos && kind != 'w' ? kLeft : 0U;
+  for (const auto& [letter, bit] : kStates)
+    if (state.find(letter) != std::string::npos) buttons |= bit;
+  switch (kind) {
+  case 'd': return control.onMouseDown(where, buttons);
+  case 'm': return control.onMouseMoved(where, buttons);
+  case 'u': return control.onMouseUp(where, buttons);
+  default: return control.onWheel(where, distance, buttons) ? kHandled : kNotHandled;
   }
-  pictureOf(control);
-  return result;
 }
 
-void expectGesture(gui::CControl& control, RecordingListener& listener, const Gesture& gesture) {
-  control.setValue(gesture.start);
-  pictureOf(control);
-  std::vector<CMouseEventResult> answers;
-  for (const Step& step : gesture.steps) answers.push_back(play(control, step));
-  EXPECT_EQ(answers.front(), gesture.first);
-  EXPECT_NEAR(control.getValue(), gesture.end, 1e-6F);
-  EXPECT_EQ(listener.log, gesture.log);
+/// Each gesture on a control of its own, which is redrawn after every event, as at idle.
+template <typename Make>
+void expectGestures(const Make& make, std::initializer_list<Gesture> gestures) {
+  for (const Gesture& gesture : gestures) {
+    SCOPED_TRACE(gesture.name);
+    RecordingListener listener;
+    const std::unique_ptr<gui::CControl> control = make(listener);
+    control->setValue(gesture.start);
+    pictureOf(*control);
+    std::vector<CMouseEventResult> answers;
+    std::istringstream steps(gesture.steps);
+    for (std::string step; steps >> step;) {
+      answers.push_back(play(*control, step));
+      pictureOf(*control);
+    }
+    EXPECT_EQ(answers.front(), gesture.first);
+    EXPECT_NEAR(control->getValue(), gesture.end, 1e-6F);
+    EXPECT_EQ(listener.log, gesture.log);
+    if (control->getViewSize().height() < 40) { // the buttons, of two frames
+      EXPECT_EQ(frameShownBy(*control), gesture.end >= 0.5F ? 1 : 0);
+    }
+  }
 }
 
 // --- Knob ---
 
-class KnobGesture : public testing::TestWithParam<Gesture> {};
-
-TEST_P(KnobGesture, SetsValueAndTells) {
-  RecordingListener listener;
-  CAnimKnob3 knob({20, 53, 64, 97}, &listener, 17, 101, 44, numberedStrip(44, 44, 101), {}, {});
-  knob.setDragFactor(0.25F);
-  knob.setWheelStep(0.05F, 0.2F);
-  knob.setDefaultValue(0.1F);
-  expectGesture(knob, listener, GetParam());
+TEST(Knob, GesturesSetItsValueAndAreTold) {
+  expectGestures(
+      [](RecordingListener& listener) {
+        auto knob =
+            std::make_unique<CAnimKnob3>(gui::CRect{20, 53, 64, 97}, &listener, 17, 101, 44,
+                                         numberedStrip(44, 44, 101), CPoint{}, CAnimKnob3::Steps{});
+        knob->setDragFactor(0.25F);
+        knob->setWheelStep(0.05F, 0.2F);
+        knob->setDefaultValue(0.1F);
+        return knob;
+      },
+      {{"a press alone", 0.5F, "d40,70 u40,70", kHandled, 0.5F, "()"},
+       {"right and down", 0.5F, "d40,70 m140,120 u140,120", kHandled, 0.7F, "(700)"},
+       {"left and up, beyond the start and back", 0.5F, "d40,70 m-460,70 m40,45 u40,45", kHandled,
+        0.6F, "(0 600)"},
+       {"fine from the start", 0.5F, "d40,70:S m165,70:S u165,70:S", kHandled, 0.6F, "(600)"},
+       // The change of scale moves the value by a rounding error, which is told.
+       {"Shift comes and goes in the middle without a jump", 0.5F,
+        "d40,70 m90,70 m90,70:S m140,70:S m140,70 m115,70 u115,70", kHandled, 0.64F,
+        "(700 700 740 640)"},
+       {"a move without the button", 0.5F, "d40,70 m140,70:N u140,70", kHandled, 0.5F, "()"},
+       {"a drag that began elsewhere", 0.5F, "m60,60", kHandled, 0.5F, ""},
+       {"Control-click", 0.5F, "d40,70:C", kNoMoves, 0.1F, "(100)"},
+       {"double-click at the default", 0.1F, "d40,70:D", kNoMoves, 0.1F, "()"},
+       {"right button", 0.5F, "d40,70:R", kNotHandled, 0.5F, ""},
+       {"three notches are one", 0.5F, "w40,70,3", kHandled, 0.55F, "(550)"},
+       {"a smooth wheel", 0.5F, "w40,70,-0.05", kHandled, 0.4975F, "(498)"},
+       {"fine wheel", 0.5F, "w40,70,-1:S", kHandled, 0.49F, "(490)"},
+       {"wheel at the end", 1.0F, "w40,70,1", kHandled, 1.0F, ""}});
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, KnobGesture,
-    testing::Values(
-        Gesture{"a press alone",
-                0.5F,
-                {{Step::kDown, 40, 70, kLeft}, {Step::kUp, 40, 70, kLeft}},
-                kHandled,
-                0.5F,
-                "()"},
-        Gesture{"right and down",
-                0.5F,
-                {{Step::kDown, 40, 70, kLeft},
-                 {Step::kMove, 140, 120, kLeft},
-                 {Step::kUp, 140, 120, kLeft}},
-                kHandled,
-                0.7F,
-                "(700)"},
-        Gesture{"left and up, beyond the start and back",
-                0.5F,
-                {{Step::kDown, 40, 70, kLeft},
-                 {Step::kMove, -460, 70, kLeft},
-                 {Step::kMove, 40, 45, kLeft},
-                 {Step::kUp, 40, 45, kLeft}},
-                kHandled,
-                0.6F,
-                "(0 600)"},
-        Gesture{"fine from the start",
-                0.5F,
-                {{Step::kDown, 40, 70, kFine},
-                 {Step::kMove, 165, 70, kFine},
-                 {Step::kUp, 165, 70, kFine}},
-                kHandled,
-                0.6F,
-                "(600)"},
-        // The change of scale moves the value by a rounding error, which is told.
-        Gesture{"Shift comes and goes in the middle without a jump",
-                0.5F,
-                {{Step::kDown, 40, 70, kLeft},
-                 {Step::kMove, 90, 70, kLeft},
-                 {Step::kMove, 90, 70, kFine},
-                 {Step::kMove, 140, 70, kFine},
-                 {Step::kMove, 140, 70, kLeft},
-                 {Step::kMove, 115, 70, kLeft},
-                 {Step::kUp, 115, 70, kLeft}},
-                kHandled,
-                0.64F,
-                "(700 700 740 640)"},
-        Gesture{
-            "a move without the button",
-            0.5F,
-            {{Step::kDown, 40, 70, kLeft}, {Step::kMove, 140, 70, 0}, {Step::kUp, 140, 70, kLeft}},
-            kHandled,
-            0.5F,
-            "()"},
-        Gesture{"a drag that began elsewhere",
-                0.5F,
-                {{Step::kMove, 60, 60, kLeft}},
-                kHandled,
-                0.5F,
-                ""},
-        Gesture{"Control-click",
-                0.5F,
-                {{Step::kDown, 40, 70, kLeft | gui::kControl}},
-                kNoMoves,
-                0.1F,
-                "(100)"},
-        Gesture{"double-click at the default",
-                0.1F,
-                {{Step::kDown, 40, 70, kLeft | gui::kDoubleClick}},
-                kNoMoves,
-                0.1F,
-                "()"},
-        Gesture{
-            "right button", 0.5F, {{Step::kDown, 40, 70, gui::kRButton}}, kNotHandled, 0.5F, ""},
-        Gesture{"three notches are one",
-                0.5F,
-                {{Step::kWheel, 40, 70, 0, 3.0F}},
-                kHandled,
-                0.55F,
-                "(550)"},
-        Gesture{"a smooth wheel",
-                0.5F,
-                {{Step::kWheel, 40, 70, 0, -0.05F}},
-                kHandled,
-                0.4975F,
-                "(498)"},
-        Gesture{"fine wheel",
-                0.5F,
-                {{Step::kWheel, 40, 70, gui::kShift, -1.0F}},
-                kHandled,
-                0.49F,
-                "(490)"},
-        Gesture{"wheel at the end", 1.0F, {{Step::kWheel, 40, 70, 0, 1.0F}}, kHandled, 1.0F, ""}));
 
 TEST(Knob, ShowsItsValueOrItsStep) {
   struct Row {
@@ -225,74 +168,29 @@ class LeverTest : public testing::Test {
       {330, 149, 385, 335}, &listener, 2, numberedStrip(55, 186, 65), {38, 152}};
 };
 
-class LeverGesture : public LeverTest, public testing::WithParamInterface<Gesture> {};
-
-TEST_P(LeverGesture, SetsValueAndTells) { expectGesture(lever, listener, GetParam()); }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, LeverGesture,
-    testing::Values(
-        Gesture{"top of the travel",
-                0.0F,
-                {{Step::kDown, 350, 187, kLeft}, {Step::kUp, 350, 187, kLeft}},
-                kHandled,
-                1.0F,
-                "(1000)"},
-        Gesture{"above the travel",
-                0.5F,
-                {{Step::kDown, 350, 20, kLeft}, {Step::kUp, 350, 20, kLeft}},
-                kHandled,
-                1.0F,
-                "(1000)"},
-        Gesture{"bottom of the travel",
-                1.0F,
-                {{Step::kDown, 350, 301, kLeft}, {Step::kUp, 350, 301, kLeft}},
-                kHandled,
-                0.0F,
-                "(0)"},
-        Gesture{"the middle",
-                1.0F,
-                {{Step::kDown, 350, 244, kLeft}, {Step::kUp, 350, 244, kLeft}},
-                kHandled,
-                0.5F,
-                "(500)"},
-        // Half of the way from the middle is asin(0.321394) = 18.75 degrees of 40.
-        Gesture{"halfway up",
-                0.0F,
-                {{Step::kDown, 350, 215.5, kLeft}, {Step::kUp, 350, 215.5, kLeft}},
-                kHandled,
-                1.0F - 17.0F / 64.0F,
-                "(734)"},
-        Gesture{"a drag down",
-                1.0F,
-                {{Step::kDown, 350, 187, kLeft},
-                 {Step::kMove, 350, 244, kLeft},
-                 {Step::kMove, 350, 400, kLeft},
-                 {Step::kUp, 350, 400, kLeft}},
-                kHandled,
-                0.0F,
-                "(500 0)"},
-        Gesture{"Control-click",
-                0.7F,
-                {{Step::kDown, 350, 187, kLeft | gui::kControl}},
-                kNoMoves,
-                0.0F,
-                "(0)"},
-        Gesture{"Control with Shift is no default gesture",
-                0.7F,
-                {{Step::kDown, 350, 187, kFine | gui::kControl}, {Step::kUp, 350, 187, kLeft}},
-                kHandled,
-                1.0F,
-                "(1000)"},
-        Gesture{
-            "right button", 0.7F, {{Step::kDown, 350, 187, gui::kRButton}}, kNotHandled, 0.7F, ""},
-        Gesture{"wheel", 0.5F, {{Step::kWheel, 350, 187, 0, 2.0F}}, kHandled, 0.65F, "(650)"},
-        Gesture{"fine wheel to the end",
-                0.01F,
-                {{Step::kWheel, 350, 187, gui::kShift, -1.0F}},
-                kHandled,
-                0.0F,
-                "(0)"}));
+TEST(Lever, GesturesSetItsValueAndAreTold) {
+  expectGestures(
+      [](RecordingListener& listener) {
+        auto lever = std::make_unique<QLXVerticalSwitch>(gui::CRect{330, 149, 385, 335}, &listener,
+                                                         2, numberedStrip(55, 186, 65),
+                                                         QLXVerticalSwitch::Travel{38, 152});
+        lever->setWheelStep({0.15F, 0.1F});
+        return lever;
+      },
+      {{"top of the travel", 0.0F, "d350,187 u350,187", kHandled, 1.0F, "(1000)"},
+       {"above the travel", 0.5F, "d350,20 u350,20", kHandled, 1.0F, "(1000)"},
+       {"bottom of the travel", 1.0F, "d350,301 u350,301", kHandled, 0.0F, "(0)"},
+       {"the middle", 1.0F, "d350,244 u350,244", kHandled, 0.5F, "(500)"},
+       // Half of the way from the middle is asin(0.321394) = 18.75 degrees of 40.
+       {"halfway up", 0.0F, "d350,215.5 u350,215.5", kHandled, 1.0F - 17.0F / 64.0F, "(734)"},
+       {"a drag down", 1.0F, "d350,187 m350,244 m350,400 u350,400", kHandled, 0.0F, "(500 0)"},
+       {"Control-click", 0.7F, "d350,187:C", kNoMoves, 0.0F, "(0)"},
+       {"Control with Shift is no default gesture", 0.7F, "d350,187:SC u350,187", kHandled, 1.0F,
+        "(1000)"},
+       {"right button", 0.7F, "d350,187:R", kNotHandled, 0.7F, ""},
+       {"wheel", 0.5F, "w350,187,2", kHandled, 0.65F, "(650)"},
+       {"fine wheel to the end", 0.01F, "w350,187,-1:S", kHandled, 0.0F, "(0)"}});
+}
 
 TEST_F(LeverTest, ArrowKeysMoveByOneFrame) {
   struct Row {
@@ -346,61 +244,26 @@ TEST_F(LeverTest, FirstFrameIsTheTop) {
 
 // --- Buttons ---
 
-class OnOffGesture : public testing::TestWithParam<Gesture> {};
-
-TEST_P(OnOffGesture, SetsValueAndTells) {
-  RecordingListener listener;
-  QLXOnOffButton button({340, 36, 398, 50}, &listener, 0, numberedStrip(58, 14, 2));
-  expectGesture(button, listener, GetParam());
-  EXPECT_EQ(frameShownBy(button), GetParam().end >= 0.5F ? 1 : 0);
+TEST(Buttons, GesturesSetTheirValuesAndAreTold) {
+  expectGestures(
+      [](RecordingListener& listener) {
+        return std::make_unique<QLXOnOffButton>(gui::CRect{340, 36, 398, 50}, &listener, 0,
+                                                numberedStrip(58, 14, 2));
+      },
+      {{"on", 0.0F, "d350,40", kNoMoves, 1.0F, "(0 1000)"},
+       {"off", 1.0F, "d350,40", kNoMoves, 0.0F, "(1000 0)"},
+       {"from between", 0.5F, "d350,40", kNoMoves, 0.0F, "(500 0)"},
+       {"middle button", 0.0F, "d350,40:M", kNotHandled, 0.0F, ""}});
+  expectGestures(
+      [](RecordingListener& listener) {
+        return std::make_unique<CClickKickButton>(gui::CRect{330, 348, 357, 384}, &listener, 3, 36,
+                                                  numberedStrip(27, 36, 2));
+      },
+      {{"held", 0.0F, "d340,360", kHandled, 1.0F, "(1000"},
+       {"press and release", 0.0F, "d340,360 u340,360", kHandled, 0.0F, "(1000 0)"},
+       {"let go outside", 0.0F, "d340,360 m300,360 u300,360", kHandled, 0.0F, "(1000)"},
+       {"right button", 0.0F, "d340,360:R", kNotHandled, 0.0F, ""}});
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, OnOffGesture,
-    testing::Values(
-        Gesture{"on", 0.0F, {{Step::kDown, 350, 40, kLeft}}, kNoMoves, 1.0F, "(0 1000)"},
-        Gesture{"off", 1.0F, {{Step::kDown, 350, 40, kLeft}}, kNoMoves, 0.0F, "(1000 0)"},
-        Gesture{"from between", 0.5F, {{Step::kDown, 350, 40, kLeft}}, kNoMoves, 0.0F, "(500 0)"},
-        Gesture{"middle button",
-                0.0F,
-                {{Step::kDown, 350, 40, gui::kMButton}},
-                kNotHandled,
-                0.0F,
-                ""}));
-
-class ClickKickGesture : public testing::TestWithParam<Gesture> {};
-
-TEST_P(ClickKickGesture, SetsValueAndTells) {
-  RecordingListener listener;
-  CClickKickButton button({330, 348, 357, 384}, &listener, 3, 36, numberedStrip(27, 36, 2));
-  expectGesture(button, listener, GetParam());
-  EXPECT_EQ(frameShownBy(button), GetParam().end >= 0.5F ? 1 : 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, ClickKickGesture,
-    testing::Values(
-        Gesture{"held", 0.0F, {{Step::kDown, 340, 360, kLeft}}, kHandled, 1.0F, "(1000"},
-        Gesture{"press and release",
-                0.0F,
-                {{Step::kDown, 340, 360, kLeft}, {Step::kUp, 340, 360, kLeft}},
-                kHandled,
-                0.0F,
-                "(1000 0)"},
-        Gesture{"let go outside",
-                0.0F,
-                {{Step::kDown, 340, 360, kLeft},
-                 {Step::kMove, 300, 360, kLeft},
-                 {Step::kUp, 300, 360, kLeft}},
-                kHandled,
-                0.0F,
-                "(1000)"},
-        Gesture{"right button",
-                0.0F,
-                {{Step::kDown, 340, 360, gui::kRButton}},
-                kNotHandled,
-                0.0F,
-                ""}));
 
 // --- Marker ---
 

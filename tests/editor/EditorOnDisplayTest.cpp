@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "platform/WindowRobot.h"
-#include "tests/editor/EditorRig.h"
+#include "tests/support/EditorRig.h"
 #include "tests/support/ProcessResources.h"
 #include "tests/support/VirtualDisplay.h"
 
@@ -60,16 +60,6 @@ TEST_F(EditorOnDisplay, ScreenShowsExactlyWhatIsDrawn) {
     rig->effect.sustain = 1.0;
   }
   EXPECT_TRUE(screenFollows());
-}
-
-TEST_F(EditorOnDisplay, ClicksArriveAsInAWindowWithoutAScreen) {
-  const std::pair<int, int> places[] = {{369, 543}, {343, 366}, {357, 301}, {62, 543}, {100, 165}};
-  for (const auto& [x, y] : places) {
-    ASSERT_TRUE(robot->click(host->handle(), x, y));
-    headless.press(x, y);
-    headless.release(x, y);
-    EXPECT_TRUE(screenFollows()) << x << ", " << y << ": " << shown.effect.log;
-  }
 }
 
 TEST_F(EditorOnDisplay, OpeningsUnderAutomationLeaveNothingBehind) {

@@ -2,86 +2,24 @@
 // Who gets the keys: the editor in a host's window on a display, with a real keyboard and pointer,
 // without a window manager and under one that gives the focus to the top-level window at every
 // click.
-#include "tests/editor/EditorRig.h"
+#include "tests/support/EditorRig.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/VirtualDisplay.h"
+#include "tests/support/X11Host.h"
 
 #include <gtest/gtest.h>
-#include <xcb/xcb.h>
-
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <thread>
 
-extern char** environ;
-
 namespace qlx::test {
 namespace {
 
-template <typename T>
-std::unique_ptr<T, void (*)(void*)> owned(T* reply) {
-  return {reply, std::free};
-}
-
-constexpr std::uint16_t kWidth = 401;
-constexpr std::uint16_t kHeight = 570;
-constexpr std::uint16_t kRim = 60; // of the host's own, below the editor
-
-/// A host's top-level window that writes down the keys it gets.
-class HostWindow {
- public:
-  HostWindow() : m_xcb(xcb_connect(nullptr, nullptr)), m_window(xcb_generate_id(m_xcb)) {
-    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_xcb)).data->root;
-    const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE;
-    xcb_create_window(m_xcb, XCB_COPY_FROM_PARENT, m_window, m_root, 0, 0, kWidth, kHeight + kRim,
-                      0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
-                      &events);
-    xcb_map_window(m_xcb, m_window);
-    sync();
-  }
-  ~HostWindow() { xcb_disconnect(m_xcb); }
-  HostWindow(const HostWindow&) = delete;
-  HostWindow& operator=(const HostWindow&) = delete;
-
-  xcb_window_t window() const { return m_window; }
-  xcb_window_t focused() const {
-    return owned(xcb_get_input_focus_reply(m_xcb, xcb_get_input_focus(m_xcb), nullptr))->focus;
-  }
-  void takeFocus() const {
-    xcb_set_input_focus(m_xcb, XCB_INPUT_FOCUS_PARENT, m_window, XCB_CURRENT_TIME);
-    sync();
-  }
-  /// Where the window lies on the screen; a window manager puts a frame around it.
-  std::pair<int, int> corner() const {
-    const auto at = owned(xcb_translate_coordinates_reply(
-        m_xcb, xcb_translate_coordinates(m_xcb, m_window, m_root, 0, 0), nullptr));
-    return {at->dst_x, at->dst_y};
-  }
-  /// Codes of the keys pressed since the last call.
-  std::string keys() {
-    sync();
-    std::string all;
-    while (const auto event = owned(xcb_poll_for_event(m_xcb))) {
-      if ((event->response_type & 0x7F) != XCB_KEY_PRESS) continue;
-      all += " " + std::to_string(reinterpret_cast<const xcb_key_press_event_t&>(*event).detail);
-    }
-    return all.empty() ? all : all.substr(1);
-  }
-
- private:
-  void sync() const { focused(); }
-
-  xcb_connection_t* m_xcb;
-  xcb_window_t m_window;
-  xcb_window_t m_root = 0;
-};
+constexpr int kWidth = 401;
+constexpr int kHeight = 570;
+constexpr int kRim = 60; // of the host's own, below the editor
 
 bool hasWindowManager() {
   constexpr std::string_view kName = "_NET_SUPPORTING_WM_CHECK";
@@ -96,30 +34,6 @@ bool hasWindowManager() {
   return has;
 }
 
-class WindowManager {
- public:
-  WindowManager() {
-    std::string name = "openbox";
-    char* arguments[] = {name.data(), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    if (posix_spawnp(&m_pid, name.c_str(), &actions, nullptr, arguments, environ) != 0) m_pid = -1;
-    posix_spawn_file_actions_destroy(&actions);
-  }
-  ~WindowManager() {
-    if (m_pid <= 0) return;
-    kill(m_pid, SIGTERM);
-    waitpid(m_pid, nullptr, 0);
-  }
-  WindowManager(const WindowManager&) = delete;
-  WindowManager& operator=(const WindowManager&) = delete;
-
- private:
-  pid_t m_pid = -1;
-};
-
 // Codes of keys, whatever is engraved on them.
 constexpr const char* kSpace = "65";
 constexpr const char* kReturn = "36";
@@ -132,14 +46,15 @@ class KeyboardOnDisplay : public testing::TestWithParam<bool> {
     if (GetParam()) {
       if (std::system("command -v openbox >/dev/null") != 0) GTEST_SKIP() << "openbox is needed";
       setenv("HOME", folder.path().c_str(), 1);
-      manager.emplace();
+      manager.emplace(std::vector<std::string>{"openbox"});
       ASSERT_TRUE(until(hasWindowManager));
     }
-    host.emplace();
-    if (!GetParam()) host->takeFocus();
+    constexpr platform::PixelRect kPlace{0, 0, kWidth, kHeight + kRim};
+    host.emplace(kPlace, true);
+    if (!GetParam()) host->focus(host->window());
     // A window manager that is still starting overlooks windows.
     const auto hasFocus = [this] { return host->focused() == host->window(); };
-    for (int i = 0; i < 20 && !until(hasFocus, 100); ++i) host.emplace();
+    for (int i = 0; i < 20 && !until(hasFocus, 100); ++i) host.emplace(kPlace, true);
     ASSERT_TRUE(hasFocus());
     ASSERT_TRUE(rig.editor->open(reinterpret_cast<void*>(std::uintptr_t{host->window()})));
     std::tie(left, top) = host->corner();
@@ -169,8 +84,8 @@ class KeyboardOnDisplay : public testing::TestWithParam<bool> {
 
   TemporaryFolder folder;
   VirtualDisplay display{{"-screen", "0", "800x700x24"}};
-  std::optional<WindowManager> manager;
-  std::optional<HostWindow> host;
+  std::optional<ChildProcess> manager;
+  std::optional<X11Host> host;
   EditorRig rig{&platform::nativeWindowSystem()};
   int left = 0;
   int top = 0;

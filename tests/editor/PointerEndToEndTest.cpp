@@ -8,19 +8,13 @@
 
 #include <chrono>
 #include <cmath>
-#include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <spawn.h>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
 #include <vector>
-
-extern char** environ;
 
 namespace qlx::test {
 namespace {
@@ -34,33 +28,13 @@ constexpr int kLastCalibration = 119;
 class EditedPlugin {
  public:
   EditedPlugin(const std::vector<std::string>& settings, std::string log) : m_log(std::move(log)) {
-    std::vector<std::string> arguments{BREZAN, "edit", "--plugin", PLUGIN, "--log"};
-    for (const std::string& setting : settings) {
-      arguments.insert(arguments.end(), {"--set", setting});
-    }
-    std::vector<char*> raw;
-    for (std::string& argument : arguments) raw.push_back(argument.data());
-    raw.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, m_log.c_str(), O_CREAT | O_WRONLY,
-                                     0600);
-    if (posix_spawn(&m_pid, BREZAN, &actions, nullptr, raw.data(), environ) != 0) m_pid = 0;
-    posix_spawn_file_actions_destroy(&actions);
+    std::vector<std::string> words{BREZAN, "edit", "--plugin", PLUGIN, "--log"};
+    for (const std::string& setting : settings) words.insert(words.end(), {"--set", setting});
+    m_process.emplace(words, m_log);
   }
-  ~EditedPlugin() { end(); }
-  EditedPlugin(const EditedPlugin&) = delete;
-  EditedPlugin& operator=(const EditedPlugin&) = delete;
 
   /// The exit status after an interrupt; -1 when it ended otherwise.
-  int end() {
-    if (m_pid == 0) return -1;
-    kill(m_pid, SIGTERM);
-    int status = 0;
-    waitpid(m_pid, &status, 0);
-    m_pid = 0;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
+  int end() { return m_process->end(); }
 
   /// What was logged since the last call, in short: "(n" and ")n" around gestures, "n=v" what the
   /// host heard, then "n:v" what the effect came to hold, values in thousandths. Waits until that
@@ -114,7 +88,7 @@ class EditedPlugin {
   std::string m_log;
   std::string m_pending;
   std::streamoff m_read = 0;
-  pid_t m_pid = 0;
+  std::optional<ChildProcess> m_process;
 };
 
 struct HandGesture {
@@ -128,25 +102,18 @@ constexpr HandGesture kGestures[] = {
     {"fine drag",
      "mousemove 132 325 keydown shift mousedown 1 mousemove 182 325 mouseup 1 keyup shift",
      "(13 13=540 )13 13:540"},
-    {"beyond the end", "mousemove 200 325 mousedown 1 mousemove 200 20 mouseup 1",
-     "(14 14=1000 )14 14:1000"},
     {"Control-click", "mousemove 270 75 keydown ctrl click 1 keyup ctrl", "(21 21=500 )21 21:500"},
     {"double click", "mousemove 360 75 click --repeat 2 --delay 60 1",
      "(23 )23 (23 23=500 )23 23:500"},
     {"wheel", "mousemove 96 224 click 4", "(6 6=550 )6 6:550"},
-    {"fine wheel", "mousemove 141 224 keydown shift click 5 keyup shift", "(7 7=490 )7 7:490"},
     {"right button", "mousemove 186 224 mousedown 3 mousemove 196 204 mouseup 3", ""},
     {"stop", "mousemove 372 365 click 1", "(4 4=0 4=1000 )4 4:1000"},
     // The lever releases the brake.
     {"speed", "mousemove 343 366 click 1", "(3 (2 4=0 2=1000 )2 )3 2:1000 4:0"},
     {"lever", "mousemove 357 187 mousedown 1 mousemove 357 244 mouseup 1", "(2 2=500 )2 2:500"},
-    {"key up", "key Up", "(2 2=484 )2 2:484"},
-    {"key down", "key Down", "(2 2=500 )2 2:500"},
+    {"key", "key Up", "(2 2=484 )2 2:484"},
     {"key with a modifier", "key shift+Down", ""},
-    {"lever's wheel", "mousemove 357 250 click 5", "(2 2=350 )2 2:350"},
-    {"lever's default", "keydown ctrl click 1 keyup ctrl", "(2 2=0 )2 2:0"},
     {"bypass", "mousemove 369 543 click 1", "(0 0=0 0=1000 )0 0:1000"},
-    {"quality", "mousemove 265 543 click 1", "(1 1=0 1=1000 )1 1:1000"},
     {"MIDI channel", "mousemove 62 543 click 1", "35=56 148=1000 35:56"},
     {"about", "mousemove 100 165 click 1", ""},
     {"on the about screen", "mousemove 87 75 mousedown 1 mousemove 97 75 mouseup 1", ""},

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-#include "tests/editor/EditorRig.h"
 #include "tests/support/CountingAllocator.h"
+#include "tests/support/EditorRig.h"
 
 #include <gtest/gtest.h>
 

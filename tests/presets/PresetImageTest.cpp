@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/presets/PresetRig.h"
+#include "tests/support/PresetRig.h"
 
 namespace qlx::test {
 namespace {

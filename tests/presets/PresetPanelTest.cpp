@@ -4,7 +4,7 @@
 #include "gui/dialogs/CMenuList.h"
 #include "gui/dialogs/CMessageBox.h"
 #include "presets/store/PersistentSettings.h"
-#include "tests/editor/EditorRig.h"
+#include "tests/support/EditorRig.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

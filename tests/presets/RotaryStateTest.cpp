@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 // Presets and states of the effect that hosts load.
-#include "tests/plugin/EffectFixture.h"
+#include "tests/support/EffectFixture.h"
 
 #include <atomic>
 #include <cmath>

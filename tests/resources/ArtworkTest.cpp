@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <numbers>
 #include <span>
 #include <vector>
@@ -177,22 +176,6 @@ TEST(Knob, PointerTurnsEvenlyFromLeftToRight) {
   }
 }
 
-TEST(Knob, FrameBordersAreClear) {
-  const Picture strip = embedded(2002);
-  for (int y = 0; y < strip.height(); ++y) {
-    const int row = y % 44;
-    for (int x = 0; x < 44; ++x) {
-      const double distance = std::hypot(x + 0.5 - 22.0, row + 0.5 - 22.0);
-      if (distance > 24.0) {
-        ASSERT_EQ(strip.at(x, y)[3], 0) << x << ", " << y;
-      }
-      if (distance < 18.5) {
-        ASSERT_EQ(strip.at(x, y)[3], 255) << x << ", " << y;
-      }
-    }
-  }
-}
-
 TEST(Lever, BallLiesUnderThePointerThatDragsIt) {
   constexpr int kFrames = 65;
   constexpr int kHeight = 186;
@@ -215,29 +198,6 @@ TEST(Lever, BallLiesUnderThePointerThatDragsIt) {
   }
 }
 
-TEST(Lever, NothingIsCutAtTheFramesEdge) {
-  const Picture strip = embedded(2005);
-  for (int y = 0; y < strip.height(); ++y) {
-    ASSERT_LE(strip.at(0, y)[3], 12) << y;
-    ASSERT_LE(strip.at(54, y)[3], 12) << y;
-  }
-}
-
-class RotorLight : public testing::TestWithParam<int> {};
-
-TEST_P(RotorLight, SwellsToTheMiddleAndFadesToNothing) {
-  const Picture light = embedded(GetParam());
-  const int middle = light.width() / 2;
-  for (int x = 1; x < middle; ++x) {
-    EXPECT_GE(light.at(x, 6)[3] + 1, light.at(x - 1, 6)[3]) << x;
-    EXPECT_NEAR(light.at(x, 6)[3], light.at(light.width() - 1 - x, 6)[3], 1) << x;
-  }
-  EXPECT_LE(light.at(0, 6)[3], 2);
-  EXPECT_GE(light.at(middle, 6)[3], 220);
-}
-
-INSTANTIATE_TEST_SUITE_P(Both, RotorLight, testing::Values(2009, 2010));
-
 TEST(Window, TextsAreReadableWhereTheEditorWritesThem) {
   const Picture window = embedded(4000);
   for (const auto& place : layout::kKnobs) {
@@ -249,85 +209,6 @@ TEST(Window, TextsAreReadableWhereTheEditorWritesThem) {
   }
   EXPECT_GE(meanBrightness(window, layout::kName), 200.0);
   EXPECT_LE(meanBrightness(embedded(3999), {258, 181, 338, 196}), 30.0);
-}
-
-TEST(Window, TicksMarkTheStopsAndOnlyThem) {
-  const Picture window = embedded(4000);
-  // Brightest pixel of the tick ring near an angle, degrees from the top.
-  auto tickAt = [&](const Box& knob, double degrees) {
-    const double angle = degrees * std::numbers::pi / 180.0;
-    double best = 0.0;
-    for (const double radius : {20.7, 21.3, 21.9}) {
-      const double x = knob.centreX() + radius * std::sin(angle);
-      const double y = knob.centreY() - radius * std::cos(angle);
-      best = std::max(best, brightness(window.at(static_cast<int>(std::floor(x)),
-                                                 static_cast<int>(std::floor(y)))));
-    }
-    return best;
-  };
-  const std::map<int, std::vector<double>> stepped{
-      {10, {-81, -54, -27, 0, 27, 54}}, {12, {-27, 0, 27}}, {14, {-54, -27, 0, 27, 54}}};
-  for (const auto& place : layout::kKnobs) {
-    const auto stops = stepped.find(place.tag);
-    for (double degrees = -135.0; degrees <= 135.0; degrees += 27.0) {
-      const bool marked = stops == stepped.end() ||
-                          std::ranges::find(stops->second, degrees) != stops->second.end();
-      const double found = tickAt(place.knob, degrees);
-      if (marked) {
-        EXPECT_GE(found, 90.0) << place.caption << " " << degrees;
-      }
-      if (!marked) {
-        EXPECT_LE(found, 60.0) << place.caption << " " << degrees;
-      }
-    }
-  }
-}
-
-TEST(Window, CaptionsStandOverTheMiddleOfTheirKnobs) {
-  const Picture window = embedded(4000);
-  for (const auto& place : layout::kKnobs) {
-    int left = place.knob.right;
-    int right = place.knob.left;
-    for (int y = place.knob.top - 11; y < place.knob.top - 4; ++y) {
-      for (int x = place.knob.left; x < place.knob.right; ++x) {
-        if (brightness(window.at(x, y)) < 110.0) continue;
-        left = std::min(left, x);
-        right = std::max(right, x + 1);
-      }
-    }
-    EXPECT_NEAR(0.5 * (left + right), place.knob.centreX(), 1.0) << place.caption;
-    EXPECT_LT(meanBrightness(window, {left, place.knob.top - 2, right, place.knob.top - 1}), 60.0)
-        << place.caption;
-  }
-}
-
-TEST(Lamps, WordsEndInsideTheirFrames) {
-  for (const int number : {4003, 4004}) {
-    const Picture strip = embedded(number);
-    for (int y = 0; y < strip.height() / 2; ++y) {
-      EXPECT_EQ(strip.at(strip.width() - 1, y)[3], 0) << number << " row " << y;
-    }
-  }
-}
-
-TEST(Scale, TwiceTheSizeShowsTheSamePicture) {
-  const Lettering lettering(QLX_FONTS);
-  for (const int number : {2003, 2004, 2009, 19997}) {
-    const Picture once = drawn(artwork::artwork(number), lettering, 1);
-    const Picture twice = drawn(artwork::artwork(number), lettering, 2);
-    ASSERT_EQ(twice.width(), 2 * once.width());
-    ASSERT_EQ(twice.height(), 2 * once.height());
-    double difference = 0.0;
-    for (int y = 0; y < once.height(); ++y) {
-      for (int x = 0; x < once.width(); ++x) {
-        auto seen = [](const Picture::Pixel& p) { return brightness(p) * p[3] / 255.0; };
-        const double four = seen(twice.at(2 * x, 2 * y)) + seen(twice.at(2 * x + 1, 2 * y)) +
-                            seen(twice.at(2 * x, 2 * y + 1)) + seen(twice.at(2 * x + 1, 2 * y + 1));
-        difference += std::abs(four / 4.0 - seen(once.at(x, y)));
-      }
-    }
-    EXPECT_LT(difference / (once.width() * once.height()), 8.0) << number;
-  }
 }
 
 } // namespace

@@ -121,14 +121,6 @@ TEST_P(NoiseLoop, NoiseNeverRepeats) {
   EXPECT_LT(*most, 0.1) << "after " << (most - likeness.begin()) << " samples";
 }
 
-TEST_P(NoiseLoop, NoRhythmFasterThanTheTurn) {
-  const Signal envelope = recordings::envelopeOf(m_loop, GetParam().noiseFromHz, 40.0);
-  const std::vector<double> likeness = recordings::autocorrelation(envelope);
-  const auto from = static_cast<std::ptrdiff_t>(0.25 * samplesPerTurn());
-  const auto to = static_cast<std::ptrdiff_t>(0.75 * samplesPerTurn());
-  EXPECT_LT(*std::max_element(likeness.begin() + from, likeness.begin() + to), 0.35);
-}
-
 TEST(NoiseRecordings, HornMicrophonesHearTheSameMachineFromTwoPlaces) {
   const Samples one = allRecordings()[0];
   const Samples two = allRecordings()[1];

@@ -184,54 +184,12 @@ TEST_F(EffectRecordTest, TheOldFormAddsToTheOutputs) {
 }
 
 TEST_F(EffectRecordTest, ObsoleteAndUnknownRequestsAreAnsweredWithZero) {
-  for (const std::int32_t opcode : {9,
-                                    16,
-                                    17,
-                                    18,
-                                    20,
-                                    21,
-                                    28,
-                                    30,
-                                    31,
-                                    32,
-                                    36,
-                                    37,
-                                    38,
-                                    39,
-                                    40,
-                                    41,
-                                    43,
-                                    46,
-                                    52,
-                                    53,
-                                    54,
-                                    55,
-                                    57,
-                                    62,
-                                    63,
-                                    64,
-                                    65,
-                                    66,
-                                    67,
-                                    68,
-                                    69,
-                                    70,
-                                    71,
-                                    72,
-                                    73,
-                                    74,
-                                    75,
-                                    76,
-                                    77,
-                                    78,
-                                    79,
-                                    80,
-                                    -1,
-                                    1000,
-                                    std::numeric_limits<std::int32_t>::max(),
-                                    std::numeric_limits<std::int32_t>::min()}) {
-    EXPECT_EQ(record()->dispatcher(record(), opcode, 0, 0, nullptr, 0.0F), 0) << opcode;
-  }
+  constexpr std::pair<std::int32_t, std::int32_t> kRanges[] = {
+      {9, 9},   {16, 18}, {20, 21}, {28, 28}, {30, 32}, {36, 41},     {43, 43},
+      {46, 46}, {52, 55}, {57, 57}, {62, 80}, {-1, -1}, {1000, 1000}, {1 << 30, 1 << 30}};
+  for (const auto& [first, last] : kRanges)
+    for (std::int32_t opcode = first; opcode <= last; ++opcode)
+      EXPECT_EQ(record()->dispatcher(record(), opcode, 0, 0, nullptr, 0.0F), 0) << opcode;
 }
 
 TEST_F(EffectRecordTest, OddArgumentsDoNoHarm) {

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: ISC
 #include "tests/support/FakeDesktop.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-
-extern char** environ;
 
 namespace qlx::test {
 namespace {
@@ -64,39 +58,19 @@ PrivateBus::PrivateBus() {
   const std::string settings = m_folder / "bus.conf";
   writeBytes(settings,
              {reinterpret_cast<const std::uint8_t*>(kBusSettings), std::strlen(kBusSettings)});
-  std::array<int, 2> ends{};
-  if (pipe(ends.data()) != 0) return;
-  fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-  std::string program = "/usr/bin/dbus-daemon"; // PATH may lead elsewhere
-  std::string config = "--config-file=" + settings;
-  std::string print = "--print-address=" + std::to_string(ends[1]);
-  std::string stay = "--nofork";
-  char* arguments[] = {program.data(), config.data(), print.data(), stay.data(), nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  if (posix_spawn(&m_pid, program.c_str(), &actions, nullptr, arguments, environ) != 0) m_pid = -1;
-  posix_spawn_file_actions_destroy(&actions);
-  close(ends[1]);
-  char c = 0;
-  while (read(ends[0], &c, 1) == 1 && c != '\n') m_address += c;
-  close(ends[0]);
+  // An absolute path, as PATH may lead elsewhere.
+  m_daemon.emplace(std::vector<std::string>{"/usr/bin/dbus-daemon", "--config-file=" + settings,
+                                            "--print-address=FD", "--nofork"},
+                   "/dev/null", &m_address);
   setenv("DBUS_SESSION_BUS_ADDRESS", m_address.c_str(), 1);
 }
 
-PrivateBus::~PrivateBus() {
-  unsetenv("DBUS_SESSION_BUS_ADDRESS");
-  if (m_pid <= 0) return;
-  kill(m_pid, SIGTERM);
-  freeze(false);
-  waitpid(m_pid, nullptr, 0);
-}
+PrivateBus::~PrivateBus() { unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
 
-void PrivateBus::freeze(bool frozen) const { kill(m_pid, frozen ? SIGSTOP : SIGCONT); }
+void PrivateBus::freeze(bool frozen) const { m_daemon->send(frozen ? SIGSTOP : SIGCONT); }
 
 FakePortal::FakePortal(const PrivateBus& bus, Manner manner)
     : m_connection(dbus_connection_open_private(bus.address().c_str(), nullptr)), m_manner(manner) {
-  dbus_connection_set_exit_on_disconnect(m_connection, FALSE);
   dbus_bus_register(m_connection, nullptr);
   dbus_bus_request_name(m_connection, kPortalName, 0, nullptr);
 }

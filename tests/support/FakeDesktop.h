@@ -2,11 +2,12 @@
 #pragma once
 
 #include "platform/linux/desktop/DBusMessages.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <map>
+#include <optional>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace qlx::test {
@@ -18,8 +19,6 @@ class PrivateBus {
  public:
   PrivateBus();
   ~PrivateBus();
-  PrivateBus(const PrivateBus&) = delete;
-  PrivateBus& operator=(const PrivateBus&) = delete;
 
   bool isRunning() const { return !m_address.empty(); }
   const std::string& address() const { return m_address; }
@@ -28,8 +27,8 @@ class PrivateBus {
 
  private:
   TemporaryFolder m_folder;
-  pid_t m_pid = -1;
   std::string m_address;
+  std::optional<ChildProcess> m_daemon;
 };
 
 /// Takes the desktop portal's name on the bus and plays its part, a step at each pump().

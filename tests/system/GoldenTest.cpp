@@ -97,12 +97,24 @@ unsigned randomSessions() {
   return wanted != nullptr ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 10)) : 16;
 }
 
+void expectFollowsThePlainModel(const std::string& script) {
+  PluginPlayer plugin(PLUGIN);
+  ReferencePlayer plain(plugInRecordings());
+  EXPECT_LT(errorDb(play(script, plain), play(script, plugin)), kTolerance) << script;
+}
+
 TEST_F(SoundTest, RandomSessionsFollowThePlainModel) {
-  for (unsigned seed = 1; seed <= randomSessions(); ++seed) {
-    const std::string script = randomScript(seed, seed % 2 == 0);
-    PluginPlayer plugin(PLUGIN);
-    ReferencePlayer plain(plugInRecordings());
-    EXPECT_LT(errorDb(play(script, plain), play(script, plugin)), kTolerance) << script;
+  for (unsigned seed = 1; seed <= randomSessions(); ++seed)
+    expectFollowsThePlainModel(randomScript(seed, seed % 2 == 0));
+}
+
+// The law of each, what it reaches and what has to be computed anew.
+TEST_F(SoundTest, EveryParameterFollowsThePlainModel) {
+  for (const char* value : {" 0.3", " 0.7"}) {
+    std::string script = "signal noise\nrate 44100\nsuspend\nresume\nblocks 512 6000\n";
+    for (int index = 2; index < 120; ++index)
+      script += "param " + std::to_string(index) + value + "\nblocks 64 320\n";
+    expectFollowsThePlainModel(script);
   }
 }
 

@@ -84,7 +84,6 @@ std::unique_ptr<SessionBus> SessionBus::connect() {
   DBusConnection* const connection =
       dbus_connection_open_private(addressText(*address).c_str(), nullptr);
   if (connection == nullptr) return nullptr;
-  dbus_connection_set_exit_on_disconnect(connection, FALSE);
   return std::unique_ptr<SessionBus>(new SessionBus(connection));
 }
 

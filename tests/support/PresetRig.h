@@ -7,8 +7,8 @@
 
 #include "presets/panel/CPresetSystemEditor.h"
 #include "presets/store/CPresetSystemEffect.h"
-#include "tests/presets/PresetBytesBuilder.h"
 #include "tests/support/MemorySettingsStore.h"
+#include "tests/support/PresetBytesBuilder.h"
 #include "tests/support/ScriptedFileSelector.h"
 
 namespace qlx::test {
