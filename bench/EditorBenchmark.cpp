@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "tests/editor/EditorRig.h"
+#include "tests/support/EditorRig.h"
 
 #include "presets/panel/LoadBitmap.h"
 

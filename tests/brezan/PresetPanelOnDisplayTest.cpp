@@ -252,8 +252,9 @@ TEST_P(PresetPanelOnDisplay, FaultsLeaveTheEditorAtWork) {
 INSTANTIATE_TEST_SUITE_P(Through, PresetPanelOnDisplay,
                          testing::Values(Backend::Portal, Backend::Zenity, Backend::List),
                          [](const auto& backend) {
-                           constexpr const char* kNames[]{"Portal", "Zenity", "List"};
-                           return kNames[static_cast<std::size_t>(backend.param)];
+                           return backend.param == Backend::Portal   ? "Portal"
+                                  : backend.param == Backend::Zenity ? "Zenity"
+                                                                     : "List";
                          });
 
 } // namespace

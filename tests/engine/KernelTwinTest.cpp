@@ -188,7 +188,7 @@ struct HornTwin {
   }
 };
 
-TEST_P(KernelTwin, settleHorn) {
+TEST_P(KernelTwin, SettleHorn) {
   HornTwin twin(*this);
   for (int lane = 0; lane < kHornLanes; ++lane) {
     expectDesign(twin.bank.peak, lane, filter(Response::Peaking, 2200, 1.4, 7));
@@ -196,7 +196,7 @@ TEST_P(KernelTwin, settleHorn) {
   }
 }
 
-TEST_P(KernelTwin, hornRays) {
+TEST_P(KernelTwin, HornRays) {
   HornTwin twin(*this);
   std::vector<Biquad> peaks(kHornLanes, filter(Response::Peaking, 2200, 1.4, 7));
   std::vector<Biquad> shelves(kHornLanes, filter(Response::HighShelf, 6000, 0.7, 6));
@@ -239,13 +239,13 @@ struct DrumTwin {
   }
 };
 
-TEST_P(KernelTwin, settleDrum) {
+TEST_P(KernelTwin, SettleDrum) {
   DrumTwin twin(*this);
   for (int lane = 0; lane < kDrumLanes; ++lane)
     expectDesign(twin.bank.lowPass, lane, filter(Response::LowPass, 1100, 0.9, 0));
 }
 
-TEST_P(KernelTwin, drumRays) {
+TEST_P(KernelTwin, DrumRays) {
   DrumTwin twin(*this);
   std::vector<Biquad> lowPasses(kDrumLanes, filter(Response::LowPass, 1100, 0.9, 0));
   Numbers states(kDrumLanes), lows(kDrumLanes), out(80);
@@ -271,7 +271,7 @@ TEST_P(KernelTwin, drumRays) {
   }
 }
 
-TEST_P(KernelTwin, reducedRays) {
+TEST_P(KernelTwin, ReducedRays) {
   Past past;
   ReducedBank bank{};
   past.fill(bank.rays, *this);
@@ -309,7 +309,7 @@ TEST_P(KernelTwin, reducedRays) {
   }
 }
 
-TEST_P(KernelTwin, fixedPair) {
+TEST_P(KernelTwin, FixedPair) {
   const Numbers lines[2] = {noise(), noise()};
   FixedPair fixed{{lines[0].data(), lines[1].data()}, {}, {0.9, 0.4}, {0.5, 2.0}, {0.1, -0.2}};
   for (auto& weight : fixed.weight) weight[0] = between(-1, 1), weight[1] = between(-1, 1);
@@ -328,7 +328,7 @@ TEST_P(KernelTwin, fixedPair) {
   }
 }
 
-TEST_P(KernelTwin, pairTaps) {
+TEST_P(KernelTwin, PairTaps) {
   const PairTaps taps{{9, 8, 17, 16}, {0.3, 0.2, -0.4, 0.6}};
   const Numbers past = noise(300);
   for (const int n : kLengths) {
@@ -370,8 +370,8 @@ void testParallel(KernelTwin& test,
   }
 }
 
-TEST_P(KernelTwin, body) { testParallel(*this, kernels.body); }
-TEST_P(KernelTwin, reducedBody) { testParallel(*this, kernels.reducedBody); }
+TEST_P(KernelTwin, Body) { testParallel(*this, kernels.body); }
+TEST_P(KernelTwin, ReducedBody) { testParallel(*this, kernels.reducedBody); }
 
 /// One sample of one section; the limiter as in ChainSections.
 template <int N>
@@ -384,7 +384,7 @@ double section(double (&f)[kSectionFields][N], int i, double x, double limit = 0
   return f[kY1][i];
 }
 
-TEST_P(KernelTwin, pairSeries) {
+TEST_P(KernelTwin, PairSeries) {
   PairSections<4> sections{};
   fill(sections.field);
   PairSections<4> plain = sections;
@@ -398,7 +398,7 @@ TEST_P(KernelTwin, pairSeries) {
   }
 }
 
-TEST_P(KernelTwin, chainSeries) {
+TEST_P(KernelTwin, ChainSeries) {
   ChainSections<8> sections{};
   fill(sections.field);
   ChainSections<8> plain = sections, cut = sections;
@@ -418,7 +418,7 @@ TEST_P(KernelTwin, chainSeries) {
   }
 }
 
-TEST_P(KernelTwin, limitedChains) {
+TEST_P(KernelTwin, LimitedChains) {
   for (size_t count = 1; count <= 3; ++count) {
     ChainSections<4> chains[3]{};
     for (ChainSections<4>& chain : chains) {
@@ -443,7 +443,7 @@ TEST_P(KernelTwin, limitedChains) {
   }
 }
 
-TEST_P(KernelTwin, loopRead) {
+TEST_P(KernelTwin, LoopRead) {
   constexpr int kLength = 40;
   std::vector<float> loop;
   for (int i = 0; i < kLength; ++i) loop.push_back(static_cast<float>(between(-1, 1)));
@@ -493,7 +493,7 @@ struct TrebleTwin {
   }
 };
 
-TEST_P(KernelTwin, settleTreble) {
+TEST_P(KernelTwin, SettleTreble) {
   for (const double between : {0.0, 0.3}) {
     TrebleTwin twin;
     twin.treble.between = between;
@@ -506,7 +506,7 @@ TEST_P(KernelTwin, settleTreble) {
   }
 }
 
-TEST_P(KernelTwin, noiseTreble) {
+TEST_P(KernelTwin, NoiseTreble) {
   TrebleTwin twin;
   kernels.settleTreble(twin.treble);
   for (const int n : kLengths) {
@@ -517,7 +517,7 @@ TEST_P(KernelTwin, noiseTreble) {
   }
 }
 
-TEST_P(KernelTwin, roomSide) {
+TEST_P(KernelTwin, RoomSide) {
   const Numbers line = noise(400);
   RoomSide side{};
   double state[RoomSide::kTaps];
@@ -561,7 +561,7 @@ struct MixTwin {
   }
 };
 
-TEST_P(KernelTwin, mixSends) {
+TEST_P(KernelTwin, MixSends) {
   for (const int n : kLengths) {
     MixTwin twin(*this), plain(*this);
     for (size_t i = 0; i < 25; ++i) std::copy_n(twin.rows[i].begin(), 80, plain.rows[i].begin());
@@ -588,7 +588,7 @@ TEST_P(KernelTwin, mixSends) {
   }
 }
 
-TEST_P(KernelTwin, mixRoom) {
+TEST_P(KernelTwin, MixRoom) {
   const double levels[] = {0.9, 0.6, 0.4};
   for (const int n : kLengths) {
     MixTwin twin(*this), plain(*this);
@@ -607,7 +607,7 @@ TEST_P(KernelTwin, mixRoom) {
   }
 }
 
-TEST_P(KernelTwin, mixOutput) {
+TEST_P(KernelTwin, MixOutput) {
   for (const int n : kLengths) {
     MixTwin twin(*this);
     Numbers left(80), right(80), expectedLeft(80), expectedRight(80);
@@ -628,7 +628,7 @@ TEST_P(KernelTwin, mixOutput) {
   }
 }
 
-TEST_P(KernelTwin, fir) {
+TEST_P(KernelTwin, Fir) {
   const Numbers table = noise(kFirTaps), past = noise(80 * 8);
   for (const int n : kLengths) {
     for (const int step : {1, 2, 4, 8}) {
@@ -642,7 +642,7 @@ TEST_P(KernelTwin, fir) {
   }
 }
 
-TEST_P(KernelTwin, tube) {
+TEST_P(KernelTwin, Tube) {
   const auto half = [](double x) {
     const double u = 0.55 * x / (1 + x * (x >= 0 ? 0.5 : -0.125));
     return 1.4 * (1.5 * u - 0.5 * u * u * u - 0.3);
@@ -663,7 +663,7 @@ TEST_P(KernelTwin, tube) {
   }
 }
 
-TEST_P(KernelTwin, transistor) {
+TEST_P(KernelTwin, Transistor) {
   for (const int n : kLengths) {
     const Numbers drive = noise(80, 0.5, 3);
     Numbers samples = noise(80), expected = samples;

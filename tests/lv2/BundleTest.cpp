@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <set>
 
-namespace qlx::lv2::test {
+namespace qlx::test {
 namespace {
 
 using plugin::PortKind;
@@ -66,7 +66,7 @@ class Bundle : public testing::Test {
   World world;
 
  private:
-  qlx::test::TemporaryFolder m_home;
+  TemporaryFolder m_home;
 };
 
 TEST_F(Bundle, DescribesEveryParameterOnce) {
@@ -404,4 +404,4 @@ TEST_F(Bundle, RateFollowsItsOption) {
 }
 
 } // namespace
-} // namespace qlx::lv2::test
+} // namespace qlx::test

@@ -25,7 +25,8 @@
 #include <string>
 #include <vector>
 
-namespace qlx::lv2::test {
+namespace qlx::test {
+using namespace lv2;
 
 /// The bundle as a host reads it, and the numbers that it gives to names.
 class World {
@@ -227,4 +228,4 @@ class Instance {
   alignas(8) std::array<std::uint8_t, 4096> m_events{};
 };
 
-} // namespace qlx::lv2::test
+} // namespace qlx::test

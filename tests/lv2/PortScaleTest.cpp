@@ -11,7 +11,8 @@
 #include <string>
 #include <vector>
 
-namespace qlx::lv2::test {
+namespace qlx::test {
+using namespace lv2;
 namespace {
 
 using plugin::PortKind;
@@ -113,4 +114,4 @@ TEST(PortScale, ReadsWhatTheDisplayShows) {
 }
 
 } // namespace
-} // namespace qlx::lv2::test
+} // namespace qlx::test

@@ -17,7 +17,7 @@
 #include <cstdlib>
 #include <thread>
 
-namespace qlx::lv2::test {
+namespace qlx::test {
 namespace {
 
 class WindowOfBundle : public testing::Test {
@@ -84,7 +84,7 @@ class WindowOfBundle : public testing::Test {
       }};
 
  private:
-  qlx::test::TemporaryFolder m_home;
+  TemporaryFolder m_home;
 };
 
 TEST_F(WindowOfBundle, WritesWhatTheUserDoesAndIsNotTurnedBackByEchoes) {
@@ -238,4 +238,4 @@ TEST_F(WindowOfBundle, RunAllocatesNothing) {
 }
 
 } // namespace
-} // namespace qlx::lv2::test
+} // namespace qlx::test
