@@ -29,7 +29,10 @@ class CommandLine : public testing::Test {
 
   void sound(const std::string& name, int channels, int frames) {
     qlx::tools::AudioOutput out(m_folder / name, "pcm24", 44100.0, channels);
-    out.write(std::vector<double>(static_cast<std::size_t>(channels * frames), 0.25));
+    std::vector<double> square(static_cast<std::size_t>(channels * frames)); // of 1 kHz
+    for (int i = 0; i < channels * frames; ++i)
+      square[static_cast<std::size_t>(i)] = i / channels / 22 % 2 == 0 ? 0.25 : -0.25;
+    out.write(square);
     out.finish();
   }
 
@@ -135,6 +138,21 @@ TEST_F(CommandLine, RendersWithSettingsFromEverySource) {
       EXPECT_THAT(got.output, HasSubstr("out.wav: 0.10 s at 44100 Hz, peak "));
       EXPECT_NEAR(firstSample("out.wav"), c.sample, 2e-3) << c.options;
     }
+}
+
+TEST_F(CommandLine, LoudnessIsChangedMatchedAndListed) {
+  sound("long.wav", 1, 44100);
+  const std::pair<const char*, double> cases[] = {
+      {"", 0.125}, {"--gain 6", 0.2494}, {"--match", 0.25}, {"--match --gain -12", 0.0628}};
+  for (const auto& [options, sample] : cases) {
+    ASSERT_EQ(
+        brezan(std::string("render @ long.wav out.wav --tail 0 --set Gain=norm:0.25 ") + options)
+            .status,
+        0);
+    EXPECT_NEAR(firstSample("out.wav"), sample, 2e-3) << options;
+  }
+  EXPECT_THAT(brezan("presets @ --loudness").output,
+              testing::ContainsRegex("Half Level +-[0-9.]+ +-6\\.0\n"));
 }
 
 TEST_F(CommandLine, RunsAtAnotherRate) {

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fftw3.h>
 #include <numbers>
+#include <numeric>
 
 namespace qlx::test {
 using namespace tools;
@@ -17,14 +18,9 @@ namespace {
 
 constexpr double kSeconds =
     8.0; // tells the rotors apart; a spectrum's bins are its reciprocal apart
-struct Tone {
-  double hz;
-  double turnsPerSecond; // of the rotor that carries it, fast, first preset
-};
-constexpr Tone kTones[] = {{1000.0, 6.77}, {150.0, 6.53}};
+constexpr double kTonesHz[] = {1000.0, 150.0};
 
 struct Heard {
-  double rotor[2];         // revolutions a second
   double levelDb[2];       // of the tones
   std::vector<double> bin; // power, both channels
 };
@@ -49,47 +45,6 @@ std::vector<double> spectrum(const std::vector<double>& sound, std::size_t chann
   return power;
 }
 
-// The tone's amplitude and phase every 10 ms, each the mean under a raised cosine of 40 ms.
-std::vector<std::complex<double>> course(const std::vector<double>& sound, double rate, double hz) {
-  std::vector<std::complex<double>> values;
-  const auto length = static_cast<std::size_t>(0.04 * rate);
-  for (int step = 0; (0.01 * step + 0.05) < kSeconds; ++step) {
-    const auto first = static_cast<std::size_t>(0.01 * step * rate);
-    std::complex<double> sum = 0.0;
-    for (std::size_t i = 0; i < length; ++i) {
-      const double turn = 2.0 * std::numbers::pi * hz * static_cast<double>(first + i) / rate;
-      const double way = static_cast<double>(i) / static_cast<double>(length);
-      sum += std::polar(sound[2 * (first + i)] * (1.0 - std::cos(2.0 * std::numbers::pi * way)),
-                        -turn);
-    }
-    values.push_back(2.0 * sum / static_cast<double>(length));
-  }
-  return values;
-}
-
-// The strongest swing of the tone's level between 2 and 12 a second.
-double swingRate(const std::vector<std::complex<double>>& tone) {
-  double mean = 0.0;
-  for (const auto& value : tone) mean += std::abs(value) / static_cast<double>(tone.size());
-  double best = 0.0;
-  double most = 0.0;
-  for (double hz = 2.0; hz < 12.0; hz += 0.005) {
-    std::complex<double> line = 0.0;
-    for (std::size_t i = 0; i < tone.size(); ++i) {
-      const auto now = static_cast<double>(i);
-      const double window =
-          1.0 - std::cos(2.0 * std::numbers::pi * now / static_cast<double>(tone.size()));
-      line += std::polar((std::abs(tone[i]) - mean) * window,
-                         -2.0 * std::numbers::pi * hz * 0.01 * now);
-    }
-    if (std::abs(line) > most) {
-      most = std::abs(line);
-      best = hz;
-    }
-  }
-  return best;
-}
-
 class RenderRates : public testing::TestWithParam<const char*> {
  protected:
   RenderRates() { setenv("XDG_CONFIG_HOME", (m_folder / "config").c_str(), 1); }
@@ -101,9 +56,8 @@ class RenderRates : public testing::TestWithParam<const char*> {
       AudioOutput dry(m_folder / "dry.wav", "float", rate, 1);
       std::vector<double> sound(frames);
       for (std::size_t i = 0; i < frames; ++i)
-        for (const Tone& tone : kTones)
-          sound[i] +=
-              0.1 * std::sin(2.0 * std::numbers::pi * tone.hz * static_cast<double>(i) / rate);
+        for (const double hz : kTonesHz)
+          sound[i] += 0.1 * std::sin(2.0 * std::numbers::pi * hz * static_cast<double>(i) / rate);
       dry.write(sound);
       dry.finish();
     }
@@ -121,22 +75,24 @@ class RenderRates : public testing::TestWithParam<const char*> {
     std::vector<double> sound(2 * frames);
     wet.read(sound);
     Heard heard;
-    for (std::size_t t = 0; t < std::size(kTones); ++t) {
-      const auto tone = course(sound, rate, kTones[t].hz);
-      double power = 0.0;
-      for (const auto& value : tone) power += std::norm(value) / static_cast<double>(tone.size());
-      heard.levelDb[t] = db(power);
-      heard.rotor[t] = swingRate(tone);
-    }
     heard.bin = spectrum(sound, 0, frames);
     const std::vector<double> right = spectrum(sound, 1, frames);
     for (std::size_t i = 0; i < heard.bin.size(); ++i) heard.bin[i] += right[i];
+    // With what the rotor makes of them beside it.
+    for (std::size_t t = 0; t < std::size(kTonesHz); ++t) {
+      const auto from =
+          heard.bin.begin() + static_cast<std::ptrdiff_t>((kTonesHz[t] - 70.0) * kSeconds);
+      const auto to =
+          heard.bin.begin() + static_cast<std::ptrdiff_t>((kTonesHz[t] + 70.0) * kSeconds);
+      heard.levelDb[t] = db(std::accumulate(from, to, 0.0));
+    }
     return heard;
   }
 
   TemporaryFolder m_folder;
 };
 
+// A rotor at another speed has its side lines elsewhere, too.
 // The strongest bin, in dB below the strongest of all, that has nothing like it (6 dB, 1.5 Hz) in
 // the other spectrum; up to a frequency.
 double strongestStranger(const std::vector<double>& bins, const std::vector<double>& others,
@@ -169,14 +125,8 @@ TEST_P(RenderRates, SoundAlike) {
     // on, -40 dB at most.
     const double stranger =
         strongestStranger(heard.bin, reference.bin, octaveHigher ? 20000.0 : 0.5 * rate);
-    std::printf("%s %6.0f Hz: horn %.3f drum %.3f rev/s, level %+.2f %+.2f dB, stranger %.1f dB\n",
-                GetParam(), rate, heard.rotor[0], heard.rotor[1],
-                heard.levelDb[0] - reference.levelDb[0], heard.levelDb[1] - reference.levelDb[1],
-                stranger);
-    for (std::size_t t = 0; t < std::size(kTones); ++t) {
-      EXPECT_NEAR(heard.rotor[t] / kTones[t].turnsPerSecond, 1.0, 0.01);
-      EXPECT_NEAR(heard.levelDb[t], reference.levelDb[t], 1.0);
-    }
+    for (std::size_t t = 0; t < std::size(kTonesHz); ++t)
+      EXPECT_NEAR(heard.levelDb[t], reference.levelDb[t], 1.0) << kTonesHz[t];
     EXPECT_LT(stranger, -60.0);
   }
 }

@@ -135,7 +135,7 @@ TEST(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
     ASSERT_EQ(std::system((std::string("xdotool ") + gesture.moves).c_str()), 0) << gesture.what;
     EXPECT_EQ(plugin.heard(gesture.heard), gesture.heard) << gesture.what;
   }
-  constexpr int kInterrupted = 130;
+  constexpr int kInterrupted = 128 + SIGTERM;
   EXPECT_EQ(plugin.end(), kInterrupted);
 }
 

@@ -98,6 +98,16 @@ TEST(SettingsStore, OddFoldersAreSilent) {
   EXPECT_EQ(readBytes(folder / "file"), Bytes{1});
 }
 
+TEST(SettingsStore, AValueIsReplacedNotOverwritten) {
+  const TemporaryFolder folder;
+  XdgSettingsStore store(folder.path().string());
+  store.writeText("Value", "old");
+  std::ifstream reader(folder / "Value");
+  store.writeText("Value", "a new one");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), "old");
+  EXPECT_EQ(folder.entries(), 1U);
+}
+
 TEST(SettingsStore, ValuesAboveOneMebibyteAreIgnored) {
   const TemporaryFolder folder;
   const XdgSettingsStore store(folder.path().string());
