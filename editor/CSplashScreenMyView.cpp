@@ -3,15 +3,17 @@
 
 #include "editor/CAbout.h"
 #include "gui/drawing/CDrawContext.h"
+#include "platform/Version.h"
+#include "resources/images/WindowLayout.h"
 
 namespace qlx::editor {
 
 namespace {
 
-constexpr std::string_view kVersion = "v.1.0.0";
 constexpr gui::CFontDesc kVersionFont{10.0};
 constexpr gui::CColor kVersionColour{160, 159, 157, 255};
-constexpr gui::CPoint kVersionSize{80.0, 15.0};
+constexpr gui::CPoint kVersionSize{resources::layout::kAboutVersion.width(),
+                                   resources::layout::kAboutVersion.height()};
 
 } // namespace
 
@@ -29,7 +31,8 @@ void CSplashScreenMyView::draw(gui::CDrawContext& context) {
   context.setFontColor(kVersionColour);
   const gui::CPoint corner = getViewSize().topLeft() + m_versionPoint;
   const gui::CPoint end = corner + kVersionSize;
-  context.drawString(kVersion, {corner.x, corner.y, end.x, end.y}, gui::CHoriTxtAlign::kLeftText);
+  context.drawString("v." + std::string(platform::version()), {corner.x, corner.y, end.x, end.y},
+                     gui::CHoriTxtAlign::kLeftText);
 }
 
 } // namespace qlx::editor

@@ -23,8 +23,7 @@ constexpr WheelStep kLeverWheel{0.15F, 0.1F};
 // A rotor's light passes its slot once a turn, from beyond the right end to beyond the left one,
 // and stands in the middle when the rotor looks to the front.
 constexpr QLXMarker::Travel kMarkerTravel{{-120.0, 0.0}, 0.5F, 298.0};
-constexpr gui::CRect kAboutScreen{0, 0, 400, 533};
-constexpr gui::CPoint kVersionPoint{258.0, 181.0};
+constexpr gui::CPoint kVersionPoint = gui::CRect::of(layout::kAboutVersion).topLeft();
 
 } // namespace
 
@@ -46,30 +45,31 @@ struct EditorControls::Builder {
 };
 
 std::unique_ptr<gui::CControl> EditorControls::Builder::make(const ControlPlace& p) {
+  const gui::CRect place = gui::CRect::of(p.place);
   const gui::CBitmapRef& picture = bitmap(p.bitmap);
   const gui::CCoord height = presets::frameHeight(picture, p.frames);
   switch (p.kind) {
   case ControlPlace::kOnOff:
-    return std::make_unique<QLXOnOffButton>(p.place, &listener, p.tag, picture);
+    return std::make_unique<QLXOnOffButton>(place, &listener, p.tag, picture);
   case ControlPlace::kKick:
-    return std::make_unique<CClickKickButton>(p.place, &listener, p.tag, height, picture);
+    return std::make_unique<CClickKickButton>(place, &listener, p.tag, height, picture);
   case ControlPlace::kLever: {
     auto lever =
-        std::make_unique<QLXVerticalSwitch>(p.place, &listener, p.tag, picture, kLeverTravel);
+        std::make_unique<QLXVerticalSwitch>(place, &listener, p.tag, picture, kLeverTravel);
     lever->setWheelStep(kLeverWheel);
     return lever;
   }
   case ControlPlace::kMarker:
-    return std::make_unique<QLXMarker>(p.place, &listener, p.tag, kMarkerTravel, bitmap(p.handle),
+    return std::make_unique<QLXMarker>(place, &listener, p.tag, kMarkerTravel, bitmap(p.handle),
                                        picture);
   case ControlPlace::kAbout:
-    return std::make_unique<CAbout>(p.place, &listener, p.tag, picture, kAboutScreen, gui::CPoint{},
-                                    kVersionPoint);
+    return std::make_unique<CAbout>(place, &listener, p.tag, picture,
+                                    gui::CRect::of(layout::kAbout), gui::CPoint{}, kVersionPoint);
   case ControlPlace::kRocker:
-    return std::make_unique<presets::CPSRockerSwitch>(p.place, &listener, p.tag, height, picture);
+    return std::make_unique<presets::CPSRockerSwitch>(place, &listener, p.tag, height, picture);
   case ControlPlace::kMovie: break;
   }
-  return std::make_unique<gui::CMovieBitmap>(p.place, &listener, p.tag, p.frames, height, picture);
+  return std::make_unique<gui::CMovieBitmap>(place, &listener, p.tag, p.frames, height, picture);
 }
 
 EditorControls::EditorControls(gui::CFrame& frame, gui::CControlListener& listener,
@@ -85,19 +85,24 @@ EditorControls::EditorControls(gui::CFrame& frame, gui::CControlListener& listen
 void EditorControls::buildKnob(const KnobPlace& p, Builder& builder) {
   const gui::CBitmapRef& strip = builder.bitmap(kKnobStrip);
   auto& shown = m_shown[static_cast<std::size_t>(p.tag)];
-  auto knob = std::make_unique<CAnimKnob3>(p.place, &builder.listener, p.tag, kKnobFrames,
-                                           presets::frameHeight(strip, kKnobFrames), strip,
-                                           gui::CPoint{}, p.steps);
+  auto knob = std::make_unique<CAnimKnob3>(gui::CRect::of(p.place.knob), &builder.listener, p.tag,
+                                           kKnobFrames, presets::frameHeight(strip, kKnobFrames),
+                                           strip, gui::CPoint{}, p.steps);
   knob->setDefaultValue(p.defaultValue);
   knob->setWheelStep(p.wheelStep, kKnobWheelFineFactor);
   knob->setDragFactor(p.dragFactor);
   shown[0] = &builder.frame.addView(std::move(knob));
-  for (std::size_t i = 0; i < p.displays.size() && p.displays[i].converter != nullptr; ++i) {
-    auto display =
-        std::make_unique<CBrezanParamDisplay>(p.displays[i].place, builder.frame.getBackground());
-    display->setBackOffset(p.displays[i].place.topLeft());
-    display->setStringConvert(p.displays[i].converter, builder.formatter);
-    shown[i + 1] = &builder.frame.addView(std::move(display));
+  const auto addDisplay = [&builder](const layout::PixelRect& pixels,
+                                     gui::CParamDisplayConverter converter) {
+    const gui::CRect place = gui::CRect::of(pixels);
+    auto display = std::make_unique<CBrezanParamDisplay>(place, builder.frame.getBackground());
+    display->setBackOffset(place.topLeft());
+    display->setStringConvert(converter, builder.formatter);
+    return &builder.frame.addView(std::move(display));
+  };
+  shown[1] = addDisplay(p.place.display, p.converter);
+  if (p.detailConverter != nullptr) {
+    shown[2] = addDisplay(layout::kSetupDetail, p.detailConverter);
   }
   showParameter(p.tag, builder.valueOf(p.tag));
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "gui/CPoint.h"
-#include "platform/PixelView.h"
+#include "platform/PixelRect.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,9 +33,6 @@ struct CRect {
   }
   constexpr bool meets(const CRect& r) const {
     return r.left < right && left < r.right && r.top < bottom && top < r.bottom;
-  }
-  constexpr CRect offsetBy(const CPoint& d) const {
-    return {left + d.x, top + d.y, right + d.x, bottom + d.y};
   }
   constexpr CRect insetBy(CCoord x, CCoord y) const {
     return {left + x, top + y, right - x, bottom - y};

@@ -4,6 +4,7 @@
 #include "editor/RotaryEditor.h"
 #include "platform/FlushToZero.h"
 #include "platform/NativeWindow.h"
+#include "platform/Version.h"
 #include "plugin/FactoryPresets.h"
 #include "plugin/parameters/ParameterIndex.h"
 #include "plugin/parameters/ParameterLaws.h"
@@ -27,7 +28,6 @@ namespace {
 constexpr std::string_view kEffectName = "QLX Brezan";
 constexpr std::string_view kProductName = "QLX Brezan - rotary speaker emulator";
 constexpr std::string_view kVendorName = "meridane.example";
-constexpr std::int32_t kVendorVersion = 1000;
 
 constexpr std::array<std::string_view, 6> kAbilities = {
     "offline", "plugAsChannelInsert", "1in1out", "1in2out", "2in2out", "receiveVstMidiEvent"};
@@ -237,7 +237,7 @@ bool RotaryEffect::getProductString(char* text) {
   return true;
 }
 
-std::int32_t RotaryEffect::getVendorVersion() { return kVendorVersion; }
+std::int32_t RotaryEffect::getVendorVersion() { return platform::versionNumber(); }
 
 std::int32_t RotaryEffect::canDo(const char* text) {
   return std::ranges::find(kAbilities, std::string_view(text)) != kAbilities.end() ? 1 : 0;

@@ -9,69 +9,69 @@
 #include "presets/panel/CQLXTextEdit.h"
 #include "presets/panel/CSaveLoadButton.h"
 #include "presets/panel/LoadBitmap.h"
+#include "resources/images/WindowLayout.h"
 
 namespace qlx::presets {
 
 namespace {
+
+namespace layout = resources::layout;
 
 enum ButtonKind : std::uint8_t { kRocker, kSaveLoad, kKick, kDoubleKick };
 
 struct Button {
   std::int32_t tag;
   ButtonKind kind;
-  gui::CRect place;
+  layout::PixelRect place;
   int bitmap;
 };
 
 // Later ones lie on top.
 // clang-format off
 constexpr Button kButtons[] = {
-    {kPresetRockerTag, kRocker, {278, 554, 309, 568}, 19997},
-    {kLoadBankTag, kSaveLoad, {54, 554, 66, 568}, 19993},
-    {kSaveBankTag, kSaveLoad, {4, 554, 16, 568}, 19994},
-    {kDefaultBankTag, kDoubleKick, {16, 556, 53, 566}, 19990},
-    {kLoadPresetTag, kSaveLoad, {128, 554, 140, 568}, 19998},
-    {kSavePresetTag, kSaveLoad, {69, 554, 81, 568}, 19999},
-    {kDefaultPresetTag, kDoubleKick, {81, 556, 128, 566}, 19899},
-    {kRecallMemoATag, kKick, {333, 554, 345, 568}, 19991},
-    {kStoreMemoATag, kKick, {311, 554, 323, 568}, 19995},
-    {kRecallMemoBTag, kKick, {371, 554, 383, 568}, 19992},
-    {kStoreMemoBTag, kKick, {349, 554, 361, 568}, 19996},
-    {kUserManualTag, kKick, {384, 554, 400, 568}, 989},
+    {kPresetRockerTag, kRocker, layout::kPresetRocker, 19997},
+    {kLoadBankTag, kSaveLoad, layout::kLoadBank, 19993},
+    {kSaveBankTag, kSaveLoad, layout::kSaveBank, 19994},
+    {kDefaultBankTag, kDoubleKick, layout::kBankDefault, 19990},
+    {kLoadPresetTag, kSaveLoad, layout::kLoadPreset, 19998},
+    {kSavePresetTag, kSaveLoad, layout::kSavePreset, 19999},
+    {kDefaultPresetTag, kDoubleKick, layout::kPresetDefault, 19899},
+    {kRecallMemoATag, kKick, layout::kRecallA, 19991},
+    {kStoreMemoATag, kKick, layout::kStoreA, 19995},
+    {kRecallMemoBTag, kKick, layout::kRecallB, 19992},
+    {kStoreMemoBTag, kKick, layout::kStoreB, 19996},
+    {kUserManualTag, kKick, layout::kManual, 989},
 };
 // clang-format on
 
-constexpr gui::CCoord kNameLeft = 146.0;
-constexpr gui::CCoord kNameRight = 262.0;
-constexpr gui::CCoord kMiddle = 561.0; ///< of the strip
-constexpr gui::CRect kMenuPlace{263, 554, 275, 568};
 constexpr int kMenuEntriesPerColumn = 8;
 constexpr int kButtonFrames = 3;
 constexpr int kRockerFrames = 5;
 
 std::unique_ptr<gui::CControl> makeButton(const Button& button, gui::CControlListener& listener) {
+  const gui::CRect place = gui::CRect::of(button.place);
   const gui::CBitmapRef strip = loadBitmap(button.bitmap);
   const gui::CCoord height =
       frameHeight(strip, button.kind == kRocker ? kRockerFrames : kButtonFrames);
   switch (button.kind) {
   case kRocker:
-    return std::make_unique<CPSRockerSwitch>(button.place, &listener, button.tag, height, strip);
+    return std::make_unique<CPSRockerSwitch>(place, &listener, button.tag, height, strip);
   case kSaveLoad:
-    return std::make_unique<CSaveLoadButton>(button.place, &listener, button.tag, height, strip);
+    return std::make_unique<CSaveLoadButton>(place, &listener, button.tag, height, strip);
   case kKick:
   case kDoubleKick: break;
   }
   const auto press =
       button.kind == kKick ? CPSKickButton::Press::kSingle : CPSKickButton::Press::kDouble;
-  return std::make_unique<CPSKickButton>(button.place, &listener, button.tag, height, strip, press);
+  return std::make_unique<CPSKickButton>(place, &listener, button.tag, height, strip, press);
 }
 
 std::unique_ptr<gui::COptionMenu> makeMenu(gui::CControlListener& listener,
                                            const gui::CBitmapRef& background,
                                            const std::array<PresetSlot, kNumPresetSlots>& slots) {
-  auto menu = std::make_unique<gui::COptionMenu>(kMenuPlace, &listener, kPresetMenuTag, background,
-                                                 gui::kNoTextStyle | gui::kNoDrawStyle |
-                                                     gui::kPopupStyle | gui::kCheckStyle);
+  auto menu = std::make_unique<gui::COptionMenu>(
+      gui::CRect::of(layout::kPresetMenu), &listener, kPresetMenuTag, background,
+      gui::kNoTextStyle | gui::kNoDrawStyle | gui::kPopupStyle | gui::kCheckStyle);
   menu->setNbItemsPerColumn(kMenuEntriesPerColumn);
   for (const PresetSlot& slot : slots) menu->addEntry(slot.nameText());
   return menu;
@@ -84,7 +84,8 @@ PresetPanelView::PresetPanelView(gui::CFrame& frame, gui::CControlListener& list
     : m_frame(frame) {
   const std::string_view name = slots[static_cast<std::size_t>(current)].nameText();
   m_nameField = &frame.addView(std::make_unique<CQLXTextEdit>(
-      kNameLeft, kNameRight, kMiddle, &listener, kPresetNameTag, name, frame.getBackground()));
+      layout::kName.left, layout::kName.right, layout::kName.centreY(), &listener, kPresetNameTag,
+      name, frame.getBackground()));
   m_menu = &frame.addView(makeMenu(listener, frame.getBackground(), slots));
   m_menu->setCurrent(current);
   for (const Button& button : kButtons) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "resources/artwork/Drawings.h"
 #include "resources/artwork/Fittings.h"
+#include "resources/artwork/Layout.h"
 #include "resources/artwork/Materials.h"
 #include "resources/artwork/Palette.h"
 
@@ -10,13 +11,15 @@ namespace {
 
 using Align = Lettering::Align;
 
-constexpr Box kTopBoard{30, 22, 370, 36};
-constexpr Box kFront{38, 36, 362, 492};
-constexpr Box kPlinth{32, 492, 368, 510};
-constexpr Box kHornWindow{62, 54, 338, 144};
-constexpr Box kDrumWindow{62, 266, 338, 470};
-constexpr Box kPlate{52, 162, 348, 246};
-constexpr Box kVersion{252, 178, 340, 200}; // holds the version text, 258..338 x 181..196
+constexpr PixelRect kTopBoard{30, 22, 370, 36};
+constexpr PixelRect kFront{38, 36, 362, 492};
+constexpr PixelRect kPlinth{32, 492, 368, 510};
+constexpr PixelRect kHornWindow{62, 54, 338, 144};
+constexpr PixelRect kDrumWindow{62, 266, 338, 470};
+constexpr PixelRect kPlate{52, 162, 348, 246};
+// A well around the field of the version text.
+constexpr PixelRect kVersion{layout::kAboutVersion.left - 6, layout::kAboutVersion.top - 3,
+                             layout::kAboutVersion.right + 2, layout::kAboutVersion.bottom + 4};
 constexpr double kSlatPitch = 14.0;
 constexpr double kSlatHeight = 6.5;
 
@@ -41,7 +44,8 @@ void drawBackdrop(Canvas& canvas) {
 }
 
 /// A walnut board with rounded edges; `upright` turns its grain.
-void drawBoard(Canvas& canvas, const Box& box, double radius, bool upright, std::uint32_t piece) {
+void drawBoard(Canvas& canvas, const PixelRect& box, double radius, bool upright,
+               std::uint32_t piece) {
   const Mask shape = slab(box, radius).mask(canvas);
   canvas.paint(shape, [&](Point p) {
     const double light = 1.18 - 0.0011 * (p.x - 40.0) - 0.0006 * (p.y - 20.0);
@@ -119,8 +123,8 @@ Seen drumAt(Point p) {
   return {};
 }
 
-void drawWindowOf(Canvas& canvas, const Box& window, Seen (*seenAt)(Point), const Colour& glow,
-                  std::uint32_t piece) {
+void drawWindowOf(Canvas& canvas, const PixelRect& window, Seen (*seenAt)(Point),
+                  const Colour& glow, std::uint32_t piece) {
   const Mask opening = slab(window, 5.0).mask(canvas);
   canvas.fill(slab(window.grown(1), 6.0).mask(canvas).without(opening), srgb(0xc79a62), 0.35);
   constexpr double kGap = kSlatPitch - kSlatHeight;

@@ -26,11 +26,11 @@ class Canvas {
   int scale() const { return m_scale; }
   /// Samples per layout pixel along each axis; the density of masks for this canvas.
   int density() const { return m_scale * kOversampling; }
-  Box box() const { return {0, 0, m_width, m_height}; }
+  PixelRect box() const { return {0, 0, m_width, m_height}; }
 
   /// The coverage of a drawing that may touch `box`, or the whole canvas.
   template <class Draw>
-  Mask mask(Box box, Draw&& draw) const {
+  Mask mask(PixelRect box, Draw&& draw) const {
     return Mask::drawn(density(), box, draw);
   }
   template <class Draw>
@@ -59,7 +59,7 @@ class Canvas {
   /// Asks `draw` for the colour and coverage of every sample of `box`: (Point, Colour& colour,
   /// double& cover); cover starts at 0, which leaves the sample as it is.
   template <class Draw>
-  void shade(Box box, const Draw& draw) {
+  void shade(PixelRect box, const Draw& draw) {
     forEach(box, [&](Point p, Sample& under, int, int) {
       Colour colour;
       double cover = 0.0;
@@ -92,7 +92,7 @@ class Canvas {
   };
 
   template <class Visit>
-  void forEach(Box box, const Visit& visit) {
+  void forEach(PixelRect box, const Visit& visit) {
     const int n = density();
     const int left = std::max(0, box.left * n);
     const int right = std::min(m_columns, box.right * n);

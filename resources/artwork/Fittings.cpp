@@ -8,7 +8,7 @@
 
 namespace qlx::artwork {
 
-Box Slab::box() const {
+PixelRect Slab::box() const {
   return {static_cast<int>(std::floor(left)), static_cast<int>(std::floor(top)),
           static_cast<int>(std::ceil(right)), static_cast<int>(std::ceil(bottom))};
 }
@@ -20,7 +20,7 @@ Mask Slab::mask(const Canvas& canvas) const {
   });
 }
 
-Slab slab(const Box& box, double radius) {
+Slab slab(const PixelRect& box, double radius) {
   return {static_cast<double>(box.left), static_cast<double>(box.top),
           static_cast<double>(box.right), static_cast<double>(box.bottom), radius};
 }
@@ -76,7 +76,7 @@ void pushCap(Canvas& canvas, const Slab& place, CapState state, const Mask& mark
 void signalLamp(Canvas& canvas, Point centre, double radius, bool on, const Colour& off,
                 const Colour& lit) {
   const double edge = canvas.density();
-  const Box box{
+  const PixelRect box{
       static_cast<int>(centre.x - 2.5 * radius) - 2, static_cast<int>(centre.y - 2.5 * radius) - 2,
       static_cast<int>(centre.x + 2.5 * radius) + 2, static_cast<int>(centre.y + 2.5 * radius) + 2};
   if (on) {
@@ -111,8 +111,9 @@ void signalLamp(Canvas& canvas, Point centre, double radius, bool on, const Colo
 void screw(Canvas& canvas, Point centre, double radius, double slotDegrees) {
   const double edge = canvas.density();
   const double angle = slotDegrees * std::numbers::pi / 180.0;
-  const Box box{static_cast<int>(centre.x - radius) - 3, static_cast<int>(centre.y - radius) - 3,
-                static_cast<int>(centre.x + radius) + 3, static_cast<int>(centre.y + radius) + 3};
+  const PixelRect box{
+      static_cast<int>(centre.x - radius) - 3, static_cast<int>(centre.y - radius) - 3,
+      static_cast<int>(centre.x + radius) + 3, static_cast<int>(centre.y + radius) + 3};
   canvas.shade(box, [&](Point p, Colour& colour, double& cover) {
     colour = {};
     cover = 0.6 * (1.0 - smoothstep(radius - 0.4, radius + 1.2,

@@ -18,11 +18,11 @@ struct Slab {
   double bottom;
   double radius = 2.0;
 
-  Box box() const;
+  PixelRect box() const;
   Mask mask(const Canvas& canvas) const;
 };
 
-Slab slab(const Box& box, double radius);
+Slab slab(const PixelRect& box, double radius);
 
 /// The set of small print.
 LetterStyle captionStyle(double tracking = 0.05);

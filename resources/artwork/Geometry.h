@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "platform/PixelRect.h"
+
 namespace qlx::artwork {
 
 /// A place in layout pixels: x to the right, y down.
@@ -9,21 +11,7 @@ struct Point {
   double y = 0;
 };
 
-/// A rectangle on whole layout pixels, right and bottom excluded.
-struct Box {
-  int left = 0;
-  int top = 0;
-  int right = 0;
-  int bottom = 0;
-
-  constexpr int width() const { return right - left; }
-  constexpr int height() const { return bottom - top; }
-  constexpr double centreX() const { return 0.5 * (left + right); }
-  constexpr double centreY() const { return 0.5 * (top + bottom); }
-  constexpr Box grown(int by) const { return {left - by, top - by, right + by, bottom + by}; }
-  constexpr Box moved(int dx, int dy) const {
-    return {left + dx, top + dy, right + dx, bottom + dy};
-  }
-};
+/// On whole layout pixels.
+using platform::PixelRect;
 
 } // namespace qlx::artwork

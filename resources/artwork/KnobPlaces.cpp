@@ -15,7 +15,7 @@ constexpr double kTickFrom = 20.2;
 constexpr double kTickTo = 22.3;
 constexpr int kCaptionGap = 4; // from a caption's baseline to its knob
 
-void drawSeat(Canvas& canvas, const Box& knob) {
+void drawSeat(Canvas& canvas, const PixelRect& knob) {
   const Point centre{knob.centreX(), knob.centreY()};
   const double edge = canvas.density();
   canvas.shade(knob.grown(12), [&](Point p, Colour& colour, double& cover) {
@@ -54,11 +54,11 @@ void drawTicks(Canvas& canvas, const layout::KnobPlace& place) {
 }
 
 /// The wells: displays that overlap share one.
-std::vector<Box> wells() {
-  std::vector<Box> result;
+std::vector<PixelRect> wells() {
+  std::vector<PixelRect> result;
   for (const auto& place : layout::kKnobs) {
-    const Box well = place.display.grown(1);
-    Box* last = result.empty() ? nullptr : &result.back();
+    const PixelRect well = place.display.grown(1);
+    PixelRect* last = result.empty() ? nullptr : &result.back();
     const bool shared = last != nullptr && last->top == well.top && well.left < last->right &&
                         well.left > last->left;
     if (shared) {
@@ -74,7 +74,7 @@ std::vector<Box> wells() {
 
 void drawKnobPlaces(Frame& frame) {
   Canvas& canvas = frame.canvas;
-  for (const Box& well : wells()) {
+  for (const PixelRect& well : wells()) {
     sinkWell(canvas, slab(well, 2.0).mask(canvas), srgb(palette::kWell));
   }
   for (const auto& place : layout::kKnobs) drawSeat(canvas, place.knob);

@@ -192,10 +192,10 @@ Mask Lettering::line(const Canvas& canvas, std::string_view text, const LetterSt
     const double phase = m_library->stemPhase(style, scale) / (kPixel * scale);
     pen = std::floor((pen + phase) * scale + 0.5) / scale - phase;
   }
-  const Box box{static_cast<int>(std::floor(pen + ink.left)) - 1,
-                static_cast<int>(std::floor(baseline - style.size)) - 1,
-                static_cast<int>(std::ceil(pen + ink.right)) + 1,
-                static_cast<int>(std::ceil(baseline + 0.4 * style.size)) + 1};
+  const PixelRect box{static_cast<int>(std::floor(pen + ink.left)) - 1,
+                      static_cast<int>(std::floor(baseline - style.size)) - 1,
+                      static_cast<int>(std::ceil(pen + ink.right)) + 1,
+                      static_cast<int>(std::ceil(baseline + 0.4 * style.size)) + 1};
   return canvas.mask(box, [&](cairo_t* cr) {
     trace(cr, text, style, scale, pen, baseline);
     cairo_fill(cr);

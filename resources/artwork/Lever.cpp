@@ -119,7 +119,7 @@ void drawLever(Frame& frame) {
   const Pose pose = poseOf(frame.index);
   const double edge = frame.canvas.density();
   drawSlot(frame, pose);
-  const Box all = frame.canvas.box();
+  const PixelRect all = frame.canvas.box();
   frame.canvas.shade(all, [&](Point p, Colour& colour, double& cover) {
     colour = {};
     cover = shadowAt(pose, p);

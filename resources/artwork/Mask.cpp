@@ -37,12 +37,12 @@ void soften(std::vector<float>& line, std::vector<float>& spare, int radius) {
 
 } // namespace
 
-Mask::Mask(int density, Box box)
+Mask::Mask(int density, PixelRect box)
     : m_density(density), m_box(box), m_columns(box.width() * density),
       m_rows(box.height() * density),
       m_coverage(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows)) {}
 
-Mask Mask::drawn(int density, Box box, const std::function<void(cairo_t*)>& draw) {
+Mask Mask::drawn(int density, PixelRect box, const std::function<void(cairo_t*)>& draw) {
   Mask mask(density, box);
   const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
       cairo_image_surface_create(CAIRO_FORMAT_A8, mask.m_columns, mask.m_rows),
@@ -115,9 +115,9 @@ Mask Mask::moved(double dx, double dy) const {
     return static_cast<int>(std::floor(static_cast<double>(step) / m_density));
   };
   auto pixelsUp = [this](int step) { return (step % m_density != 0) ? 1 : 0; };
-  const Box box{m_box.left + pixels(stepX), m_box.top + pixels(stepY),
-                m_box.right + pixels(stepX) + pixelsUp(stepX),
-                m_box.bottom + pixels(stepY) + pixelsUp(stepY)};
+  const PixelRect box{m_box.left + pixels(stepX), m_box.top + pixels(stepY),
+                      m_box.right + pixels(stepX) + pixelsUp(stepX),
+                      m_box.bottom + pixels(stepY) + pixelsUp(stepY)};
   Mask result(m_density, box);
   for (int row = 0; row < result.m_rows; ++row) {
     for (int column = 0; column < result.m_columns; ++column) {

@@ -16,12 +16,12 @@ namespace qlx::artwork {
 class Mask {
  public:
   /// An empty mask; `density` is the number of samples per layout pixel along each axis.
-  Mask(int density, Box box);
+  Mask(int density, PixelRect box);
 
   /// The coverage of what `draw` fills or strokes, in layout pixels, with full opacity.
-  static Mask drawn(int density, Box box, const std::function<void(cairo_t*)>& draw);
+  static Mask drawn(int density, PixelRect box, const std::function<void(cairo_t*)>& draw);
 
-  const Box& box() const { return m_box; }
+  const PixelRect& box() const { return m_box; }
   int density() const { return m_density; }
   int columns() const { return m_columns; }
   int rows() const { return m_rows; }
@@ -51,7 +51,7 @@ class Mask {
   }
 
   int m_density;
-  Box m_box;
+  PixelRect m_box;
   int m_columns;
   int m_rows;
   std::vector<float> m_coverage;

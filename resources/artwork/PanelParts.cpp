@@ -50,7 +50,7 @@ Mask pressedSlot(Canvas& canvas, const Slab& place) {
   return opening;
 }
 
-void drawRotorWindow(Frame& frame, const Box& slot, const char* name) {
+void drawRotorWindow(Frame& frame, const PixelRect& slot, const char* name) {
   Canvas& canvas = frame.canvas;
   // The bezel with its end caps, then the same cavity that the marker's strip shows.
   const Slab bezel{slot.left - 3.0, slot.top - 2.0, slot.right + 3.0, slot.bottom + 2.0, 3.0};
@@ -86,7 +86,7 @@ void drawRotorWindows(Frame& frame) {
 
 void drawNamePlate(Frame& frame) {
   Canvas& canvas = frame.canvas;
-  const Box& plate = layout::kNamePlate;
+  const PixelRect& plate = layout::kNamePlate;
   layPlate(canvas, slab(plate, 3.0), 0.62, 0.38);
   screw(canvas, {plate.left + 8.5, plate.centreY()}, 3.4, 35.0);
   screw(canvas, {plate.right - 8.5, plate.centreY()}, 3.4, 110.0);

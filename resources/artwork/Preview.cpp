@@ -39,7 +39,7 @@ void writeTexts(Picture& window, const Lettering& lettering) {
 
 Picture previewed(const Lettering& lettering, const Pose& pose) {
   Picture window = drawn(artwork(4000), lettering, 1);
-  auto put = [&](int number, int frame, const Box& place) {
+  auto put = [&](int number, int frame, const PixelRect& place) {
     const Artwork& art = artwork(number);
     window.composite(drawn(art, lettering, 1), frame * art.frameHeight, art.width, art.frameHeight,
                      place.left, place.top);
@@ -60,7 +60,7 @@ Picture previewed(const Lettering& lettering, const Pose& pose) {
   put(2003, on, layout::kStop);
   put(2004, on, layout::kSpeed);
   for (const bool horn : {true, false}) {
-    const Box& slot = horn ? layout::kHornSlot : layout::kDrumSlot;
+    const PixelRect& slot = horn ? layout::kHornSlot : layout::kDrumSlot;
     Picture strip = drawn(artwork(horn ? 2008 : 2013), lettering, 1);
     double turn = 1.0 - pose.rotors + 0.5;
     if (turn > 1.0) turn -= 1.0;

@@ -10,12 +10,14 @@ namespace {
 constexpr double kPanelRadius = 4.0;
 constexpr double kStripRadius = 2.0;
 
-double radiusOf(const Box& panel) { return panel.height() < 20 ? kStripRadius : kPanelRadius; }
+double radiusOf(const PixelRect& panel) {
+  return panel.height() < 20 ? kStripRadius : kPanelRadius;
+}
 
 /// The board a place belongs to: uprights at the sides and between cabinet and lever, mitred
 /// against the top and bottom bars; rails between the panels.
 Colour board(Point p) {
-  const Box& window = layout::kWindow;
+  const PixelRect& window = layout::kWindow;
   const double side = std::min(p.x, window.right - p.x);
   const double end = std::min(p.y, window.bottom - p.y);
   const bool between = p.x > layout::kCabinetPanel.right - 1.0 &&
@@ -26,7 +28,7 @@ Colour board(Point p) {
   return walnut(p.x, p.y, p.y < 200.0 ? 3 : 4);
 }
 
-void drawPanel(Canvas& canvas, const Box& panel) {
+void drawPanel(Canvas& canvas, const PixelRect& panel) {
   const double radius = radiusOf(panel);
   const Mask shape = slab(panel, radius).mask(canvas);
   // The wood's rounded edge: dark where it turns away from the lamp, light where it faces it.
@@ -63,7 +65,7 @@ void drawCarcass(Canvas& canvas) {
   canvas.fill(whole.without(whole.moved(1, 0)), srgb(0xc9a06a), 0.25);
   canvas.fill(whole.without(whole.moved(0, -1)), {}, 0.6);
   canvas.fill(whole.without(whole.moved(-1, 0)), {}, 0.6);
-  for (const Box& panel : layout::kPanels) drawPanel(canvas, panel);
+  for (const PixelRect& panel : layout::kPanels) drawPanel(canvas, panel);
 }
 
 void drawWindow(Frame& frame) {

@@ -42,8 +42,8 @@ inline constexpr std::array<Partial, 8> kHum = {{{kShaftHz, -18.0},
                                                  {10.0 * kMainsHz, -27.0},
                                                  {14.0 * kMainsHz, -34.0}}};
 
-// Levels of the recordings, root mean square. They are set by ear's measure at the output: see
-// resources/recordings/README.md.
+// Levels of the recordings, root mean square. Set so that the noise has the wanted level at the
+// plug-in's output, see resources/recordings/README.md.
 inline constexpr double kHornSlowDb = -51.8;
 inline constexpr double kHornFastDb = -45.4;
 inline constexpr double kDrumSlowDb = -54.3;
