@@ -14,10 +14,9 @@ class CAbout final : public gui::CSplashScreen {
          gui::CBitmapRef picture, const gui::CRect& screen, const gui::CPoint& offset,
          const gui::CPoint& versionPoint);
 
-  gui::CMouseEventResult onMouseDown(const gui::CPoint& where,
-                                     const gui::CButtonState& buttons) override;
-
  private:
+  std::unique_ptr<gui::CSplashView> makeView() override;
+
   gui::CPoint m_versionPoint;
 };
 

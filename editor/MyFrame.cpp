@@ -5,7 +5,7 @@ namespace qlx::editor {
 
 gui::CMouseEventResult MyFrame::platformOnMouseDown(const gui::CPoint& where,
                                                     const gui::CButtonState& buttons) {
-  if (m_focusOnClick) takeKeyboardFocus();
+  takeKeyboardFocus();
   return CFrame::platformOnMouseDown(where, buttons);
 }
 

@@ -11,13 +11,8 @@ class MyFrame final : public gui::CFrame {
  public:
   using CFrame::CFrame;
 
-  void setFocusOnClick(bool focus) { m_focusOnClick = focus; }
-
   gui::CMouseEventResult platformOnMouseDown(const gui::CPoint& where,
                                              const gui::CButtonState& buttons) override;
-
- private:
-  bool m_focusOnClick = true;
 };
 
 } // namespace qlx::editor

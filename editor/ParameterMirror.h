@@ -18,7 +18,7 @@ class ParameterMirror {
   void put(std::int32_t index, float value) noexcept {
     if (index < 0 || index >= plugin::kNumHostParameters) return;
     m_values[static_cast<std::size_t>(index)].store(value, std::memory_order_relaxed);
-    // Whoever sees the mark sees the value.
+    // Release: a thread that sees the mark sees the value.
     m_changed.fetch_or(std::uint64_t{1} << index, std::memory_order_release);
   }
 

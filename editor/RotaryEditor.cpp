@@ -69,7 +69,6 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent) {
                          static_cast<double>(m_background->height())};
   const auto frame = std::make_shared<MyFrame>(whole, std::move(window), loadTypeface());
   frame->setBackground(m_background);
-  frame->setKnobMode(gui::kLinearMode);
   setFrame(frame);
   m_mirror.clear();
   m_controls =
@@ -118,7 +117,7 @@ void RotaryEditor::showReadout() {
 
 void RotaryEditor::setParameter(std::int32_t index, float value) {
   if (index == kMidiChannelRockerTag) {
-    // The rocker's own road back: it comes on the window's thread, out of its press.
+    // The rocker's own press, which comes back here by way of the host.
     if (isWindowThread()) stepMidiChannel();
     return;
   }
@@ -165,7 +164,7 @@ bool RotaryEditor::picture(const sdk::EditorPicture& request) {
   const bool fits = request.pixels != nullptr && request.width == m_rectangle.right &&
                     request.height == m_rectangle.bottom &&
                     (request.clickCount <= 0 || request.clicks != nullptr);
-  const platform::HeadlessWindowSystem windows;
+  const platform::OffscreenWindowSystem windows;
   if (!fits || m_controls != nullptr || !openIn(windows, this)) return false;
   idle();
   for (std::int32_t i = 0; i < request.clickCount && windows.lastWindow() != nullptr; ++i) {

@@ -28,7 +28,6 @@ class CButtonState {
   constexpr bool isRightButton() const { return has(kRButton); }
   constexpr bool isShiftSet() const { return has(kShift); }
   constexpr bool isControlSet() const { return has(kControl); }
-  constexpr bool isAltSet() const { return has(kAlt); }
   constexpr bool isDoubleClick() const { return has(kDoubleClick); }
   /// Any pointer button at all.
   constexpr bool anyButton() const { return has(kLButton | kMButton | kRButton); }

@@ -3,6 +3,27 @@
 
 namespace qlx::gui {
 
+namespace {
+
+using platform::WindowEvent;
+using platform::WindowEventType;
+
+CButtonState stateOf(std::uint32_t pointerButtons, const WindowEvent& event) {
+  const auto bit = [](bool set, std::uint32_t value) { return set ? value : 0U; };
+  return {bit((pointerButtons & platform::kPointerLeft) != 0, kLButton) |
+          bit((pointerButtons & platform::kPointerMiddle) != 0, kMButton) |
+          bit((pointerButtons & platform::kPointerRight) != 0, kRButton) |
+          bit((event.modifiers & platform::kModifierShift) != 0, kShift) |
+          bit((event.modifiers & platform::kModifierControl) != 0, kControl) |
+          bit((event.modifiers & platform::kModifierAlt) != 0, kAlt) |
+          bit((event.modifiers & platform::kModifierSuper) != 0, kSuper) |
+          bit(event.doubleClick, kDoubleClick)};
+}
+
+constexpr std::uint32_t kAnyButton = kLButton | kMButton | kRButton;
+
+} // namespace
+
 CFrame::CFrame(const CRect& size, std::unique_ptr<platform::NativeWindow> window,
                std::shared_ptr<CTypeface> typeface)
     : CViewContainer(size), m_window(std::move(window)), m_typeface(std::move(typeface)),
@@ -10,16 +31,16 @@ CFrame::CFrame(const CRect& size, std::unique_ptr<platform::NativeWindow> window
       m_context(m_picture, m_typeface.get()),
       m_dirtyRegion({0, 0, m_picture.width, m_picture.height}),
       m_exposedRegion({0, 0, m_picture.width, m_picture.height}) {
-  setPlace(this, nullptr);
+  setPlace(this);
   m_window->setListener(this);
 }
 
 CFrame::~CFrame() {
   closePopup();
-  m_deadPopups.clear();
+  m_removedPopups.clear();
   m_window->setListener(nullptr);
   removeModalView();
-  m_dead.clear();
+  m_removedViews.clear();
   removeAllViews();
 }
 
@@ -31,7 +52,7 @@ void CFrame::draw(CDrawContext& context) {
   const CRect all = getViewSize();
   const bool covered = m_background != nullptr && m_background->width() >= m_picture.width &&
                        m_background->height() >= m_picture.height;
-  if (!covered) context.fillRect(all, m_backgroundColour);
+  if (!covered) context.fillRect(all, kBlackCColor);
   if (m_background != nullptr) context.drawBitmap(*m_background, all);
   drawViews(context);
   if (m_modalView != nullptr) m_modalView->render(context);
@@ -39,11 +60,6 @@ void CFrame::draw(CDrawContext& context) {
 
 void CFrame::setBackground(CBitmapRef background) {
   m_background = std::move(background);
-  invalidAll();
-}
-
-void CFrame::setBackgroundColor(const CColor& colour) {
-  m_backgroundColour = colour;
   invalidAll();
 }
 
@@ -71,11 +87,6 @@ void CFrame::redraw() {
   m_exposedRegion.clear();
 }
 
-void CFrame::drawInto(PixelBuffer& target) {
-  CDrawContext context(target, m_typeface.get());
-  draw(context);
-}
-
 void CFrame::idle() {
   m_window->pump();
   if (isOpen()) {
@@ -84,12 +95,12 @@ void CFrame::idle() {
     if (m_popup != nullptr) m_popup->redraw();
     redraw();
   }
-  buryTheDead();
+  destroyRemoved();
 }
 
-void CFrame::buryTheDead() {
-  m_deadPopups.clear();
-  m_dead.clear();
+void CFrame::destroyRemoved() {
+  m_removedPopups.clear();
+  m_removedViews.clear();
 }
 
 // --- Modal view, focus, popup ---
@@ -98,7 +109,7 @@ bool CFrame::setModalView(std::unique_ptr<CView> view) {
   if (m_modalView != nullptr) return false;
   setHoverView(nullptr, {}, {});
   m_modalView = std::move(view);
-  m_modalView->setPlace(this, this);
+  m_modalView->setPlace(this);
   m_modalView->setDirty();
   return true;
 }
@@ -106,8 +117,8 @@ bool CFrame::setModalView(std::unique_ptr<CView> view) {
 void CFrame::removeModalView() {
   if (m_modalView == nullptr) return;
   invalidRect(m_modalView->getViewSize());
-  m_modalView->setPlace(nullptr, nullptr);
-  m_dead.push_back(std::move(m_modalView));
+  m_modalView->setPlace(nullptr);
+  m_removedViews.push_back(std::move(m_modalView));
 }
 
 void CFrame::setFocusView(CView* view) {
@@ -147,7 +158,7 @@ bool CFrame::openPopup(std::unique_ptr<CView> content, const CPoint& corner,
 void CFrame::closePopup() {
   if (m_popup == nullptr) return;
   m_popup->m_window->setListener(nullptr);
-  m_deadPopups.push_back(std::move(m_popup));
+  m_removedPopups.push_back(std::move(m_popup));
   const auto closed = std::exchange(m_popupClosed, nullptr);
   if (closed) closed();
 }
@@ -160,6 +171,138 @@ void CFrame::forgetView(const CView& view) {
   if (m_focusView == &view) m_focusView = nullptr;
   if (m_mouseDownView == &view) m_mouseDownView = nullptr;
   if (m_hoverView == &view) m_hoverView = nullptr;
+}
+
+// --- Input: how the window's events reach the views ---
+
+bool CFrame::onWindowEvent(const WindowEvent& event) {
+  const CPoint where{static_cast<CCoord>(event.x), static_cast<CCoord>(event.y)};
+  switch (event.type) {
+  case WindowEventType::kMouseDown: platformOnMouseDown(where, stateOf(event.button, event)); break;
+  case WindowEventType::kMouseUp: platformOnMouseUp(where, stateOf(event.button, event)); break;
+  case WindowEventType::kMouseMove:
+    platformOnMouseMoved(where, stateOf(event.buttons, event));
+    break;
+  case WindowEventType::kMouseLeave: platformOnMouseExited(); break;
+  case WindowEventType::kWheel:
+    return platformOnWheel(where, event.distance, stateOf(event.buttons, event));
+  case WindowEventType::kExpose:
+    m_exposedRegion.add({event.x, event.y, event.x + event.width, event.y + event.height});
+    break;
+  case WindowEventType::kKeyDown:
+  case WindowEventType::kKeyUp: return onKeyEvent(event);
+  case WindowEventType::kFocusGained: break;
+  case WindowEventType::kFocusLost:
+  case WindowEventType::kClosed:
+    closePopup();
+    if (m_focusView != nullptr) m_focusView->onFocusLost();
+    break;
+  case WindowEventType::kPressOutside: closePopup(); break;
+  case WindowEventType::kSelectionText:
+    if (m_focusView != nullptr) m_focusView->onSelectionText(event.text);
+    break;
+  }
+  return true;
+}
+
+bool CFrame::onKeyEvent(const WindowEvent& event) {
+  const CKeyCode key{event.key, event.character, event.modifiers, event.text};
+  return event.type == WindowEventType::kKeyDown ? platformOnKeyDown(key) : platformOnKeyUp(key);
+}
+
+CView* CFrame::viewAt(const CPoint& where) const {
+  if (m_modalView == nullptr) return getViewAt(where);
+  if (!m_modalView->hitTest(where)) return nullptr;
+  const auto* container = dynamic_cast<const CViewContainer*>(m_modalView.get());
+  CView* inner = container == nullptr ? nullptr : container->getViewAt(where);
+  return inner != nullptr ? inner : m_modalView.get();
+}
+
+CMouseEventResult CFrame::platformOnMouseDown(const CPoint& where, const CButtonState& buttons) {
+  m_pointerLeft = false;
+  if (m_popup != nullptr) {
+    closePopup();
+    return CMouseEventResult::kHandledDontNeedMoves;
+  }
+  // A gesture belongs to the button that started it.
+  if (m_mouseDownView != nullptr) return CMouseEventResult::kHandled;
+
+  CView* target = viewAt(where);
+  if (target != nullptr && target->wantsFocus())
+    setFocusView(target);
+  else if (m_focusView != nullptr && m_focusView != target)
+    m_focusView->onFocusLost();
+
+  std::pair<CView*, CMouseEventResult> taken{nullptr, CMouseEventResult::kNotHandled};
+  if (m_modalView == nullptr) {
+    taken = dispatchMouseDown(where, buttons);
+  } else if (m_modalView->hitTest(where)) {
+    CView* modal = m_modalView.get();
+    if (auto* container = dynamic_cast<CViewContainer*>(modal))
+      taken = container->dispatchMouseDown(where, buttons);
+    if (taken.first == nullptr) taken = {modal, modal->onMouseDown(where, buttons)};
+  }
+  if (taken.second == CMouseEventResult::kHandled && taken.first->getFrame() == this) {
+    m_mouseDownView = taken.first;
+    m_mouseDownButton = buttons.bits() & kAnyButton;
+  }
+  return taken.second;
+}
+
+CMouseEventResult CFrame::platformOnMouseUp(const CPoint& where, const CButtonState& buttons) {
+  if (m_mouseDownView == nullptr || (buttons.bits() & kAnyButton) != m_mouseDownButton)
+    return CMouseEventResult::kNotHandled;
+  CView* view = std::exchange(m_mouseDownView, nullptr);
+  const CMouseEventResult result = view->onMouseUp(where, buttons);
+  setHoverView(viewAt(where), where, buttons);
+  return result;
+}
+
+CMouseEventResult CFrame::platformOnMouseMoved(const CPoint& where, const CButtonState& buttons) {
+  m_pointerLeft = false;
+  if (m_mouseDownView != nullptr) return m_mouseDownView->onMouseMoved(where, buttons);
+  setHoverView(viewAt(where), where, buttons);
+  return m_hoverView == nullptr ? CMouseEventResult::kNotHandled
+                                : m_hoverView->onMouseMoved(where, buttons);
+}
+
+void CFrame::platformOnMouseExited() {
+  if (m_mouseDownView != nullptr) return;
+  setHoverView(nullptr, {-1.0, -1.0}, {});
+  m_pointerLeft = true;
+}
+
+void CFrame::setHoverView(CView* view, const CPoint& where, const CButtonState& buttons) {
+  if (view == m_hoverView) return;
+  if (CView* before = std::exchange(m_hoverView, view); before != nullptr)
+    before->onMouseExited(where, buttons);
+  m_window->setPointerShape(m_hoverView == nullptr ? platform::PointerShape::kArrow
+                                                   : m_hoverView->getPointerShape());
+  if (m_hoverView != nullptr) m_hoverView->onMouseEntered(where, buttons);
+}
+
+bool CFrame::platformOnWheel(const CPoint& where, float distance, const CButtonState& buttons) {
+  if (m_mouseDownView != nullptr || m_popup != nullptr) return false;
+  if (m_modalView == nullptr) return onWheel(where, distance, buttons);
+  return m_modalView->hitTest(where) && m_modalView->onWheel(where, distance, buttons);
+}
+
+bool CFrame::platformOnKeyDown(const CKeyCode& key) {
+  if (m_popup != nullptr) {
+    // A letter that the list knows nothing of is still no command to the host.
+    m_popup->platformOnKeyDown(key);
+    return true;
+  }
+  // Behind a modal view nothing gets keys but a text being edited.
+  const bool focusGetsKeys = m_focusView != nullptr && (m_modalView == nullptr || editsText());
+  if (focusGetsKeys && m_focusView->onKeyDown(key)) return true;
+  return m_modalView != nullptr && m_modalView->onKeyDown(key);
+}
+
+bool CFrame::platformOnKeyUp(const CKeyCode& key) {
+  if (m_popup != nullptr) return m_popup->platformOnKeyUp(key);
+  if (m_modalView != nullptr) return m_modalView->onKeyUp(key);
+  return m_focusView != nullptr && m_focusView->onKeyUp(key);
 }
 
 } // namespace qlx::gui

@@ -4,7 +4,6 @@
 #include "gui/CColor.h"
 #include "gui/CViewContainer.h"
 #include "gui/DirtyRegion.h"
-#include "gui/controls/CKnob.h"
 #include "gui/drawing/CBitmap.h"
 #include "gui/drawing/CDrawContext.h"
 #include "platform/NativeWindow.h"
@@ -40,14 +39,9 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   /// False once the window is gone (its parent destroyed, the display lost, the user closed it).
   bool isOpen() const;
 
-  /// Drawn under all views. Not scaled.
+  /// Drawn under all views, not scaled. It is black beside the bitmap.
   void setBackground(CBitmapRef background);
   const CBitmapRef& getBackground() const { return m_background; }
-  /// Where there is no bitmap. Black unless set.
-  void setBackgroundColor(const CColor& colour);
-
-  void setKnobMode(CKnobMode mode) { m_knobMode = mode; }
-  CKnobMode getKnobMode() const { return m_knobMode; }
 
   /// Asks for a redraw of an area, or of everything.
   void invalidRect(const CRect& area);
@@ -77,13 +71,10 @@ class CFrame : public CViewContainer, private platform::WindowListener {
                  std::function<void()> closed);
   /// The content is destroyed after the running handler.
   void closePopup();
-  bool hasPopup() const { return m_popup != nullptr; }
   /// Where the popup lies, in this frame's coordinates. Empty without one.
   CRect getPopupPlace() const;
-  /// The popup's own frame, or null.
-  CFrame* getPopup() const { return m_popup.get(); }
 
-  /// The platform's entry points; also for what a host hands over by other roads. `where` in pixels
+  /// The platform's entry points; also for events that a host hands over itself. `where` in pixels
   /// of the window. The state of a press or release has the one button that changed.
   virtual CMouseEventResult platformOnMouseDown(const CPoint& where, const CButtonState& buttons);
   virtual CMouseEventResult platformOnMouseUp(const CPoint& where, const CButtonState& buttons);
@@ -93,15 +84,8 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   virtual bool platformOnKeyDown(const CKeyCode& key);
   virtual bool platformOnKeyUp(const CKeyCode& key);
 
-  /// The view that a running gesture belongs to, or null.
-  CView* getMouseDownView() const { return m_mouseDownView; }
-
   CTypeface* getTypeface() const { return m_typeface.get(); }
   platform::NativeWindow& getWindow() const { return *m_window; }
-  /// The window's picture as last drawn.
-  const PixelBuffer& getPicture() const { return m_picture; }
-  /// Redraws everything into another buffer of the frame's size; nothing becomes clean by it.
-  void drawInto(PixelBuffer& target);
 
   /// The toolkit's own: whether a context draws what the window will show.
   bool isScreen(const CDrawContext& context) const { return &context == &m_context; }
@@ -116,7 +100,7 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void setHoverView(CView* view, const CPoint& where, const CButtonState& buttons);
   CView* viewAt(const CPoint& where) const;
   bool editsText() const { return m_focusView != nullptr && m_focusView->isEditingText(); }
-  void buryTheDead();
+  void destroyRemoved();
 
   std::unique_ptr<platform::NativeWindow> m_window;
   std::shared_ptr<CTypeface> m_typeface;
@@ -125,11 +109,10 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   DirtyRegion m_dirtyRegion;
   DirtyRegion m_exposedRegion;
   CBitmapRef m_background;
-  CColor m_backgroundColour = kBlackCColor;
-  CKnobMode m_knobMode = kCircularMode;
   std::unique_ptr<CView> m_modalView;
-  std::vector<std::unique_ptr<CView>> m_dead;
-  std::vector<std::unique_ptr<CFrame>> m_deadPopups;
+  // Removed while their own handlers may still run; destroyed at the end of idle.
+  std::vector<std::unique_ptr<CView>> m_removedViews;
+  std::vector<std::unique_ptr<CFrame>> m_removedPopups;
   std::unique_ptr<CFrame> m_popup;
   std::function<void()> m_popupClosed;
   CView* m_focusView = nullptr;

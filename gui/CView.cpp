@@ -7,8 +7,8 @@
 namespace qlx::gui {
 
 CView::CView(const CView& other)
-    : CBaseObject(other), m_size(other.m_size), m_visible(other.m_visible),
-      m_mouseEnabled(other.m_mouseEnabled), m_wantsFocus(other.m_wantsFocus) {}
+    : CBaseObject(other), m_size(other.m_size), m_mouseEnabled(other.m_mouseEnabled),
+      m_wantsFocus(other.m_wantsFocus) {}
 
 void CView::draw(CDrawContext& /*context*/) {}
 
@@ -50,12 +50,6 @@ void CView::setDirty(bool dirty) {
   if (dirty || !m_rendering) m_dirty.store(dirty, std::memory_order_relaxed);
 }
 
-void CView::setVisible(bool visible) {
-  if (visible == m_visible) return;
-  m_visible = visible;
-  if (m_frame != nullptr) m_frame->invalidRect(m_size);
-}
-
 void CView::render(CDrawContext& context) {
   m_rendering = true;
   Drawing drawing = Drawing::kAside;
@@ -71,17 +65,16 @@ void CView::render(CDrawContext& context) {
 }
 
 void CView::collectDirty(DirtyRegion& region) {
-  if (m_visible && isDirty()) region.add(m_size.touchedPixels());
+  if (isDirty()) region.add(m_size.touchedPixels());
 }
 
-void CView::setPlace(CFrame* frame, CViewContainer* parent) {
+void CView::setPlace(CFrame* frame) {
   if (m_frame != nullptr && frame != m_frame) {
     removed();
     m_frame->forgetView(*this);
   }
   const bool entered = frame != nullptr && frame != m_frame;
   m_frame = frame;
-  m_parent = parent;
   if (entered) attached();
 }
 

@@ -14,7 +14,6 @@ namespace qlx::gui {
 
 class CDrawContext;
 class CFrame;
-class CViewContainer;
 class DirtyRegion;
 
 /// A rectangle of the window that draws itself and takes input. A view belongs to the container
@@ -76,8 +75,6 @@ class CView : public CBaseObject {
   virtual bool isDirty() const { return m_dirty.load(std::memory_order_relaxed); }
   void invalid() { setDirty(true); }
 
-  bool isVisible() const { return m_visible; }
-  void setVisible(bool visible);
   bool getMouseEnabled() const { return m_mouseEnabled; }
   void setMouseEnabled(bool enabled) { m_mouseEnabled = enabled; }
   /// Whether a press on the view gives it the keyboard focus.
@@ -86,14 +83,13 @@ class CView : public CBaseObject {
 
   /// Null while the view is in no frame.
   CFrame* getFrame() const { return m_frame; }
-  CViewContainer* getParentView() const { return m_parent; }
 
   /// The toolkit's own: draws the view, and makes it clean when this puts all of it on the screen.
   void render(CDrawContext& context);
   /// The toolkit's own: adds what must be redrawn.
   virtual void collectDirty(DirtyRegion& region);
-  /// The toolkit's own: the view came into a frame and container, or left them (null).
-  virtual void setPlace(CFrame* frame, CViewContainer* parent);
+  /// The toolkit's own: the view came into a frame, or left it (null).
+  virtual void setPlace(CFrame* frame);
 
  protected:
   /// Copies the settings; the copy is in no container.
@@ -103,7 +99,7 @@ class CView : public CBaseObject {
   enum class Drawing : unsigned char {
     kWhole, ///< all of the view on the screen
     kPart,  ///< a part of it; the rest of the screen keeps what it shows
-    kAside, ///< a picture that nobody sees
+    kAside, ///< not for the screen
   };
   /// Fixes what the drawing shows. After a whole one the screen is up to date.
   virtual void latch(Drawing drawing) {
@@ -114,10 +110,8 @@ class CView : public CBaseObject {
  private:
   CRect m_size;
   CFrame* m_frame = nullptr;
-  CViewContainer* m_parent = nullptr;
   std::atomic<bool> m_dirty{true};
   bool m_rendering = false;
-  bool m_visible = true;
   bool m_mouseEnabled = true;
   bool m_wantsFocus = false;
 };

@@ -10,7 +10,7 @@ namespace qlx::gui {
 namespace {
 
 bool isReached(const CView& view, const CPoint& where) {
-  return view.isVisible() && view.getMouseEnabled() && view.hitTest(where);
+  return view.getMouseEnabled() && view.hitTest(where);
 }
 
 } // namespace
@@ -31,14 +31,13 @@ void CViewContainer::draw(CDrawContext& context) { drawViews(context); }
 void CViewContainer::drawViews(CDrawContext& context) {
   const CRect clip = CRect::of(context.getClip());
   for (const auto& view : m_views)
-    if (view->isVisible() && CRect::of(view->getViewSize().touchedPixels()).meets(clip))
-      view->render(context);
+    if (CRect::of(view->getViewSize().touchedPixels()).meets(clip)) view->render(context);
 }
 
 void CViewContainer::insertView(std::unique_ptr<CView> view) {
   CView& added = *view;
   m_views.push_back(std::move(view));
-  added.setPlace(getFrame(), this);
+  added.setPlace(getFrame());
   added.setDirty();
 }
 
@@ -49,7 +48,7 @@ std::unique_ptr<CView> CViewContainer::removeView(CView& view) {
   if (CFrame* frame = getFrame()) frame->invalidRect(view.getViewSize());
   std::unique_ptr<CView> taken = std::move(*place);
   m_views.erase(place);
-  taken->setPlace(nullptr, nullptr);
+  taken->setPlace(nullptr);
   return taken;
 }
 
@@ -68,14 +67,13 @@ CView* CViewContainer::getViewAt(const CPoint& where) const {
 }
 
 void CViewContainer::collectDirty(DirtyRegion& region) {
-  if (!isVisible()) return;
   CView::collectDirty(region);
   for (const auto& view : m_views) view->collectDirty(region);
 }
 
-void CViewContainer::setPlace(CFrame* frame, CViewContainer* parent) {
-  for (const auto& view : m_views) view->setPlace(frame, frame == nullptr ? nullptr : this);
-  CView::setPlace(frame, parent);
+void CViewContainer::setPlace(CFrame* frame) {
+  for (const auto& view : m_views) view->setPlace(frame);
+  CView::setPlace(frame);
 }
 
 std::pair<CView*, CMouseEventResult>

@@ -39,7 +39,7 @@ class CViewContainer : public CView {
   CView* getViewAt(const CPoint& where) const;
 
   void collectDirty(DirtyRegion& region) override;
-  void setPlace(CFrame* frame, CViewContainer* parent) override;
+  void setPlace(CFrame* frame) override;
 
   /// Offers a press from the topmost view down. Answers the view that took it and its answer.
   std::pair<CView*, CMouseEventResult> dispatchMouseDown(const CPoint& where,

@@ -111,7 +111,7 @@ class WindowSystem {
                                                      int height) const = 0;
 };
 
-/// The window system of the desktop that this was built for; stateless, lives for ever.
+/// The window system of the desktop that this was built for; stateless, never destroyed.
 const WindowSystem& nativeWindowSystem();
 
 } // namespace qlx::platform

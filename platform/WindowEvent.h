@@ -22,7 +22,7 @@ enum PointerButton : std::uint32_t {
 };
 
 /// Keys that have no character of their own. The numbers are those that plug-in hosts use when they
-/// hand key presses to an effect, so both roads meet in one table.
+/// hand key presses to an effect, so that one table serves both ways in.
 enum class VirtualKey : std::uint8_t {
   kNone = 0,
   kBack = 1,

@@ -98,7 +98,6 @@ class AudioEffect {
   void setNumInputs(std::int32_t count) noexcept { m_record.numInputs = count; }
   void setNumOutputs(std::int32_t count) noexcept { m_record.numOutputs = count; }
   void setFlags(std::int32_t flags) noexcept { m_record.flags |= flags; }
-  void setInitialDelay(std::int32_t samples) noexcept { m_record.initialDelay = samples; }
 
   std::int32_t getUniqueId() const noexcept { return m_record.uniqueId; }
 

@@ -279,14 +279,6 @@ struct EditRectangle {
   std::int16_t right;
 };
 
-struct PatchChunkInfo {
-  std::int32_t version;
-  std::int32_t uniqueId;
-  std::int32_t effectVersion;
-  std::int32_t numElements;
-  char future[48];
-};
-
 enum VirtualKey : unsigned char {
   kKeyNone = 0,
   kKeyBack = 1,
@@ -392,6 +384,5 @@ static_assert(offsetof(MidiEvent, detune) == 28);
 static_assert(offsetof(EventList, reserved) == 8);
 static_assert(offsetof(EventList, events) == 16);
 static_assert(sizeof(EditRectangle) == 8);
-static_assert(sizeof(PatchChunkInfo) == 64);
 
 } // namespace qlx::sdk

@@ -1,26 +1,14 @@
 // SPDX-License-Identifier: ISC
 #include "gui/controls/CKnob.h"
 
-#include "gui/CFrame.h"
-
 #include <algorithm>
-#include <cmath>
-#include <numbers>
 
 namespace qlx::gui {
 
 namespace {
 
-constexpr float kTurns = 0.75F;         // the knob's travel: -135 to +135 degrees
-constexpr CCoord kLinearTravel = 200.0; // pixels for the whole range
-constexpr CCoord kFineFactor = 5.0;     // as many times more with Shift
-
-// Clockwise from straight down, in turns 0..1.
-float angleAt(const CPoint& centre, const CPoint& where) {
-  const double angle =
-      std::atan2(centre.x - where.x, where.y - centre.y) / (2.0 * std::numbers::pi);
-  return static_cast<float>(angle < 0.0 ? angle + 1.0 : angle);
-}
+constexpr CCoord kTravel = 200.0;   // pixels for the whole range
+constexpr CCoord kFineFactor = 5.0; // as many times more with Shift
 
 } // namespace
 
@@ -35,7 +23,6 @@ CMouseEventResult CKnob::onMouseDown(const CPoint& where, const CButtonState& bu
     return CMouseEventResult::kHandledDontNeedMoves;
   }
   m_lastPoint = where;
-  m_lastAngle = angleAt(getViewSize().centre(), where);
   m_exact = getValueNormalized();
   return onMouseMoved(where, buttons);
 }
@@ -47,21 +34,10 @@ CMouseEventResult CKnob::onMouseUp(const CPoint& /*where*/, const CButtonState& 
 
 CMouseEventResult CKnob::onMouseMoved(const CPoint& where, const CButtonState& buttons) {
   if (!buttons.isLeftButton()) return CMouseEventResult::kHandled;
-  const CKnobMode mode = getFrame() == nullptr ? kLinearMode : getFrame()->getKnobMode();
-  const float angle = angleAt(getViewSize().centre(), where);
-  if (mode == kCircularMode) {
-    // The gap of a quarter turn at the bottom belongs to the nearer end.
-    m_exact = (angle - (1.0F - kTurns) * 0.5F) / kTurns;
-  } else if (mode == kRelativCircularMode) {
-    const float turned = angle - m_lastAngle;
-    m_exact += (turned - std::round(turned)) / kTurns;
-  } else {
-    const CPoint moved = where - m_lastPoint;
-    const CCoord travel = buttons.isShiftSet() ? kLinearTravel * kFineFactor : kLinearTravel;
-    m_exact += static_cast<float>((moved.x - moved.y) / travel);
-  }
+  const CPoint moved = where - m_lastPoint;
+  const CCoord travel = buttons.isShiftSet() ? kTravel * kFineFactor : kTravel;
+  m_exact += static_cast<float>((moved.x - moved.y) / travel);
   m_lastPoint = where;
-  m_lastAngle = angle;
   m_exact = std::clamp(m_exact, 0.0F, 1.0F);
   const float before = getValue();
   setValueNormalized(m_exact);

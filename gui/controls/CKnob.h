@@ -5,13 +5,9 @@
 
 namespace qlx::gui {
 
-/// How dragging turns a knob; the numbers are the hosts'.
-enum CKnobMode : std::int32_t { kCircularMode = 0, kRelativCircularMode = 1, kLinearMode = 2 };
-
-/// A control that is turned by dragging, in the mode that its frame says: to the angle of the
-/// pointer, by the change of that angle, or along a line (right and up raise; 200 pixels for the
-/// whole range, five times as many with Shift). Control with the left button goes to the default.
-/// Derived classes draw it.
+/// A control that is turned by dragging along a line: right and up raise; 200 pixels for the whole
+/// range, five times as many with Shift. Control with the left button goes to the default. Derived
+/// classes draw it.
 class CKnob : public CControl {
  public:
   CKnob(const CRect& size, CControlListener* listener, std::int32_t tag, CBitmapRef background);
@@ -33,7 +29,6 @@ class CKnob : public CControl {
  private:
   CPoint m_lastPoint;
   float m_exact = 0.0F;
-  float m_lastAngle = 0.0F;
 };
 
 } // namespace qlx::gui

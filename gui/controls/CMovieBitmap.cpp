@@ -3,20 +3,6 @@
 
 namespace qlx::gui {
 
-namespace {
-
-std::int32_t framesIn(const CBitmapRef& strip, CCoord height) {
-  if (strip == nullptr || height < 1.0) return 1;
-  return static_cast<std::int32_t>(strip->height() / height);
-}
-
-} // namespace
-
-CMovieBitmap::CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
-                           const CBitmapRef& strip, const CPoint& offset)
-    : CMovieBitmap(size, listener, tag, framesIn(strip, size.height()), size.height(), strip,
-                   offset) {}
-
 CMovieBitmap::CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
                            std::int32_t frames, CCoord heightOfOneImage, CBitmapRef strip,
                            const CPoint& offset)

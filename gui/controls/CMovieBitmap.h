@@ -9,9 +9,6 @@ namespace qlx::gui {
 /// Shows the frame (int)(normalised value x (frames - 1) + 0.5) of a strip. Ignores the mouse.
 class CMovieBitmap : public CControl, public IMultiBitmapControl {
  public:
-  /// As many frames as fit the bitmap with the rectangle's height.
-  CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag,
-               const CBitmapRef& strip, const CPoint& offset = {});
   CMovieBitmap(const CRect& size, CControlListener* listener, std::int32_t tag, std::int32_t frames,
                CCoord heightOfOneImage, CBitmapRef strip, const CPoint& offset = {});
 

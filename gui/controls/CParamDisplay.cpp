@@ -85,9 +85,4 @@ void CParamDisplay::setHoriAlign(CHoriTxtAlign align) {
   setDirty();
 }
 
-void CParamDisplay::setStyle(std::int32_t style) {
-  m_style = style;
-  setDirty();
-}
-
 } // namespace qlx::gui

@@ -45,12 +45,9 @@ class CParamDisplay : public CControl {
   void setFontColor(const CColor& colour);
   const CColor& getFontColor() const { return m_fontColour; }
   void setBackColor(const CColor& colour);
-  const CColor& getBackColor() const { return m_backColour; }
   void setFrameColor(const CColor& colour);
-  const CColor& getFrameColor() const { return m_frameColour; }
   void setHoriAlign(CHoriTxtAlign align);
   CHoriTxtAlign getHoriAlign() const { return m_align; }
-  void setStyle(std::int32_t style);
   std::int32_t getStyle() const { return m_style; }
 
  protected:

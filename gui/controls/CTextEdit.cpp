@@ -259,7 +259,7 @@ bool CTextEdit::onMotionKey(const CKeyCode& key) {
   return true;
 }
 
-// Control with A, C, X, V, and their elder relatives on Insert and Delete.
+// Control with A, C, X, V, and the older shortcuts with Insert and Delete.
 bool CTextEdit::onShortcut(const CKeyCode& key) {
   const bool control = (key.modifiers & platform::kModifierControl) != 0;
   const bool shift = (key.modifiers & platform::kModifierShift) != 0;

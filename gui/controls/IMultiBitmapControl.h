@@ -12,9 +12,7 @@ class IMultiBitmapControl {
  public:
   virtual ~IMultiBitmapControl() = default;
 
-  void setHeightOfOneImage(CCoord height) { m_heightOfOneImage = height; }
   CCoord getHeightOfOneImage() const { return m_heightOfOneImage; }
-  void setNumSubPixmaps(std::int32_t count) { m_subPixmaps = count; }
   std::int32_t getNumSubPixmaps() const { return m_subPixmaps; }
   /// Where in the strip the frame for a normalised value begins: frame (int)(value x (frames - 1) +
   /// 0.5).

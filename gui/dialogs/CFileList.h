@@ -35,8 +35,6 @@ class CFileList final : public CViewContainer {
 
   const FileListModel& getModel() const { return m_model; }
   CFileRows& getRows() const { return *m_rows; }
-  /// Null unless it asks for a name.
-  CFileName* getNameField() const { return m_name; }
 
   /// What the buttons do. Accepting a folder enters it.
   void accept();
@@ -61,7 +59,7 @@ class CFileList final : public CViewContainer {
   std::string m_title;
   Answer m_answer;
   CFileRows* m_rows = nullptr;
-  CFileName* m_name = nullptr;
+  CFileName* m_name = nullptr; ///< null unless it asks for a name
 };
 
 } // namespace qlx::gui

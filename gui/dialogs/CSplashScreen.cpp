@@ -46,11 +46,15 @@ std::unique_ptr<CView> CSplashScreen::newCopy() const {
   return std::unique_ptr<CView>(new CSplashScreen(*this));
 }
 
+std::unique_ptr<CSplashView> CSplashScreen::makeView() {
+  return std::make_unique<CSplashView>(*this, m_screen);
+}
+
 void CSplashScreen::draw(CDrawContext& /*context*/) { setDirty(false); }
 
 CMouseEventResult CSplashScreen::onMouseDown(const CPoint& /*where*/, const CButtonState& buttons) {
   if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
-  if (getFrame()->setModalView(std::make_unique<CSplashView>(*this, m_screen))) setValue(getMax());
+  if (getFrame()->setModalView(makeView())) setValue(getMax());
   return CMouseEventResult::kHandledDontNeedMoves;
 }
 

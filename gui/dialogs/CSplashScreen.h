@@ -55,6 +55,8 @@ class CSplashScreen : public CControl {
 
  protected:
   CSplashScreen(const CSplashScreen&) = default;
+  /// The view that a click shows.
+  virtual std::unique_ptr<CSplashView> makeView();
 
  private:
   CRect m_screen;

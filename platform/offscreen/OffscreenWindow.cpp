@@ -83,13 +83,13 @@ void OffscreenWindow::destroyByOthers() {
 
 std::size_t OffscreenWindow::takePresentedPixels() { return std::exchange(m_presented, 0); }
 
-std::unique_ptr<NativeWindow> HeadlessWindowSystem::openChild(std::uintptr_t parent, int width,
-                                                              int height) const {
+std::unique_ptr<NativeWindow> OffscreenWindowSystem::openChild(std::uintptr_t parent, int width,
+                                                               int height) const {
   return parent == 0 ? nullptr : openTopLevel(TopLevelLook{}, width, height);
 }
 
-std::unique_ptr<NativeWindow> HeadlessWindowSystem::openTopLevel(const TopLevelLook& /*look*/,
-                                                                 int width, int height) const {
+std::unique_ptr<NativeWindow> OffscreenWindowSystem::openTopLevel(const TopLevelLook& /*look*/,
+                                                                  int width, int height) const {
   auto window = std::make_unique<OffscreenWindow>(width, height);
   window->m_system = this;
   m_last = window.get();

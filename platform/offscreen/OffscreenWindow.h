@@ -10,7 +10,7 @@
 
 namespace qlx::platform {
 
-class HeadlessWindowSystem;
+class OffscreenWindowSystem;
 
 /// A window without a screen: events are put in by hand and arrive at the next pump, the presented
 /// picture can be read back, time stands still until it is moved. For tests and for pictures made
@@ -68,7 +68,7 @@ class OffscreenWindow final : public NativeWindow {
   }
 
  private:
-  friend class HeadlessWindowSystem;
+  friend class OffscreenWindowSystem;
 
   int m_width;
   int m_height;
@@ -77,7 +77,7 @@ class OffscreenWindow final : public NativeWindow {
   std::vector<VirtualKey> m_passedOn;
   std::array<std::string, 2> m_selections;
   WindowListener* m_listener = nullptr;
-  const HeadlessWindowSystem* m_system = nullptr;
+  const OffscreenWindowSystem* m_system = nullptr;
   OffscreenWindow* m_owner = nullptr;
   OffscreenWindow* m_popup = nullptr;
   PixelRect m_place;
@@ -89,8 +89,8 @@ class OffscreenWindow final : public NativeWindow {
   PointerShape m_pointerShape = PointerShape::kArrow;
 };
 
-/// Makes headless windows; outlives them. The last one made can be looked at while it lives.
-class HeadlessWindowSystem final : public WindowSystem {
+/// Makes offscreen windows; outlives them. The last one made can be looked at while it lives.
+class OffscreenWindowSystem final : public WindowSystem {
  public:
   std::unique_ptr<NativeWindow> openChild(std::uintptr_t parent, int width,
                                           int height) const override;

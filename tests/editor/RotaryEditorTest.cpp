@@ -382,7 +382,8 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
     rig.editor->idle(); // what the first one read from the effect
     if (round % 4 == 0) rig.mouse(WindowEventType::kMouseUp, 0, 0);
     ASSERT_NE(rig.windows.lastWindow(), nullptr);
-    rig.frame().drawInto(whole);
+    gui::CDrawContext context(whole, rig.frame().getTypeface());
+    rig.frame().draw(context);
     ASSERT_TRUE(rig.picture() == whole.pixels) << "round " << round;
   }
 }

@@ -68,35 +68,27 @@ TEST_F(Controls, RockerSpringsBack) {
 
 struct KnobCase {
   const char* what;
-  CKnobMode mode;
   std::uint32_t modifiers;
   int fromX, fromY, toX, toY;
   int before, after; // percent
 };
 
-TEST_F(Controls, KnobFollowsTheMode) {
+TEST_F(Controls, KnobFollowsTheDrag) {
   constexpr std::uint32_t kShiftKey = platform::kModifierShift;
   // Centre (30, 30).
   const KnobCase cases[]{
-      {"right raises", kLinearMode, 0, 30, 30, 80, 30, 50, 75},
-      {"down lowers", kLinearMode, 0, 30, 30, 30, 80, 50, 25},
-      {"both axes add", kLinearMode, 0, 30, 30, 50, 10, 50, 70},
-      {"Shift is finer", kLinearMode, kShiftKey, 30, 30, 130, 30, 50, 60},
-      {"stops at the end", kLinearMode, 0, 30, 30, 199, 30, 50, 100},
-      {"default", kLinearMode, platform::kModifierControl, 30, 30, 80, 30, 50, 20},
-      {"points up", kCircularMode, 0, 30, 20, 30, 15, 10, 50},
-      {"points left", kCircularMode, 0, 30, 20, 15, 30, 10, 17},
-      {"points right", kCircularMode, 0, 30, 20, 45, 30, 10, 83},
-      {"below the start", kCircularMode, 0, 30, 20, 29, 45, 50, 0},
-      {"quarter turn on", kRelativCircularMode, 0, 30, 20, 45, 30, 50, 83},
-      {"half a turn back", kRelativCircularMode, 0, 45, 30, 30, 15, 50, 17},
+      {"right raises", 0, 30, 30, 80, 30, 50, 75},
+      {"down lowers", 0, 30, 30, 30, 80, 50, 25},
+      {"both axes add", 0, 30, 30, 50, 10, 50, 70},
+      {"Shift is finer", kShiftKey, 30, 30, 130, 30, 50, 60},
+      {"stops at the end", 0, 30, 30, 199, 30, 50, 100},
+      {"default", platform::kModifierControl, 30, 30, 80, 30, 50, 20},
   };
   auto& knob = frame->addView(std::make_unique<CAnimKnob>(CRect{10, 10, 50, 50}, &recorder, 7, 11,
                                                           40, testStrip(40, 40, 11)));
   knob.setDefaultValue(0.2F);
   for (const KnobCase& c : cases) {
     SCOPED_TRACE(c.what);
-    frame->setKnobMode(c.mode);
     knob.setValue(static_cast<float>(c.before) / 100.0F);
     press(c.fromX, c.fromY, platform::kPointerLeft, c.modifiers);
     drag(c.toX, c.toY, c.modifiers);
@@ -109,9 +101,8 @@ TEST_F(Controls, KnobFollowsTheMode) {
 }
 
 TEST_F(Controls, MovieShowsTheNearestFrame) {
-  auto& movie =
-      frame->addView(std::make_unique<CMovieBitmap>(kPlace, nullptr, 7, testStrip(40, 20, 5)));
-  ASSERT_EQ(movie.getNumSubPixmaps(), 5);
+  auto& movie = frame->addView(
+      std::make_unique<CMovieBitmap>(kPlace, nullptr, 7, 5, 20, testStrip(40, 20, 5)));
   const std::pair<float, int> cases[]{{0.0F, 0}, {0.124F, 0}, {0.126F, 1}, {0.5F, 2}, {1.0F, 4}};
   for (const auto& [value, shown] : cases) {
     movie.setValue(value);
@@ -204,7 +195,7 @@ TEST_F(Controls, WhatIsDrawnIsTheValueOnRecord) {
   const CBitmapRef three = testStrip(40, 20, 3);
   expectUndisturbed<CKickButton>(*this, "kick", kPlace, nullptr, 1, 20.0, two);
   expectUndisturbed<COnOffButton>(*this, "on/off", kPlace, nullptr, 1, two);
-  expectUndisturbed<CMovieBitmap>(*this, "movie", kPlace, nullptr, 1, two);
+  expectUndisturbed<CMovieBitmap>(*this, "movie", kPlace, nullptr, 1, 2, 20.0, two);
   expectUndisturbed<CAnimKnob>(*this, "knob", kPlace, nullptr, 1, 2, 20.0, two);
   expectUndisturbed<CRockerSwitch>(*this, "rocker", kPlace, nullptr, 1, 20.0, three);
   expectUndisturbed<CParamDisplay>(*this, "display", kPlace);

@@ -163,7 +163,8 @@ TEST_F(FileLists, AreWorkedByThePointer) {
   EXPECT_EQ(frame->getModalView(), nullptr);
   EXPECT_EQ(shown(), [&] {
     PixelBuffer whole(401, 570);
-    frame->drawInto(whole);
+    CDrawContext context(whole, frame->getTypeface());
+    frame->draw(context);
     return whole.pixels;
   }());
 }

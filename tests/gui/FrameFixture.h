@@ -73,7 +73,8 @@ class FrameFixture : public testing::Test {
 
   std::vector<std::uint32_t> redrawnWhole() const {
     PixelBuffer whole(200, 100);
-    frame->drawInto(whole);
+    CDrawContext context(whole, frame->getTypeface());
+    frame->draw(context);
     return whole.pixels;
   }
 

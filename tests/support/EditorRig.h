@@ -142,7 +142,7 @@ class EditorRig {
   }
 
   SilentEffect effect;
-  platform::HeadlessWindowSystem windows;
+  platform::OffscreenWindowSystem windows;
   std::shared_ptr<MemorySettingsStore> settings = std::make_shared<MemorySettingsStore>();
   plugin::ParameterFormatter formatter;
   ScriptedFileSelector* selector = nullptr;

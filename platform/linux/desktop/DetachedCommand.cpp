@@ -16,7 +16,7 @@
 namespace qlx::platform {
 namespace {
 
-// The shell leaves at once; what it leaves behind belongs to the system's first process.
+// The shell exits at once, so that its child is inherited by the system's first process.
 constexpr const char* kScript = R"({ "$@" 3>&-; echo $? >&3; } &)";
 constexpr int kStatusDescriptor = 3;
 
@@ -141,7 +141,7 @@ DetachedCommand& DetachedCommand::operator=(DetachedCommand&& other) noexcept {
   return *this;
 }
 
-// The starter has nothing to do but to start: it is long gone, or will be in a millisecond.
+// Waiting is short: the starter exits as soon as it has started the command.
 DetachedCommand::~DetachedCommand() { reapStarter(true); }
 
 void DetachedCommand::reapStarter(bool wait) {

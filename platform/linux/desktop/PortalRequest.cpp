@@ -132,7 +132,7 @@ void PortalRequest::handleReply(DBusMessage& reply) {
   if (about == m_helloSerial && m_callSerial == 0) {
     if (!sendCall(firstText(reply, DBUS_TYPE_STRING))) m_state = State::Failed;
   } else if (about == m_callSerial) {
-    // Portals of old put the request elsewhere.
+    // Old portals give the request another path.
     const std::string handle = firstText(reply, DBUS_TYPE_OBJECT_PATH);
     const bool heard = !handle.empty() && (handle == m_handle || listenTo(handle));
     m_state = heard ? State::Accepted : State::Failed;

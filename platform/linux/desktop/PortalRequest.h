@@ -21,7 +21,7 @@ class PortalRequest {
 
   enum class State : std::uint8_t {
     Asking,   ///< nobody has taken it on yet
-    Accepted, ///< it is in the user's hands, which may take any time
+    Accepted, ///< shown to the user, who may take any time
     Answered, ///< see answer() and paths()
     Failed,   ///< no portal, no such request, no word in time, or the portal went away
   };

@@ -44,7 +44,7 @@ bool X11Picture::share() {
     else
       shmdt(memory);
   }
-  // Goes with its last user, however that one ends.
+  // The system removes it with its last user, even after a crash.
   shmctl(id, IPC_RMID, nullptr);
   return attached;
 }

@@ -10,8 +10,8 @@
 
 namespace qlx::platform {
 
-/// The road of pixels to a window: memory shared with the display, or through the connection when
-/// that can't be had.
+/// Sends pixels to a window: through memory shared with the display, or through the connection
+/// where there is none.
 class X11Picture {
  public:
   X11Picture(X11Connection& connection, xcb_window_t window, int width, int height);
@@ -21,8 +21,6 @@ class X11Picture {
 
   /// The area lies inside the picture, and the picture has the window's size.
   void put(const PixelView& picture, const PixelRect& area);
-
-  bool isShared() const { return m_shared != nullptr; }
 
  private:
   bool share();
