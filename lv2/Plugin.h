@@ -3,7 +3,7 @@
 
 #include "lv2/ControlPorts.h"
 #include "plugin/RotaryEffect.h"
-#include "presets/panel/ThreadMarks.h"
+#include "presets/store/ThreadMarks.h"
 
 #include <lv2/atom/atom.h>
 #include <lv2/core/lv2.h>

@@ -4,6 +4,7 @@
 #include "brezan/Interrupt.h"
 #include "brezan/plugin/EditorWindow.h"
 #include "brezan/plugin/PluginLocation.h"
+#include "brezan/plugin/SilentBlock.h"
 #include "brezan/plugin/StartingPoint.h"
 
 #include <chrono>
@@ -42,13 +43,10 @@ class SilentPlayer {
 
  private:
   static void play(PluginHost& host, const std::stop_token& stop) {
-    std::array<std::vector<float>, 4> buffers;
-    buffers.fill(std::vector<float>(kBlock));
-    std::array inputs{buffers[0].data(), buffers[1].data()};
-    std::array outputs{buffers[2].data(), buffers[3].data()};
+    SilentBlock block(kBlock);
     auto next = Clock::now();
     while (!stop.stop_requested()) {
-      host.process(inputs.data(), outputs.data(), kBlock);
+      block.play(host);
       next += std::chrono::duration_cast<Clock::duration>(kBlockTime);
       std::this_thread::sleep_until(next);
     }

@@ -3,8 +3,8 @@
 
 #include "brezan/Table.h"
 #include "brezan/analysis/LeverMarks.h"
-#include "brezan/pictures/Picture.h"
 #include "brezan/pictures/PngFile.h"
+#include "brezan/pictures/SoundPicture.h"
 #include "brezan/sound/AudioFile.h"
 #include "brezan/sound/SoundLevel.h"
 

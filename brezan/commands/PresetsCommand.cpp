@@ -31,8 +31,8 @@ struct PresetsOptions {
   bool loudness = false;
 };
 
-/// The plug-in as the home of presets. What is wrong with a file goes to standard error, also where
-/// the plug-in makes the best of it.
+/// The presets of a plug-in, loaded and saved. What is wrong with a file goes to standard error,
+/// also where the plug-in makes the best of it.
 class PresetHome {
  public:
   explicit PresetHome(const std::filesystem::path& plugin) : m_host(plugin) {

@@ -5,8 +5,10 @@
 #include "brezan/pictures/PngFile.h"
 #include "brezan/plugin/EditorWindow.h"
 #include "brezan/plugin/PluginLocation.h"
+#include "brezan/plugin/SilentBlock.h"
 #include "brezan/plugin/StartingPoint.h"
 #include "platform/WindowRobot.h"
+#include "resources/images/WindowLayout.h"
 
 #include <chrono>
 #include <cmath>
@@ -22,8 +24,10 @@ using Click = sdk::EditorClick;
 
 constexpr double kRate = 48000.0;
 constexpr int kBlock = 480;
-/// Where the name plate is that opens the about screen.
-constexpr Click kNamePlate{100, 167};
+/// On the name plate, which opens the about screen.
+constexpr Click kNamePlate{
+    (resources::layout::kNamePlate.left + resources::layout::kNamePlate.right) / 2,
+    (resources::layout::kNamePlate.top + resources::layout::kNamePlate.bottom) / 2};
 constexpr int kIdlesPerStep = 12;
 constexpr std::chrono::milliseconds kIdleTime{10};
 
@@ -59,12 +63,8 @@ void sendControl(PluginHost& host, const std::string& text) {
 }
 
 void playSilence(PluginHost& host, double seconds) {
-  std::array<std::vector<float>, 4> buffers;
-  buffers.fill(std::vector<float>(kBlock));
-  std::array inputs{buffers[0].data(), buffers[1].data()};
-  std::array outputs{buffers[2].data(), buffers[3].data()};
-  for (auto blocks = std::lround(seconds * kRate / kBlock); blocks > 0; --blocks)
-    host.process(inputs.data(), outputs.data(), kBlock);
+  SilentBlock block(kBlock);
+  for (auto blocks = std::lround(seconds * kRate / kBlock); blocks > 0; --blocks) block.play(host);
 }
 
 /// The editor as the plug-in itself draws it.

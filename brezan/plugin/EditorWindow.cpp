@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/plugin/EditorWindow.h"
 
-#include "brezan/pictures/Canvas.h"
+#include "brezan/pictures/DiagramCanvas.h"
 
 #include <cstdint>
 #include <numbers>

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/plugin/PluginHost.h"
 
+#include "platform/Version.h"
+#include "presets/format/PresetData.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -16,9 +19,6 @@ namespace {
 
 // Hosts give at least this much for a text, whatever its nominal length.
 constexpr std::size_t kTextBuffer = 256;
-// Where the state chunk keeps the current preset's number: 8 bytes of chunk head, then the bank
-// image's header with the number at its offset 17.
-constexpr std::size_t kCurrentPresetOffset = 25;
 constexpr int kMostPresets = 1024;
 
 sdk::SpeakerArrangement arrangement(int channels) {
@@ -57,7 +57,7 @@ std::intptr_t PluginHost::answer(sdk::EffectRecord* effect, std::int32_t opcode,
   case HostOpcode::GetCurrentProcessLevel: return 4; // offline
   case HostOpcode::GetVendorString: return copy("Meridane");
   case HostOpcode::GetProductString: return copy("brezan");
-  case HostOpcode::GetVendorVersion: return 1000;
+  case HostOpcode::GetVendorVersion: return platform::versionNumber();
   default: return 0;
   }
 }
@@ -135,8 +135,8 @@ int PluginHost::currentPreset() {
     return static_cast<int>(call(EffectOpcode::GetProgram));
   const std::vector<char> chunk = state();
   std::int32_t number = 0;
-  if (chunk.size() < kCurrentPresetOffset + sizeof number) return 0;
-  std::memcpy(&number, chunk.data() + kCurrentPresetOffset, sizeof number);
+  if (chunk.size() < presets::kChunkCurrentIndexAt + sizeof number) return 0;
+  std::memcpy(&number, chunk.data() + presets::kChunkCurrentIndexAt, sizeof number);
   return number;
 }
 
@@ -147,9 +147,9 @@ void PluginHost::selectPreset(int number) {
   }
   std::vector<char> chunk = state();
   const std::int32_t wanted = number;
-  if (chunk.size() < kCurrentPresetOffset + sizeof wanted)
+  if (chunk.size() < presets::kChunkCurrentIndexAt + sizeof wanted)
     throw std::runtime_error("the plug-in gives no state in which to choose a preset");
-  std::memcpy(chunk.data() + kCurrentPresetOffset, &wanted, sizeof wanted);
+  std::memcpy(chunk.data() + presets::kChunkCurrentIndexAt, &wanted, sizeof wanted);
   setState(std::move(chunk));
 }
 

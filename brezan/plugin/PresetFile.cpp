@@ -20,9 +20,7 @@ using presets::Bytes;
 using presets::RecordReader;
 using presets::Scope;
 
-// A bank is 42 kB; a file beyond this is something else.
-constexpr std::size_t kMaxFileBytes = std::size_t{16} << 20;
-// More lines of the same kind help nobody.
+// Further faults are counted as one line.
 constexpr std::size_t kMostFaults = 40;
 
 std::string decimal(float value) {
@@ -42,7 +40,7 @@ class Examination {
               const std::vector<std::string>& parameterNames)
       : m_file(file), m_bytes(bytes), m_fileId(fileId), m_names(parameterNames) {}
 
-  /// False for bytes that are nobody's business here.
+  /// False for bytes that are not preset data of this plug-in.
   bool run() {
     if (const auto chunk = presets::openChunk(m_bytes, m_fileId)) {
       m_file.isState = true;
@@ -72,8 +70,7 @@ class Examination {
   }
 
   void examineFile() {
-    constexpr std::size_t kKindAt = 4;
-    if (m_bytes.size() <= kKindAt) {
+    if (m_bytes.size() <= presets::kImageKindAt) {
       m_file.layout = "preset data";
       unusable("the file ends behind its identifier");
       return;
@@ -83,14 +80,14 @@ class Examination {
       const auto data = presets::openPresetData(m_bytes, m_fileId, scope);
       if (const auto* image = std::get_if<presets::RecordData>(&*data)) return examine(*image);
       if (const auto* legacy = std::get_if<presets::LegacyData>(&*data)) return examine(*legacy);
-      if (m_bytes[kKindAt] == static_cast<std::uint8_t>(imageKind(scope))) {
+      if (m_bytes[presets::kImageKindAt] == static_cast<std::uint8_t>(imageKind(scope))) {
         m_file.layout = scope == Scope::Preset ? "preset" : "bank";
         unusable("the file ends at byte " + std::to_string(m_bytes.size()) + ", inside its header");
         return;
       }
     }
     m_file.layout = "preset data";
-    unusable("its kind, " + std::to_string(m_bytes[kKindAt]) + ", is unknown");
+    unusable("its kind, " + std::to_string(m_bytes[presets::kImageKindAt]) + ", is unknown");
   }
 
   static presets::ImageKind imageKind(Scope scope) {
@@ -181,14 +178,12 @@ class Examination {
     if (!record.isName() && !record.isValue())
       return fault(where + " is of unknown type " + std::to_string(record.type()) +
                    ": passed over");
-    if (!single && (record.slot() < 0 || record.slot() >= presets::kNumPresetSlots))
+    if (!single && !presets::isPresetSlot(record.slot()))
       return fault(where + " belongs to preset " + std::to_string(record.slot()) +
                    ", which there is not: passed over");
     if (!record.isValue()) return;
     const std::string whose = single ? "" : " of preset " + std::to_string(record.slot());
-    const bool known =
-        record.parameter() >= 0 && record.parameter() < presets::kNumPresetParameters;
-    if (!known)
+    if (!presets::isPresetParameter(record.parameter()))
       fault(where + ": parameter " + parameter(record.parameter()) + whose +
             " is unknown: passed over");
     else if (!presets::isNormalised(record.value()))
@@ -257,7 +252,7 @@ class Examination {
 
 PresetFile readPresetFile(const std::string& path, std::uint32_t fileId,
                           const std::vector<std::string>& parameterNames) {
-  const auto bytes = platform::readFile(path, kMaxFileBytes);
+  const auto bytes = platform::readFile(path, presets::kMaxPresetFileBytes);
   if (!bytes) throw std::runtime_error("cannot read '" + path + "'");
   PresetFile file;
   file.bytes = bytes->size();
@@ -275,11 +270,10 @@ std::vector<char> stateChunk(const PresetFile& file, std::uint32_t fileId, int f
       if (const auto i = static_cast<std::size_t>(p); update.changed[i])
         image.valueRecord(slot, p, update.slot.values[i]);
   }
-  const std::array<std::uint32_t, 2> head{presets::kChunkBankImage, fileId};
+  const auto head = presets::makeChunkHead(fileId);
   const std::vector<std::uint8_t> bytes = image.take();
-  std::vector<char> chunk(sizeof head + bytes.size());
-  std::memcpy(chunk.data(), head.data(), sizeof head);
-  std::memcpy(chunk.data() + sizeof head, bytes.data(), bytes.size());
+  std::vector<char> chunk(head.size() + bytes.size());
+  std::copy(bytes.begin(), bytes.end(), std::copy(head.begin(), head.end(), chunk.begin()));
   return chunk;
 }
 

@@ -5,11 +5,9 @@ namespace qlx::presets {
 namespace {
 
 constexpr std::uint32_t kFormatVersion = 0x01000000;
-constexpr std::size_t kKindAt = 4;
 constexpr std::size_t kFormatVersionAt = 5;
 constexpr std::size_t kParameterCountAt = 9;
 constexpr std::size_t kRecordCountAt = 13;
-constexpr std::size_t kCurrentIndexAt = 17;
 constexpr std::size_t kRecordBytesAt = 21;
 
 /// The least that a record's body must hold.
@@ -24,7 +22,7 @@ std::optional<ImageHeader> readImageHeader(Bytes bytes, bool reversed) {
   if (bytes.size() < kImageHeaderBytes) return std::nullopt;
   ImageHeader header;
   header.recordCount = readInt(bytes.subspan(kRecordCountAt), reversed);
-  header.currentIndex = readInt(bytes.subspan(kCurrentIndexAt), reversed);
+  header.currentIndex = readInt(bytes.subspan(kImageCurrentIndexAt), reversed);
   header.recordBytes = readNumber(bytes.subspan(kRecordBytesAt), reversed);
   return header;
 }
@@ -34,10 +32,10 @@ ImageWriter::ImageWriter(std::uint32_t fileId, ImageKind kind, int currentIndex,
   m_bytes.reserve(expectedBytes);
   m_bytes.resize(kImageHeaderBytes);
   put(0, fileId);
-  m_bytes[kKindAt] = static_cast<std::uint8_t>(kind);
+  m_bytes[kImageKindAt] = static_cast<std::uint8_t>(kind);
   put(kFormatVersionAt, kFormatVersion);
   put(kParameterCountAt, kNumPresetParameters);
-  put(kCurrentIndexAt, static_cast<std::uint32_t>(currentIndex));
+  put(kImageCurrentIndexAt, static_cast<std::uint32_t>(currentIndex));
 }
 
 void ImageWriter::nameRecord(int slot, const PresetSlot& preset) {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "presets/format/PresetBytes.h"
+#include "presets/format/PresetSlot.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
-
-#include "presets/format/PresetBytes.h"
-#include "presets/format/PresetSlot.h"
 
 /// The pieces that preset images consist of: a packed 41-byte header and length-prefixed records,
 /// all numbers in the byte order of the machine that wrote them. Nothing here looks outside the
@@ -15,6 +15,9 @@
 namespace qlx::presets {
 
 inline constexpr std::size_t kImageHeaderBytes = 41;
+/// Where the header has the image's kind, in one byte, and the number of the current slot.
+inline constexpr std::size_t kImageKindAt = 4;
+inline constexpr std::size_t kImageCurrentIndexAt = 17;
 inline constexpr std::size_t kRecordHeadBytes = 12;
 inline constexpr std::size_t kNameBodyBytes = 156;
 inline constexpr std::size_t kValueBodyBytes = 20;

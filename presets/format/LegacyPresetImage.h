@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <optional>
-#include <vector>
-
 #include "presets/format/PresetBytes.h"
 #include "presets/format/SlotUpdate.h"
+
+#include <optional>
+#include <vector>
 
 /// Readers of the layouts from before there were records: a name followed by values, by parameter
 /// index. Pure functions like those of PresetImage.h, bounded by the bytes that are there.

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "presets/format/PresetSlot.h"
+
 #include <array>
 #include <atomic>
 #include <bit>
 #include <cstdint>
 
-#include "presets/format/PresetSlot.h"
-
 namespace qlx::presets {
 
 /// The 32 slots of one instance. Any thread may read and write single values and names at any time:
 /// each value and each eight bytes of a name are whole, nothing waits. A slot read while another
-/// thread writes it may mix old and new values, as a mixing desk's faders do that two hands move.
+/// thread writes it may mix old and new values.
 class PresetBank {
  public:
   float value(int slot, int parameter) const {

@@ -2,11 +2,11 @@
 #include "presets/format/PresetData.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace qlx::presets {
 namespace {
 
-constexpr std::size_t kKindAt = 4;
 constexpr std::size_t kFileHeadBytes = 5;
 
 /// How many values a record of `bytes` bytes has behind its name.
@@ -30,7 +30,7 @@ std::optional<PresetData> openPresetData(Bytes bytes, std::uint32_t fileId, Scop
   const auto found = matchFileId(bytes, fileId);
   if (!found || bytes.size() < kFileHeadBytes) return std::nullopt;
   const bool reversed = *found != otherOrder;
-  const auto kind = static_cast<ImageKind>(bytes[kKindAt]);
+  const auto kind = static_cast<ImageKind>(bytes[kImageKindAt]);
   const Bytes body = bytes.subspan(kFileHeadBytes);
   if (kind == (scope == Scope::Preset ? ImageKind::Preset : ImageKind::Bank)) {
     return openRecords(bytes, reversed);
@@ -42,6 +42,11 @@ std::optional<PresetData> openPresetData(Bytes bytes, std::uint32_t fileId, Scop
     return LegacyData{body, reversed, kNumPresetSlots, valuesIn(body.size() / kNumPresetSlots)};
   }
   return UnknownData{};
+}
+
+std::array<std::uint8_t, kChunkHeadBytes> makeChunkHead(std::uint32_t fileId) {
+  return std::bit_cast<std::array<std::uint8_t, kChunkHeadBytes>>(
+      std::array{kChunkBankImage, fileId});
 }
 
 std::optional<ChunkData> openChunk(Bytes chunk, std::uint32_t fileId) {

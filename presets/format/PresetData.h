@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "presets/format/PresetImage.h"
+
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <variant>
-
-#include "presets/format/PresetImage.h"
 
 /// What stands around preset images: the head of files and stored settings, which name their kind,
 /// and of the host's state chunk. Pure functions that find out what is there; all spans they return
 /// lie in the bytes they were given.
 namespace qlx::presets {
+
+/// A bank is 42 kB; a file beyond this is something else.
+inline constexpr std::size_t kMaxPresetFileBytes = std::size_t{16} << 20;
 
 enum class Scope { Preset, Bank };
 
@@ -41,6 +46,12 @@ std::optional<PresetData> openPresetData(Bytes bytes, std::uint32_t fileId, Scop
 inline constexpr std::uint32_t kChunkBankImage = 0x02000000;
 inline constexpr std::uint32_t kChunkLegacyBank = 0x01000000;
 inline constexpr std::size_t kChunkHeadBytes = 8;
+/// Where a chunk with a bank image has the number of the current slot, 32 bits in the byte order of
+/// the machine that wrote it.
+inline constexpr std::size_t kChunkCurrentIndexAt = kChunkHeadBytes + kImageCurrentIndexAt;
+
+/// What stands in front of a bank image in a state chunk.
+std::array<std::uint8_t, kChunkHeadBytes> makeChunkHead(std::uint32_t fileId);
 
 /// A state chunk that holds the oldest layout, whole.
 struct LegacyChunkData {

@@ -7,10 +7,6 @@
 namespace qlx::presets {
 namespace {
 
-constexpr bool isParameter(std::int32_t index) {
-  return index >= 0 && index < kNumPresetParameters;
-}
-
 std::string decimal(float value) {
   // The largest float has 39 digits in front of the point; the point is one in every locale.
   std::array<char, 64> text{};
@@ -81,7 +77,7 @@ std::optional<BankUpdate> readBankRecords(const ImageHeader& header, Bytes recor
       const std::string_view name = (update.named ? update.slot : present[slot]).nameText();
       const float value =
           repaired(record.value(), record.parameter(), record.slot(), "load", name, diagnose);
-      if (!isParameter(record.parameter())) continue;
+      if (!isPresetParameter(record.parameter())) continue;
       update.setValue(static_cast<std::size_t>(record.parameter()), value);
     }
   }
@@ -98,7 +94,7 @@ std::optional<SlotUpdate> readPresetRecords(const ImageHeader& header, Bytes rec
     if (record.isName()) {
       update.named = true;
       record.copyName(update.slot);
-    } else if (record.isValue() && isParameter(record.parameter())) {
+    } else if (record.isValue() && isPresetParameter(record.parameter())) {
       if (!isNormalised(record.value())) return std::nullopt;
       update.setValue(static_cast<std::size_t>(record.parameter()), record.value());
     }

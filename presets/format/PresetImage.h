@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "presets/format/ImageRecords.h"
+#include "presets/format/SlotUpdate.h"
+
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -8,9 +11,6 @@
 #include <span>
 #include <string_view>
 #include <vector>
-
-#include "presets/format/ImageRecords.h"
-#include "presets/format/SlotUpdate.h"
 
 /// The serialised form of presets, as pure functions between slots and bytes: what files, stored
 /// settings and the host's state chunk carry. No function here looks outside the bytes it is given,

@@ -1,19 +1,25 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "presets/format/ClippedText.h"
+
 #include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
-
-#include "presets/format/ClippedText.h"
 
 namespace qlx::presets {
 
 inline constexpr int kNumPresetSlots = 32;
 inline constexpr int kNumPresetParameters = 36;
 inline constexpr std::size_t kPresetNameBytes = 24;
+
+constexpr bool isPresetSlot(std::int32_t index) { return index >= 0 && index < kNumPresetSlots; }
+constexpr bool isPresetParameter(std::int32_t index) {
+  return index >= 0 && index < kNumPresetParameters;
+}
 
 /// One bit per host parameter index.
 using ParameterSet = std::bitset<kNumPresetParameters>;

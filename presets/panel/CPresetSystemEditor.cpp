@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: ISC
 #include "presets/panel/CPresetSystemEditor.h"
 
-#include <cstdio>
-#include <type_traits>
-
+#include "gui/CControl.h"
 #include "gui/CFrame.h"
 #include "gui/dialogs/CFileSelector.h"
 #include "platform/Files.h"
 #include "presets/format/ClippedText.h"
 #include "presets/panel/PresetPanelView.h"
 #include "presets/store/CPresetSystemEffect.h"
+
+#include <algorithm>
+#include <cstdio>
 
 namespace qlx::presets {
 namespace {
@@ -18,8 +19,9 @@ static_assert(std::atomic<std::thread::id>::is_always_lock_free);
 
 using Style = platform::FileRequest::Style;
 
-/// A bank is 42 kB; a file beyond this is something else.
-constexpr std::size_t kMaxFileBytes = std::size_t{16} << 20;
+/// Buttons report 1 for a plain press and 0.5 for the second function (a modifier key held).
+constexpr float kSecondFunction = 0.5F;
+constexpr float kPlainPressFrom = 0.75F;
 
 void writeToStandardError(std::string_view line) {
   std::fwrite(line.data(), 1, line.size(), stderr);
@@ -41,6 +43,19 @@ CPresetSystemEditor::CPresetSystemEditor(CPresetSystemEffect& effect,
       m_documents(std::move(documents)) {}
 
 CPresetSystemEditor::~CPresetSystemEditor() { CPresetSystemEditor::saveFileLocations(); }
+
+void CPresetSystemEditor::setFrame(std::shared_ptr<gui::CFrame> frame) {
+  if (m_frame != nullptr) m_frame->getWindow().setListener(nullptr);
+  m_frame = std::move(frame);
+}
+
+bool CPresetSystemEditor::open(void* /*parent*/) {
+  if (m_frame == nullptr) return false;
+  m_panelView = std::make_unique<PresetPanelView>(*m_frame, *this, m_store.getPresetSlots(),
+                                                  m_store.getCurrentPreset());
+  setPanel(m_panelView.get());
+  return true;
+}
 
 void CPresetSystemEditor::close() {
   m_dialog.dismiss();
@@ -210,7 +225,7 @@ void CPresetSystemEditor::carryOut(const PresetFileDialog::Choice& choice) {
                           scope == Scope::Preset ? writePresetImage() : writeBankImage());
     return;
   }
-  const auto bytes = platform::readFile(choice.path, kMaxFileBytes);
+  const auto bytes = platform::readFile(choice.path, kMaxPresetFileBytes);
   if (!bytes || !loadPresetData(*bytes, scope, choice.task.otherOrder)) return;
   if (scope == Scope::Bank) {
     // A bank from a file starts at its first preset, whichever was current when it was saved.
@@ -261,5 +276,97 @@ void CPresetSystemEditor::recallMemoB() {
 void CPresetSystemEditor::saveFileLocations() { m_settings.writeLocations(m_locations); }
 
 void CPresetSystemEditor::loadFileLocations() { m_locations = m_settings.readLocations(); }
+
+// --- What the user does with the panel ---
+
+void CPresetSystemEditor::acceptTypedName() {
+  if (m_panelView == nullptr || !isWindowThread()) return;
+  const auto frame = getFrame(); // the name field's, until it is through
+  m_panelView->acceptName();
+}
+
+void CPresetSystemEditor::valueChanged(gui::CControl& control) {
+  if (m_panelView == nullptr) return;
+  const float value = control.getValue();
+  switch (control.getTag()) {
+  case kPresetNameTag:
+    applyPresetName(std::string(cutText(m_panelView->nameField(), kPresetNameBytes)));
+    break;
+  case kPresetRockerTag: stepPreset(value); break;
+  case kPresetMenuTag: {
+    const auto index = static_cast<int>(value + 0.5F);
+    // A copy: a host may change the presets while it is told.
+    takePreset(index, std::string(m_panelView->entryTitle(index)));
+    break;
+  }
+  case kLoadBankTag: loadBankFile(value == kSecondFunction); break;
+  case kSaveBankTag: saveBankFile(); break;
+  case kLoadPresetTag: loadPresetFile(value == kSecondFunction); break;
+  case kSavePresetTag: savePresetFile(); break;
+  case kDefaultBankTag:
+    if (value >= kPlainPressFrom) {
+      storeDefaultBank();
+    } else {
+      clearDefaultBank();
+    }
+    break;
+  case kDefaultPresetTag:
+    if (value >= kPlainPressFrom) {
+      storeDefaultPreset();
+    } else {
+      clearDefaultPreset();
+    }
+    break;
+  case kStoreMemoATag: storeMemoA(); break;
+  case kStoreMemoBTag: storeMemoB(); break;
+  case kRecallMemoATag: recallMemoA(); break;
+  case kRecallMemoBTag: recallMemoB(); break;
+  case kUserManualTag: openUserManual(); break;
+  default: break;
+  }
+}
+
+void CPresetSystemEditor::stepPreset(float direction) {
+  if (direction == 0.0F) return;
+  const int next = m_store.getCurrentPreset() + (direction > 0.0F ? 1 : -1);
+  const int index = std::clamp(next, 0, kNumPresetSlots - 1);
+  takePreset(index, std::string(m_store.getPresetSlot(index).nameText()));
+}
+
+void CPresetSystemEditor::takePreset(int index, const std::string& name) {
+  if (PresetPanel* const shown = panel()) {
+    shown->makeEntryCurrent(index);
+    shown->setNameField(name);
+  }
+  m_store.selectPreset(index);
+  m_store.renameCurrentPreset(name.c_str());
+}
+
+void CPresetSystemEditor::openUserManual() {
+  const std::string path = m_settings.userManual();
+  const std::uintptr_t owner = m_frame == nullptr ? 0 : m_frame->getWindow().handle();
+  const bool asked = m_documents != nullptr && !path.empty() && m_documents->open(path, owner);
+  if (!asked && !m_openingManual) reportManual(platform::DocumentOpener::Outcome::Failed);
+  m_openingManual = m_openingManual || asked;
+  if (m_panelView != nullptr) m_panelView->releaseManualButton();
+}
+
+void CPresetSystemEditor::pollUserManual() {
+  if (!m_openingManual) return;
+  if (const auto outcome = m_documents->poll()) {
+    m_openingManual = false;
+    reportManual(*outcome);
+  }
+}
+
+void CPresetSystemEditor::reportManual(platform::DocumentOpener::Outcome outcome) {
+  using Outcome = platform::DocumentOpener::Outcome;
+  if (m_panelView == nullptr || outcome == Outcome::Opened) return;
+  if (outcome == Outcome::NoProgram) {
+    m_panelView->showMessage("Could not open manual file", "Make sure Acrobat Reader is installed");
+  } else {
+    m_panelView->showMessage("", "Could not open user manual");
+  }
+}
 
 } // namespace qlx::presets

@@ -1,20 +1,21 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <atomic>
-#include <memory>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "gui/CControlListener.h"
 #include "platform/DocumentOpener.h"
 #include "platform/FileSelector.h"
 #include "platform/SettingsStore.h"
 #include "presets/panel/PresetFileDialog.h"
+#include "presets/panel/PresetPanel.h"
 #include "presets/store/PersistentSettings.h"
-#include "presets/store/PresetPanel.h"
+#include "presets/store/PresetStoreEditor.h"
 #include "sdk/AEffGUIEditor.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace qlx::gui {
 class CFrame;
@@ -29,7 +30,9 @@ class PresetPanelView;
 /// the preset manager panel kept in step. Works with the window closed; only the file dialogs need
 /// it open. For the host's user-interface thread, but a host that hands over state on another
 /// thread gets a panel that follows at the next idle.
-class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListener {
+class CPresetSystemEditor : public sdk::AEffGUIEditor,
+                            public gui::CControlListener,
+                            public PresetStoreEditor {
  public:
   /// @param effect the store; outlives the editor except while this is being destroyed
   /// @param settings shared by instances in one process at will
@@ -55,18 +58,18 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
 
   /// Shows `name` in the name field and as the title of the menu's current entry; the store doesn't
   /// change.
-  virtual void showPresetName(const std::string& name);
+  void showPresetName(const std::string& name) override;
 
   /// The user's default bank and preset over the store's slots, and the file locations; ends on
   /// preset 0.
-  virtual void loadStartupDefaults();
+  void loadStartupDefaults() override;
 
   // Readers of image bodies, bounded by the spans, and writers. A bank reader selects the bank's
   // current preset, a preset reader fills the current slot and selects it. A refused body changes
   // nothing.
   virtual void readLegacyBankImage(Bytes body, bool reversed, int recordCount, int valueCount);
-  virtual void readBankImage(Bytes records, const ImageHeader& header, bool reversed);
-  virtual std::vector<std::uint8_t> writeBankImage();
+  void readBankImage(Bytes records, const ImageHeader& header, bool reversed) override;
+  std::vector<std::uint8_t> writeBankImage() override;
   virtual void readLegacyPresetImage(Bytes body, bool reversed, int valueCount);
   virtual void readPresetImage(Bytes records, const ImageHeader& header, bool reversed);
   virtual std::vector<std::uint8_t> writePresetImage();
@@ -97,7 +100,7 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor, public gui::CControlListe
   void applyPresetName(const std::string& name);
 
   /// Takes all titles, the current entry and the name field from the store.
-  void refreshPanel();
+  void refreshPanel() override;
 
   /// The open window's frame, or null. Whoever sends it events holds it: a host may close the
   /// window from inside a call that they lead to.

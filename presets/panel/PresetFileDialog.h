@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-
 #include "platform/FileSelector.h"
 #include "presets/format/PresetData.h"
 #include "presets/store/PersistentSettings.h"
+
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace qlx::presets {
 

@@ -4,7 +4,7 @@
 #include "gui/CRect.h"
 #include "gui/drawing/CBitmap.h"
 #include "presets/format/PresetSlot.h"
-#include "presets/store/PresetPanel.h"
+#include "presets/panel/PresetPanel.h"
 
 #include <array>
 #include <cstdint>

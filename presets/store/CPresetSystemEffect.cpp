@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 #include "presets/store/CPresetSystemEffect.h"
 
+#include "presets/format/ClippedText.h"
+#include "presets/store/PresetStoreEditor.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
-
-#include "presets/format/ClippedText.h"
-#include "presets/panel/CPresetSystemEditor.h"
 
 namespace qlx::presets {
 namespace {
@@ -16,11 +16,6 @@ static_assert(std::atomic<std::int32_t>::is_always_lock_free);
 
 constexpr std::int32_t kLeverParameter = 2;
 constexpr std::int32_t kStopParameter = 4;
-
-constexpr bool isSlot(std::int32_t index) { return index >= 0 && index < kNumPresetSlots; }
-constexpr bool isParameter(std::int32_t index) {
-  return index >= 0 && index < kNumPresetParameters;
-}
 
 /// The 24 bytes of a name and eight zeros, so that a full name ends too.
 void writeName(const PresetSlot& slot, char* text) {
@@ -52,7 +47,7 @@ void CPresetSystemEffect::getProgramName(char* text) {
 
 bool CPresetSystemEffect::getProgramNameIndexed(std::int32_t /*category*/, std::int32_t index,
                                                 char* text) {
-  if (!isSlot(index)) return false;
+  if (!isPresetSlot(index)) return false;
   writeName(getPresetSlot(index), text);
   return true;
 }
@@ -62,12 +57,11 @@ std::int32_t CPresetSystemEffect::getChunk(void** data, bool /*isPreset*/) {
   const std::vector<std::uint8_t> image = m_presetEditor->writeBankImage();
   if (image.empty()) return 0;
   m_chunkBuffer.assign(kChunkBytes, 0);
-  const std::array<std::uint32_t, 2> head{kChunkBankImage, getPresetFileId()};
-  static_assert(sizeof head == kChunkHeadBytes);
-  std::memcpy(m_chunkBuffer.data(), head.data(), sizeof head);
-  std::memcpy(m_chunkBuffer.data() + sizeof head, image.data(), image.size());
+  const auto head = makeChunkHead(getPresetFileId());
+  std::copy(head.begin(), head.end(), m_chunkBuffer.begin());
+  std::memcpy(m_chunkBuffer.data() + head.size(), image.data(), image.size());
   *data = m_chunkBuffer.data();
-  return static_cast<std::int32_t>(sizeof head + image.size());
+  return static_cast<std::int32_t>(head.size() + image.size());
 }
 
 std::int32_t CPresetSystemEffect::setChunk(const void* data, std::int32_t byteSize,
@@ -143,11 +137,11 @@ void CPresetSystemEffect::resetPresetToTemplate(std::int32_t index) {
 }
 
 bool CPresetSystemEffect::isParameterExcludedFromSave(std::int32_t parameter) const {
-  return !isParameter(parameter);
+  return !isPresetParameter(parameter);
 }
 
 bool CPresetSystemEffect::isParameterExcludedFromLoad(std::int32_t parameter) const {
-  return !isParameter(parameter);
+  return !isPresetParameter(parameter);
 }
 
 void CPresetSystemEffect::capturePresetTemplate() {
@@ -156,11 +150,11 @@ void CPresetSystemEffect::capturePresetTemplate() {
 }
 
 void CPresetSystemEffect::storeParameter(std::int32_t index, float value) {
-  if (isParameter(index)) m_presetSlots.setValue(getCurrentPreset(), index, value);
+  if (isPresetParameter(index)) m_presetSlots.setValue(getCurrentPreset(), index, value);
 }
 
 void CPresetSystemEffect::storeParameterInAllSlots(std::int32_t index, float value) {
-  if (!isParameter(index)) return;
+  if (!isPresetParameter(index)) return;
   for (std::int32_t slot = 0; slot < kNumPresetSlots; ++slot) {
     m_presetSlots.setValue(slot, index, value);
   }

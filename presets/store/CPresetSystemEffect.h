@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "presets/format/LegacyPresetImage.h"
+#include "presets/format/PresetBank.h"
+#include "presets/format/PresetData.h"
+#include "presets/store/ThreadMarks.h"
+#include "sdk/AudioEffectX.h"
+
 #include <array>
 #include <atomic>
 #include <cstdint>
 #include <vector>
 
-#include "presets/format/LegacyPresetImage.h"
-#include "presets/format/PresetBank.h"
-#include "presets/format/PresetData.h"
-#include "presets/panel/ThreadMarks.h"
-#include "sdk/AudioEffectX.h"
-
 namespace qlx::presets {
 
-class CPresetSystemEditor;
+class PresetStoreEditor;
 
 /// The preset store of an effect: 32 slots of which one is current and follows every change of a
 /// parameter. The host sees one program; all slots travel in its state chunk. Values may be stored
@@ -76,7 +76,7 @@ class CPresetSystemEffect : public sdk::AudioEffectX {
  protected:
   /// Tells who writes and reads the images of chunks and defaults. The editor must outlive every
   /// call of the host's; this class doesn't touch it while it is being destroyed.
-  void setPresetEditor(CPresetSystemEditor* editor) { m_presetEditor = editor; }
+  void setPresetEditor(PresetStoreEditor* editor) { m_presetEditor = editor; }
 
  private:
   std::int32_t loadLegacyBankChunk(const LegacyChunkData& data);
@@ -91,7 +91,7 @@ class CPresetSystemEffect : public sdk::AudioEffectX {
   ThreadMarks m_loading;
   ThreadMarks m_applying;
   std::vector<std::uint8_t> m_chunkBuffer; ///< what the host was last given
-  CPresetSystemEditor* m_presetEditor = nullptr;
+  PresetStoreEditor* m_presetEditor = nullptr;
 };
 
 } // namespace qlx::presets

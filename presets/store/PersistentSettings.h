@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "platform/SettingsStore.h"
 #include "presets/format/PresetBytes.h"
+
+#include <memory>
+#include <string>
 
 namespace qlx::presets {
 

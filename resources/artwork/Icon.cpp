@@ -21,7 +21,8 @@ constexpr int kKnobTop = 15;
 constexpr int kKnobFrame = 72; // of 0 to 100: the pointer stands to the upper right
 
 template <class Draw>
-void drawPart(Canvas& onto, const Lettering& lettering, Box place, int index, const Draw& draw) {
+void drawPart(Canvas& onto, const Lettering& lettering, PixelRect place, int index,
+              const Draw& draw) {
   Canvas part(place.width(), place.height(), onto.scale());
   Frame frame{part, lettering, index};
   draw(frame);
@@ -61,7 +62,7 @@ Picture drawnIcon(const Lettering& lettering, int side) {
   canvas.fill(cabinet.without(cabinet.moved(0.5, 0.9)), {1.0, 0.8, 0.55}, 0.30);
   canvas.fill(cabinet.without(cabinet.moved(-0.5, -0.9)), {}, 0.45);
 
-  const Box slot{kSlotLeft, kSlotTop, kSlotLeft + kSlotWidth, kSlotTop + kSlotHeight};
+  const PixelRect slot{kSlotLeft, kSlotTop, kSlotLeft + kSlotWidth, kSlotTop + kSlotHeight};
   drawPart(canvas, lettering, slot, 0, drawRotorSlot);
   drawPart(canvas, lettering, slot, 0, drawHornLight);
   const int left = (kSide - kKnobSide) / 2;

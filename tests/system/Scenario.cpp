@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "tests/system/Scenario.h"
 
+#include "presets/format/PresetData.h"
 #include "resources/NoiseRecordings.h"
 
 #include <algorithm>
@@ -89,7 +90,7 @@ void PluginPlayer::selectPreset(int number) {
   if (size != 42289) throw std::runtime_error("no chunk");
   std::vector<char> chunk(static_cast<char*>(data), static_cast<char*>(data) + size);
   const auto current = static_cast<std::int32_t>(number);
-  std::memcpy(chunk.data() + 25, &current, sizeof current);
+  std::memcpy(chunk.data() + presets::kChunkCurrentIndexAt, &current, sizeof current);
   call(sdk::EffectOpcode::SetChunk, size, chunk.data());
 }
 
