@@ -9,8 +9,8 @@
 
 namespace qlx::midi {
 
-/// The speed lever in a player's hand and foot: the modulation wheel moves it, the sustain pedal
-/// throws it to one of its ends. It moves the effect's parameter in the way that everything else
+/// The speed lever moved by MIDI: the modulation wheel moves it, the sustain pedal switches it
+/// between its ends. It moves the effect's parameter in the way that everything else
 /// does, so the host records it.
 ///
 /// processEvents and decay belong to the audio thread; the channel and the read-outs to any.

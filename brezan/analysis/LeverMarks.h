@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "brezan/pictures/Picture.h"
+#include "brezan/pictures/SoundPicture.h"
 #include "brezan/plugin/Automation.h"
 #include "brezan/plugin/MidiFile.h"
 

@@ -120,7 +120,7 @@ double RotorTrace::evenPeriod(std::size_t first, std::size_t count) const {
   constexpr double kStill = 0.04;
   if (again == unlike.end() || usual < kStill * level)
     throw std::runtime_error("no turn of the rotor can be recognised");
-  // Down to the bottom of that valley.
+  // Down to that minimum.
   auto lowest = again;
   while (lowest + 1 != unlike.end() && *(lowest + 1) < *lowest) ++lowest;
   auto turn = static_cast<double>(lowest - unlike.begin());

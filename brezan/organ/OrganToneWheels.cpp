@@ -22,7 +22,7 @@ constexpr int kLastRegularWheel = 84; // seven octaves with 2 to 256 teeth
 constexpr int kTopTeeth = 192;        // the last wheels borrow the gears of the fourth below
 constexpr int kComplexWheels = 12;    // the pedal's lowest octave, cut to a squarer wave
 
-// The generator's filters: full level up to the middle, falling towards the shrill end.
+// The generator's filters: full level up to the middle, falling towards the treble.
 double wheelLevel(int wheel) {
   constexpr int kFlatUpTo = 54;
   constexpr double kTopDb = -8.0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/Table.h"
 #include "brezan/bench/Growth.h"
-#include "brezan/pictures/Canvas.h"
+#include "brezan/pictures/DiagramCanvas.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,9 +12,9 @@ namespace {
 
 constexpr int kWidth = 1640;
 constexpr int kHeight = 560;
-constexpr Box kInstancesBox{90, 96, 420, 380};
-constexpr Box kBlocksBox{630, 96, 420, 380};
-constexpr Box kRatesBox{1170, 96, 420, 380};
+constexpr DiagramBox kInstancesBox{90, 96, 420, 380};
+constexpr DiagramBox kBlocksBox{630, 96, 420, 380};
+constexpr DiagramBox kRatesBox{1170, 96, 420, 380};
 constexpr double kHeadroom = 1.25; // above the highest point
 constexpr double kDotRadius = 3.5;
 
@@ -22,7 +22,7 @@ using Points = std::vector<std::pair<std::string, double>>; // a place's words, 
 
 struct Curve {
   std::string name;
-  const Colour& colour;
+  const DiagramColour& colour;
   Points points;
 };
 
@@ -37,7 +37,7 @@ double roundStep(double most) {
 /// Places stand evenly, those of the longest curve; shorter curves end at the right like it.
 class Diagram {
  public:
-  Diagram(Canvas& canvas, const Box& box, const std::vector<Curve>& curves)
+  Diagram(DiagramCanvas& canvas, const DiagramBox& box, const std::vector<Curve>& curves)
       : m_canvas(canvas), m_box(box) {
     for (const Curve& curve : curves) {
       if (curve.points.size() > m_places.size()) m_places = curve.points;
@@ -98,14 +98,14 @@ class Diagram {
     for (const auto& [atX, atY] : points) m_canvas.dot(atX, atY, kDotRadius);
   }
 
-  Canvas& m_canvas;
-  const Box& m_box;
+  DiagramCanvas& m_canvas;
+  const DiagramBox& m_box;
   Points m_places; ///< of the longest curve
   double m_most = 0.0;
 };
 
 /// The points of `all` that `belongs` to one curve.
-Curve curve(const std::vector<GrowthPoint>& all, const char* name, const Colour& colour,
+Curve curve(const std::vector<GrowthPoint>& all, const char* name, const DiagramColour& colour,
             const std::function<bool(const GrowthPoint&)>& belongs,
             const std::function<std::pair<std::string, double>(const GrowthPoint&)>& show) {
   Curve result{name, colour, {}};
@@ -122,7 +122,7 @@ bool isOnTwoCores(const GrowthPoint& point) { return point.cores == 2; }
 } // namespace
 
 void drawGrowth(const Growth& growth, const std::filesystem::path& path) {
-  Canvas canvas(kWidth, kHeight);
+  DiagramCanvas canvas(kWidth, kHeight);
   canvas.text(kInstancesBox.x, 44, "Processor time, rotors steadily fast", 22, Align::Left, true);
   const auto perInstance = [](const GrowthPoint& point) {
     return std::pair(std::to_string(point.instances), point.nsPerSample);

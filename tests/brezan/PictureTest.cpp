@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/pictures/Picture.h"
 #include "brezan/analysis/LeverMarks.h"
 #include "brezan/analysis/Spectrogram.h"
+#include "brezan/pictures/SoundPicture.h"
 #include "tests/support/CommandRun.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/pictures/Picture.h"
+#include "brezan/pictures/SoundPicture.h"
 
 #include "brezan/Table.h"
 #include "brezan/analysis/Spectrogram.h"
-#include "brezan/pictures/Canvas.h"
+#include "brezan/pictures/DiagramCanvas.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,9 +17,9 @@ namespace {
 
 constexpr int kWidth = 1640;
 constexpr int kHeight = 980;
-constexpr Box kLeverBox{90, 74, 1430, 30};
-constexpr Box kLevelBox{90, 118, 1430, 200};
-constexpr Box kSpectrumBox{90, 352, 1430, 560};
+constexpr DiagramBox kLeverBox{90, 74, 1430, 30};
+constexpr DiagramBox kLevelBox{90, 118, 1430, 200};
+constexpr DiagramBox kSpectrumBox{90, 352, 1430, 560};
 constexpr double kLowestDb = -72.0; // of the level curve
 constexpr double kDarkestDb = -100.0;
 constexpr double kBrightestDb = -12.0;
@@ -27,7 +27,7 @@ constexpr double kLowestHz = 30.0;
 constexpr double kHighestHz = 14000.0;
 constexpr double kLevelWindowSeconds = 0.03;
 
-constexpr Colour leverColour(LeverState state) {
+constexpr DiagramColour leverColour(LeverState state) {
   switch (state) {
   case LeverState::Slow: return {0.55, 0.70, 0.80};
   case LeverState::Fast: return {0.93, 0.62, 0.30};
@@ -36,12 +36,12 @@ constexpr Colour leverColour(LeverState state) {
   }
 }
 
-// From night over wine and amber to cream, even steps of lightness.
-constexpr Colour kHeat[] = {{0.05, 0.04, 0.10}, {0.17, 0.08, 0.28}, {0.40, 0.12, 0.40},
-                            {0.65, 0.20, 0.35}, {0.86, 0.38, 0.22}, {0.96, 0.65, 0.24},
-                            {1.00, 0.95, 0.76}};
+// From nearly black over dark red and orange to cream, in even steps of lightness.
+constexpr DiagramColour kHeat[] = {{0.05, 0.04, 0.10}, {0.17, 0.08, 0.28}, {0.40, 0.12, 0.40},
+                                   {0.65, 0.20, 0.35}, {0.86, 0.38, 0.22}, {0.96, 0.65, 0.24},
+                                   {1.00, 0.95, 0.76}};
 
-Colour heat(double part) {
+DiagramColour heat(double part) {
   const double place = std::clamp(part, 0.0, 1.0) * (std::size(kHeat) - 1);
   const auto i = std::min(static_cast<std::size_t>(place), std::size(kHeat) - 2);
   const double t = place - static_cast<double>(i);
@@ -50,9 +50,9 @@ Colour heat(double part) {
           mix(kHeat[i].blue, kHeat[i + 1].blue)};
 }
 
-class Painter : public Canvas {
+class Painter : public DiagramCanvas {
  public:
-  explicit Painter(const PictureSound& sound) : Canvas(kWidth, kHeight), m_sound(sound) {
+  explicit Painter(const PictureSound& sound) : DiagramCanvas(kWidth, kHeight), m_sound(sound) {
     text(kLeverBox.x, 44, m_sound.title, 22, Align::Left, true);
     lever();
     level();
@@ -76,7 +76,7 @@ class Painter : public Canvas {
 
   void lever();
   void level();
-  void levelCurve(const std::vector<double>& channel, const Colour& c);
+  void levelCurve(const std::vector<double>& channel, const DiagramColour& c);
   void spectrum();
   void marks();
   void timeAxis();
@@ -120,7 +120,7 @@ void Painter::level() {
   if (stereo) text(kLevelBox.right() + 14, y + 20, "right", 14, Align::Left, true, kOrange);
 }
 
-void Painter::levelCurve(const std::vector<double>& channel, const Colour& c) {
+void Painter::levelCurve(const std::vector<double>& channel, const DiagramColour& c) {
   const auto half = static_cast<long long>(kLevelWindowSeconds * m_sound.rate / 2);
   const auto size = static_cast<long long>(channel.size());
   std::vector<double> energy(channel.size() + 1, 0.0);
@@ -162,7 +162,7 @@ void Painter::spectrum() {
     auto* pixels = reinterpret_cast<std::uint32_t*>(data + stride * (range.rows - 1 - row));
     for (int column = 0; column < range.columns; ++column) {
       const double db = static_cast<double>(levels.at(column, row));
-      const Colour c = heat((db - kDarkestDb) / (kBrightestDb - kDarkestDb));
+      const DiagramColour c = heat((db - kDarkestDb) / (kBrightestDb - kDarkestDb));
       const auto byte = [](double v) { return static_cast<std::uint32_t>(std::lround(v * 255.0)); };
       pixels[column] = byte(c.red) << 16 | byte(c.green) << 8 | byte(c.blue);
     }
@@ -213,7 +213,7 @@ void Painter::timeAxis() {
 }
 
 void Painter::heatLegend() {
-  const Box box{kSpectrumBox.right() + 16, kSpectrumBox.y, 18, kSpectrumBox.height};
+  const DiagramBox box{kSpectrumBox.right() + 16, kSpectrumBox.y, 18, kSpectrumBox.height};
   for (int row = 0; row < static_cast<int>(box.height); ++row) {
     const double y = row;
     colour(heat(1.0 - y / box.height));

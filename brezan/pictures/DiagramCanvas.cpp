@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "brezan/pictures/Canvas.h"
+#include "brezan/pictures/DiagramCanvas.h"
 
 #include "brezan/pictures/PngFile.h"
 
@@ -7,7 +7,7 @@
 
 namespace qlx::tools {
 
-Canvas::Canvas(int width, int height)
+DiagramCanvas::DiagramCanvas(int width, int height)
     : m_surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height),
                 cairo_surface_destroy),
       m_context(cairo_create(m_surface.get()), cairo_destroy) {
@@ -15,51 +15,51 @@ Canvas::Canvas(int width, int height)
   cairo_paint(cr());
 }
 
-void Canvas::colour(const Colour& c, double opacity) {
+void DiagramCanvas::colour(const DiagramColour& c, double opacity) {
   cairo_set_source_rgba(cr(), c.red, c.green, c.blue, opacity);
 }
 
-void Canvas::fill(const Box& box) {
+void DiagramCanvas::fill(const DiagramBox& box) {
   cairo_rectangle(cr(), box.x, box.y, box.width, box.height);
   cairo_fill(cr());
 }
 
-void Canvas::line(double x0, double y0, double x1, double y1, double width) {
+void DiagramCanvas::line(double x0, double y0, double x1, double y1, double width) {
   cairo_set_line_width(cr(), width);
   cairo_move_to(cr(), x0, y0);
   cairo_line_to(cr(), x1, y1);
   cairo_stroke(cr());
 }
 
-void Canvas::curve(std::span<const std::pair<double, double>> points, double width) {
+void DiagramCanvas::curve(std::span<const std::pair<double, double>> points, double width) {
   cairo_new_path(cr()); // text leaves a point behind
   cairo_set_line_width(cr(), width);
   for (const auto& [x, y] : points) cairo_line_to(cr(), x, y);
   cairo_stroke(cr());
 }
 
-void Canvas::dot(double x, double y, double radius) {
+void DiagramCanvas::dot(double x, double y, double radius) {
   cairo_new_path(cr());
   cairo_arc(cr(), x, y, radius, 0.0, 2.0 * std::numbers::pi);
   cairo_fill(cr());
 }
 
-void Canvas::frame(const Box& box) {
+void DiagramCanvas::frame(const DiagramBox& box) {
   colour(kInk);
   cairo_set_line_width(cr(), 1.0);
   cairo_rectangle(cr(), box.x - 0.5, box.y - 0.5, box.width + 1, box.height + 1);
   cairo_stroke(cr());
 }
 
-double Canvas::textWidth(const std::string& words, double size) {
+double DiagramCanvas::textWidth(const std::string& words, double size) {
   cairo_set_font_size(cr(), size);
   cairo_text_extents_t extents;
   cairo_text_extents(cr(), words.c_str(), &extents);
   return extents.x_advance;
 }
 
-void Canvas::text(double x, double y, const std::string& words, double size, Align align, bool bold,
-                  const Colour& c) {
+void DiagramCanvas::text(double x, double y, const std::string& words, double size, Align align,
+                         bool bold, const DiagramColour& c) {
   cairo_select_font_face(cr(), "Liberation Sans", CAIRO_FONT_SLANT_NORMAL,
                          bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
   const double width = textWidth(words, size);
@@ -69,7 +69,7 @@ void Canvas::text(double x, double y, const std::string& words, double size, Ali
   cairo_show_text(cr(), words.c_str());
 }
 
-void Canvas::uprightText(double x, double y, const std::string& words) {
+void DiagramCanvas::uprightText(double x, double y, const std::string& words) {
   cairo_save(cr());
   cairo_translate(cr(), x, y);
   cairo_rotate(cr(), -std::numbers::pi / 2.0);
@@ -77,6 +77,8 @@ void Canvas::uprightText(double x, double y, const std::string& words) {
   cairo_restore(cr());
 }
 
-void Canvas::save(const std::filesystem::path& path) const { savePng(m_surface.get(), path); }
+void DiagramCanvas::save(const std::filesystem::path& path) const {
+  savePng(m_surface.get(), path);
+}
 
 } // namespace qlx::tools

@@ -11,40 +11,40 @@
 
 namespace qlx::tools {
 
-struct Colour {
+struct DiagramColour {
   double red, green, blue;
 };
-struct Box {
+struct DiagramBox {
   double x, y, width, height;
   double right() const { return x + width; }
   double bottom() const { return y + height; }
 };
 
-inline constexpr Colour kPaper{0.985, 0.98, 0.97};
-inline constexpr Colour kWhite{1, 1, 1};
-inline constexpr Colour kInk{0.16, 0.15, 0.17};
-inline constexpr Colour kFaint{0.84, 0.82, 0.79};
-inline constexpr Colour kBlue{0.16, 0.40, 0.62};   ///< the first of two curves
-inline constexpr Colour kOrange{0.83, 0.42, 0.14}; ///< the second
+inline constexpr DiagramColour kPaper{0.985, 0.98, 0.97};
+inline constexpr DiagramColour kWhite{1, 1, 1};
+inline constexpr DiagramColour kInk{0.16, 0.15, 0.17};
+inline constexpr DiagramColour kFaint{0.84, 0.82, 0.79};
+inline constexpr DiagramColour kBlue{0.16, 0.40, 0.62};   ///< the first of two curves
+inline constexpr DiagramColour kOrange{0.83, 0.42, 0.14}; ///< the second
 
 enum class Align { Left, Centre, Right };
 
 /// A sheet of paper for diagrams, in pixels from its upper left corner.
-class Canvas {
+class DiagramCanvas {
  public:
-  Canvas(int width, int height);
+  DiagramCanvas(int width, int height);
 
   cairo_t* cr() { return m_context.get(); }
-  void colour(const Colour& c, double opacity = 1.0);
-  void fill(const Box& box);
+  void colour(const DiagramColour& c, double opacity = 1.0);
+  void fill(const DiagramBox& box);
   void line(double x0, double y0, double x1, double y1, double width = 1.0);
   void curve(std::span<const std::pair<double, double>> points, double width);
   void dot(double x, double y, double radius);
-  void frame(const Box& box); ///< a line around the box
+  void frame(const DiagramBox& box); ///< a line around the box
   double textWidth(const std::string& words, double size);
   /// `x` is where the words begin, have their middle or end; `y` is their base line.
   void text(double x, double y, const std::string& words, double size = 14,
-            Align align = Align::Left, bool bold = false, const Colour& c = kInk);
+            Align align = Align::Left, bool bold = false, const DiagramColour& c = kInk);
   void uprightText(double x, double y, const std::string& words); ///< from below, centred on y
   void save(const std::filesystem::path& path) const; ///< as PNG. Throws std::runtime_error.
 
