@@ -3,9 +3,31 @@
 
 #include "gui/drawing/Utf8.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace qlx::editor {
 
 namespace {
+
+// Host and toolkit have the same numbers, so a key is cast. (Neither of sdk/ and platform/ may
+// include the other.)
+constexpr std::pair<gui::VirtualKey, sdk::VirtualKey> kKeys[]{
+    {gui::VirtualKey::kNone, sdk::kKeyNone},       {gui::VirtualKey::kBack, sdk::kKeyBack},
+    {gui::VirtualKey::kTab, sdk::kKeyTab},         {gui::VirtualKey::kReturn, sdk::kKeyReturn},
+    {gui::VirtualKey::kEscape, sdk::kKeyEscape},   {gui::VirtualKey::kSpace, sdk::kKeySpace},
+    {gui::VirtualKey::kEnd, sdk::kKeyEnd},         {gui::VirtualKey::kHome, sdk::kKeyHome},
+    {gui::VirtualKey::kLeft, sdk::kKeyLeft},       {gui::VirtualKey::kUp, sdk::kKeyUp},
+    {gui::VirtualKey::kRight, sdk::kKeyRight},     {gui::VirtualKey::kDown, sdk::kKeyDown},
+    {gui::VirtualKey::kPageUp, sdk::kKeyPageUp},   {gui::VirtualKey::kPageDown, sdk::kKeyPageDown},
+    {gui::VirtualKey::kEnter, sdk::kKeyEnter},     {gui::VirtualKey::kInsert, sdk::kKeyInsert},
+    {gui::VirtualKey::kDelete, sdk::kKeyDelete},   {gui::VirtualKey::kShift, sdk::kKeyShift},
+    {gui::VirtualKey::kControl, sdk::kKeyControl}, {gui::VirtualKey::kAlt, sdk::kKeyAlt},
+};
+static_assert(std::all_of(std::begin(kKeys), std::end(kKeys), [](const auto& key) {
+  return static_cast<int>(key.first) == static_cast<int>(key.second);
+}));
 
 constexpr char32_t kFirstPrintable = U' ';
 constexpr char32_t kDeleteCharacter = 127;
