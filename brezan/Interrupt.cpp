@@ -29,4 +29,10 @@ void throwIfInterrupted() {
   if (interrupted != 0) throw Interrupted(interrupted);
 }
 
+bool takeInterrupt() {
+  const bool noted = interrupted != 0;
+  interrupted = 0;
+  return noted;
+}
+
 } // namespace qlx::tools

@@ -22,5 +22,8 @@ class Interrupted : public std::exception {
 /// limit of the file's size become errors of writing instead of signals.
 void noteInterrupts();
 void throwIfInterrupted();
+/// Forgets the noted signal and answers whether there was one, for a command whose end is work of
+/// its own.
+bool takeInterrupt();
 
 } // namespace qlx::tools

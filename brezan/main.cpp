@@ -51,6 +51,9 @@ int parse(int argc, char** argv) {
   addEditCommand(program);
   addScreenshotCommand(program);
   addManualCommand(program);
+#ifdef QLX_LIVE
+  addLiveCommand(program);
+#endif
   addHelpCommand(program);
   try {
     program.parse(argc, argv);

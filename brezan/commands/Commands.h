@@ -21,6 +21,9 @@ void addReportCommand(CLI::App& program);
 void addEditCommand(CLI::App& program);
 void addScreenshotCommand(CLI::App& program);
 void addManualCommand(CLI::App& program);
+#ifdef QLX_LIVE
+void addLiveCommand(CLI::App& program);
+#endif
 
 /// The option --plugin, alike in every command that loads one.
 void addPluginOption(CLI::App& command, std::string& plugin);

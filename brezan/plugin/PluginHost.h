@@ -52,6 +52,7 @@ class PluginHost {
 
   const std::filesystem::path& file() const { return m_file; }
   const sdk::EffectRecord& record() const { return *m_effect; }
+  sdk::EffectRecord& record() { return *m_effect; }
   std::string effectName();
   std::string vendor();
   std::string product();

@@ -22,7 +22,8 @@ ALLOWED = {
     "plugin": {"engine", "sdk", "platform", "resources", "presets/format", "presets/store", "midi", "plugin/parameters",
                "editor"},
     "lv2": {"plugin", "plugin/parameters", "sdk", "presets/store", "presets/panel", "gui"},
-    "brezan": {"sdk", "engine", "platform", "resources", "presets/format", "presets/store"},
+    "live": {"sdk"},
+    "brezan": {"sdk", "engine", "platform", "resources", "presets/format", "presets/store", "live"},
 }
 # Pairs of modules of which the first may include these headers of the second only.
 ONLY = {

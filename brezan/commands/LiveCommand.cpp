@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: ISC
+#include "brezan/commands/Commands.h"
+
+#include "brezan/Interrupt.h"
+#include "brezan/System.h"
+#include "brezan/Table.h"
+#include "brezan/Words.h"
+#include "brezan/plugin/EditorWindow.h"
+#include "brezan/plugin/PluginLocation.h"
+#include "brezan/plugin/StartingPoint.h"
+#include "brezan/sound/PendingFile.h"
+#include "live/JackSystem.h"
+#include "live/Player.h"
+#include "platform/SettingsStore.h"
+#include "presets/store/PersistentSettings.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace qlx::tools {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::microseconds kIdleTime{16667};
+constexpr std::chrono::milliseconds kStatusTime{200};
+constexpr const char* kClientName = "QLX Brezan";
+constexpr const char* kLever = "Lever";
+// Value of the user's settings with the learned controllers.
+constexpr const char* kMapName = "midi-controllers";
+
+struct LiveOptions {
+  std::string plugin;
+  StartingPoint start;
+  std::vector<std::string> connect;
+  std::string map;
+  std::string learn;
+  std::string forget;
+  int channel = live::EffectPlayer::kEveryChannel;
+  bool wantsConnections = false;
+  bool noWindow = false;
+};
+
+class Host final : public live::EffectHost {
+ public:
+  explicit Host(PluginHost& host) : m_host(host) {}
+  sdk::EffectRecord& record() override { return m_host.record(); }
+  void start(double rate, int longestBlock) override { m_host.start(rate, longestBlock, 2, 2); }
+  void stop() override { m_host.stop(); }
+  int presetCount() override { return static_cast<int>(m_host.presetNames().size()); }
+  void selectPreset(int number) override { m_host.selectPreset(number); }
+
+ private:
+  PluginHost& m_host;
+};
+
+/// Names of the plug-in's parameters, both ways.
+class Names {
+ public:
+  explicit Names(PluginHost& host) {
+    for (int i = 0; i < host.parameterCount(); ++i) m_names.push_back(host.parameter(i).name);
+  }
+  std::optional<int> find(std::string_view name) const {
+    const std::string wanted = folded(name);
+    for (std::size_t i = 0; i < m_names.size(); ++i)
+      if (!wanted.empty() && folded(m_names[i]) == wanted) return static_cast<int>(i);
+    return std::nullopt;
+  }
+  int require(const std::string& name) const {
+    if (const auto index = find(name)) return *index;
+    throw std::runtime_error("no parameter '" + name + "'; 'brezan params' lists them");
+  }
+  const std::string& operator[](int index) const {
+    return m_names.at(static_cast<std::size_t>(index));
+  }
+
+ private:
+  std::vector<std::string> m_names;
+};
+
+/// The file of learned controllers: the one named, else a value of the user's settings.
+class MapFile {
+ public:
+  MapFile(std::string path, const Names& names)
+      : m_path(std::move(path)), m_names(names), m_settings(presets::openUserSettings()) {}
+
+  live::MidiMap read() const {
+    std::string text;
+    std::error_code error;
+    if (m_path.empty()) {
+      text = m_settings->readText(kMapName);
+    } else if (fs::exists(m_path, error)) {
+      std::ifstream in(m_path, std::ios::binary);
+      if (!in) throw std::runtime_error("cannot read '" + m_path + "'");
+      text.resize(platform::SettingsStore::kMaxValueBytes);
+      in.read(text.data(), static_cast<std::streamsize>(text.size()));
+      text.resize(static_cast<std::size_t>(in.gcount()));
+    }
+    std::vector<std::string> faults;
+    live::MidiMap map = live::MidiMap::parse(
+        text, [this](std::string_view name) { return m_names.find(name); }, faults);
+    for (const std::string& fault : faults)
+      std::cerr << "brezan: " << (m_path.empty() ? kMapName : m_path) << ' ' << fault << '\n';
+    return map;
+  }
+
+  void write(const live::MidiMap& map) const {
+    const std::string text = map.text([this](int parameter) { return m_names[parameter]; });
+    if (!m_path.empty())
+      writeFile(m_path, text);
+    else if (!m_settings->writeText(kMapName, text))
+      std::cerr << "brezan: cannot keep the learned controllers in the user's settings\n";
+  }
+
+ private:
+  std::string m_path;
+  const Names& m_names;
+  std::shared_ptr<platform::SettingsStore> m_settings;
+};
+
+/// One line on a terminal, drawn again and again; elsewhere nothing.
+class StatusLine {
+ public:
+  void show(const std::string& words) {
+    if (!m_terminal) return;
+    const auto width = static_cast<std::size_t>(std::max(1, errorStreamColumns() - 1));
+    std::cerr << '\r' << words.substr(0, width) << "\x1b[K" << std::flush;
+    m_shown = true;
+  }
+  void clear() {
+    if (std::exchange(m_shown, false)) std::cerr << "\r\x1b[K" << std::flush;
+  }
+  ~StatusLine() { clear(); }
+
+ private:
+  bool m_terminal = errorStreamIsTerminal();
+  bool m_shown = false;
+};
+
+std::string level(float linear) { return decibels(static_cast<double>(linear)) + " dB"; }
+
+std::string percent(float share) { return std::to_string(std::lround(100.0F * share)) + " %"; }
+
+std::string status(live::Player& player, PluginHost& host, int lever) {
+  const live::Meters meters = player.effect().readMeters();
+  std::string words = "in " + level(meters.in) + "  out " + level(meters.out) + "  " +
+                      host.display(lever) + "  load " + percent(meters.load) + " (" +
+                      percent(meters.worstLoad) + ")  xruns " + std::to_string(player.lateBlocks());
+  if (player.system() == nullptr)
+    words += "  waiting for the audio system";
+  else if (player.system()->isFreewheeling())
+    words += "  freewheel";
+  return words;
+}
+
+void play(const LiveOptions& options) {
+  PluginHost host(locatePlugin(options.plugin));
+  const Names names(host);
+  StartingPoint start = options.start;
+  std::error_code error;
+  if (!fs::exists(start.state, error)) start.state.clear(); // saved there for the first time
+  {
+    ParameterText parameters(host.file());
+    start.apply(host, parameters);
+  }
+  const MapFile mapFile(options.map, names);
+  live::MidiMap map = mapFile.read();
+  if (!options.forget.empty()) {
+    map.forget(names.require(options.forget));
+    mapFile.write(map);
+  }
+
+  StatusLine line;
+  const auto say = [&line](const std::string& words) {
+    line.clear();
+    std::cout << words << '\n' << std::flush;
+  };
+  live::JackSystem::Wishes wishes;
+  wishes.physical = options.wantsConnections && options.connect.empty();
+  wishes.names = options.connect;
+  live::Player* running = nullptr;
+  live::Player::Events events;
+  events.open = [&wishes]() -> std::unique_ptr<live::AudioSystem> {
+    return live::JackSystem::open(kClientName, wishes);
+  };
+  events.ended = [&wishes](const live::AudioSystem& gone) {
+    const auto* jack = dynamic_cast<const live::JackSystem*>(&gone);
+    if (jack == nullptr) return;
+    wishes.connections = jack->connections();
+    wishes.strict = false;
+  };
+  events.say = say;
+  events.mapChanged = [&] { mapFile.write(running->map()); };
+  Host effectHost(host);
+  std::optional<live::Player> player;
+  player.emplace(effectHost, std::move(map), std::move(events));
+  running = &*player;
+  player->effect().setProgramChannel(options.channel);
+  if (!options.learn.empty()) {
+    player->learn(names.require(options.learn));
+    say("move a controller for " + options.learn);
+  }
+  if (const auto* client = dynamic_cast<const live::JackSystem*>(player->system()))
+    say("playing as JACK client \"" + client->name() + "\" at " + fixed(client->rate(), 0) +
+        " Hz in blocks of " + std::to_string(client->blockFrames()) + " frames");
+
+  std::optional<EditorWindow> window;
+  if (!options.noWindow) window.emplace(host);
+  const int lever = names.require(kLever);
+  auto nextStatus = Clock::now();
+  for (auto next = nextStatus; !takeInterrupt() && (!window || window->isOpen());
+       next += kIdleTime) {
+    player->idle();
+    if (window) window->idle();
+    if (Clock::now() >= nextStatus) {
+      line.show(status(*player, host, lever));
+      nextStatus = Clock::now() + kStatusTime;
+    }
+    next = std::max(next, Clock::now() - kIdleTime); // after a pause not all at once
+    std::this_thread::sleep_until(next);
+  }
+  window.reset();
+  const auto* jack = dynamic_cast<const live::JackSystem*>(player->system());
+  say("played " + std::to_string(player->effect().blocks()) + " blocks" +
+      (jack == nullptr ? "" : " since JACK frame " + std::to_string(jack->firstFrame())) + ", " +
+      std::to_string(player->lateBlocks()) + " xruns");
+  player.reset();
+  if (!options.start.state.empty()) writeFile(options.start.state, host.state());
+}
+
+} // namespace
+
+void addLiveCommand(CLI::App& program) {
+  CLI::App* command =
+      program.add_subcommand("live", "Play through the plug-in live, in a window of its own");
+  auto options = std::make_shared<LiveOptions>();
+  LiveOptions& o = *options;
+  addPluginOption(*command, o.plugin);
+  o.start.addOptions(*command);
+  command->get_option("--state")->description(
+      "File of the plug-in's state: taken at the start when it is there, saved at the end");
+  CLI::Option* connect = command->add_option(
+      "--connect", o.connect,
+      "Connect to the machine's own JACK ports, or to the ports and clients named");
+  connect->expected(0, -1);
+  command->add_flag("--no-window", o.noWindow,
+                    "No editor: a line with levels, lever, load and xruns in the terminal");
+  command->add_option("--learn", o.learn,
+                      "The next MIDI controller that moves is kept for this parameter");
+  command->add_option("--forget", o.forget, "Forget the controller of this parameter");
+  command->add_option("--map", o.map,
+                      "File of learned controllers instead of the one in the user's settings");
+  command
+      ->add_option("--channel", o.channel,
+                   "MIDI channel of program changes, which choose presets 1 to 32; else any")
+      ->check(CLI::Range(1, live::kChannels));
+  command->callback([options, connect] {
+    options->wantsConnections = connect->count() > 0;
+    std::erase(options->connect, std::string()); // what stands for no name at all
+    play(*options);
+  });
+}
+
+} // namespace qlx::tools

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: ISC
+#include "live/Player.h"
+
+#include "tests/live/RecordingEffect.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <thread>
+
+namespace qlx::test {
+
+namespace {
+
+/// The machine that the test's audio systems stand for.
+struct Machine {
+  double rate = 48000.0;
+  bool running = true;
+  int open = 0;
+  live::BlockProcessor* processor = nullptr;
+};
+
+class MachineSystem final : public live::AudioSystem {
+ public:
+  explicit MachineSystem(Machine& machine) : m_machine(machine) { ++machine.open; }
+  ~MachineSystem() override { --m_machine.open; }
+  double rate() const override { return m_machine.rate; }
+  int blockFrames() const override { return 64; }
+  void start(live::BlockProcessor& processor) override { m_machine.processor = &processor; }
+  void stop() noexcept override { m_machine.processor = nullptr; }
+  int lateBlocks() const override { return 2; }
+  bool isAlive() const override { return m_machine.running; }
+
+ private:
+  Machine& m_machine;
+};
+
+class Host final : public live::EffectHost {
+ public:
+  sdk::EffectRecord& record() override { return m_effect.record(); }
+  void start(double rate, int) override { words += "on " + std::to_string(int(rate)) + ' '; }
+  void stop() override { words += "off "; }
+  int presetCount() override { return 32; }
+  void selectPreset(int number) override { words += "preset " + std::to_string(number) + ' '; }
+  std::string words;
+
+ private:
+  RecordingEffect m_effect;
+};
+
+void send(const Machine& machine, std::initializer_list<live::MidiMessage> midi) {
+  machine.processor->process({{nullptr, nullptr}, {nullptr, nullptr}, 0, std::span(midi)});
+}
+
+} // namespace
+
+TEST(PlayerTest, FollowsRateProgramsAndControllersAndFindsTheSystemAgain) {
+  Machine machine;
+  Host host;
+  int saved = 0;
+  live::Player::Events events;
+  events.open = [&]() -> std::unique_ptr<live::AudioSystem> {
+    EXPECT_EQ(machine.open, 0) << "two at once";
+    return machine.running ? std::make_unique<MachineSystem>(machine) : nullptr;
+  };
+  events.mapChanged = [&saved] { ++saved; };
+  {
+    live::Player player(host, {}, events);
+    machine.rate = 44100.0;
+    player.idle();
+    send(machine, {{0, {0xC0, 9, 0}}, {0, {0xC0, 32, 0}}});
+    player.idle(); // no such preset
+    send(machine, {{0, {0xC0, 9, 0}}, {0, {0xC0, 31, 0}}});
+    player.idle();
+    player.learn(4);
+    send(machine, {{0, {0xB2, 20, 1}}});
+    player.idle();
+    EXPECT_EQ(player.map().controllerOf(4), (live::Controller{3, 20}));
+    player.forget(4);
+    EXPECT_EQ(player.map().controllerOf(4), std::nullopt);
+    EXPECT_EQ(saved, 2);
+
+    machine.running = false;
+    player.idle();
+    EXPECT_EQ(player.system(), nullptr);
+    machine.running = true;
+    machine.rate = 96000.0;
+    while (player.system() == nullptr) {
+      player.idle();
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_NE(machine.processor, nullptr);
+    EXPECT_EQ(player.lateBlocks(), 4);
+  }
+  EXPECT_EQ(host.words, "on 48000 on 44100 preset 31 on 96000 off ");
+  EXPECT_EQ(machine.processor, nullptr);
+  machine.running = false;
+  EXPECT_THROW(live::Player(host, {}, events), std::runtime_error);
+}
+
+} // namespace qlx::test
