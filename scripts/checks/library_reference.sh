@@ -1,15 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: ISC
-# Compares what the plug-in shows to a host and a system with library_reference.txt: exported names, needed libraries, bytes
-# in memory. Usage: library_reference.sh QLXBrezan.so [--write]; --write makes the reference anew.
+# Compares what the plug-in, built with g++, asks of a system with library_reference.txt: needed libraries, bytes in memory.
+# Usage: library_reference.sh QLXBrezan.so [--write]; --write makes the reference anew.
 set -euo pipefail
 reference=$(dirname "${BASH_SOURCE[0]}")/library_reference.txt
 tolerance=5 # per cent of the bytes
-names() { LC_ALL=C sort | sed "s/^/$1 /"; }
-found=$(
-  nm -D --defined-only "$1" | awk '{ print $NF }' | names exports
-  readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | names needs
-)
+found=$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/needs \1/p' | LC_ALL=C sort)
 bytes=$(size "$1" | awk 'NR == 2 { print $4 }')
 if [ "${2:-}" = --write ]; then
   printf '%s\nbytes %s\n' "$found" "$bytes" >"$reference"

@@ -1,0 +1,47 @@
+# SPDX-License-Identifier: ISC
+# shellcheck shell=bash
+# Sourced by what runs several commands one after the other: step for each, then step_summary, which tells how each went.
+# A step that fails does not keep the others from running.
+step_results=()
+step_status=0
+step_log=$(mktemp)
+trap 'rm -f "$step_log"' EXIT
+
+# step NAME SECONDS COMMAND...: no limit if SECONDS is 0. What the command printed is in $step_log until the next step.
+# A command that was stopped for the time, or that ended with 3 because its own limit was reached, is no error unless it
+# had reported one.
+step() {
+  local name=$1 limit=$2 code=0 begin=$SECONDS result
+  shift 2
+  echo "== $name"
+  if [ "$limit" -gt 0 ]; then set -- timeout -k 20 "$limit" "$@"; fi
+  "$@" 2>&1 | tee "$step_log" || code=$?
+  if [ "$code" -eq 0 ]; then
+    result=passed
+  elif [ "$code" -eq 3 ] || { [ "$limit" -gt 0 ] && [ $((SECONDS - begin)) -ge "$limit" ]; }; then
+    result="CUT for lack of time"
+    if grep -qE '\*\*\*(Failed|Exception|Timeout)|FINDING' "$step_log"; then
+      result="FAILED, and cut for lack of time"
+      step_status=1
+    fi
+  else
+    result=FAILED
+    step_status=1
+  fi
+  step_end "$name" "$result" $((SECONDS - begin))
+}
+
+# skip NAME
+skip() { step_end "$1" "SKIPPED for lack of time" 0; }
+
+step_end() {
+  [ "$2" = passed ] || echo "!! $1: $2"
+  step_results+=("$(printf '%-46s %3d min %2d s  %s' "$1" $(($3 / 60)) $(($3 % 60)) "$2")")
+}
+
+# Fails if a step has.
+step_summary() {
+  echo "== summary"
+  printf '%s\n' "${step_results[@]}"
+  return "$step_status"
+}
