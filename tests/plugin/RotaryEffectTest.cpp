@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-#include "tests/support/EffectFixture.h"
 #include "tests/support/CountingAllocator.h"
+#include "tests/support/EffectFixture.h"
 
 #include <algorithm>
 #include <atomic>
