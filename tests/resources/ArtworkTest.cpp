@@ -137,8 +137,9 @@ TEST(Icons, AreWhatTheGeneratorDraws) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Set, Images, testing::ValuesIn(kSizes),
-                         [](const auto& size) { return std::to_string(size.param.number); });
+INSTANTIATE_TEST_SUITE_P(Set, Images, testing::ValuesIn(kSizes), [](const auto& size) {
+  return "Image" + std::to_string(size.param.number);
+});
 
 TEST(ImageDirectory, HoldsTheWholeSetAndNothingElse) {
   for (const Artwork& art : artworkSet()) {
