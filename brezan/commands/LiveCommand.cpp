@@ -2,6 +2,7 @@
 #include "brezan/commands/Commands.h"
 
 #include "brezan/Interrupt.h"
+#include "brezan/MemoryLock.h"
 #include "brezan/System.h"
 #include "brezan/Table.h"
 #include "brezan/Words.h"
@@ -11,6 +12,7 @@
 #include "brezan/sound/PendingFile.h"
 #include "live/JackSystem.h"
 #include "live/Player.h"
+#include "live/RtSystem.h"
 #include "platform/SettingsStore.h"
 #include "presets/store/PersistentSettings.h"
 
@@ -50,6 +52,9 @@ struct LiveOptions {
   int channel = live::EffectPlayer::kEveryChannel;
   bool wantsConnections = false;
   bool noWindow = false;
+  bool list = false;
+  std::string audio = "auto";
+  live::RtSystem::Wishes card;
 };
 
 class Host final : public live::EffectHost {
@@ -165,6 +170,10 @@ std::string status(live::Player& player, PluginHost& host, int lever) {
 }
 
 void play(const LiveOptions& options) {
+  if (options.list) {
+    for (const std::string& line : live::RtSystem::list()) std::cout << line << '\n';
+    return;
+  }
   PluginHost host(locatePlugin(options.plugin));
   const Names names(host);
   StartingPoint start = options.start;
@@ -191,8 +200,14 @@ void play(const LiveOptions& options) {
   wishes.names = options.connect;
   live::Player* running = nullptr;
   live::Player::Events events;
-  events.open = [&wishes]() -> std::unique_ptr<live::AudioSystem> {
-    return live::JackSystem::open(kClientName, wishes);
+  bool useJack = options.audio != "alsa";
+  events.open = [&]() -> std::unique_ptr<live::AudioSystem> {
+    if (useJack) {
+      std::unique_ptr<live::JackSystem> jack = live::JackSystem::open(kClientName, wishes);
+      if (jack || options.audio == "jack" || !wishes.strict) return jack;
+    }
+    useJack = false;
+    return std::make_unique<live::RtSystem>(options.card);
   };
   events.ended = [&wishes](const live::AudioSystem& gone) {
     const auto* jack = dynamic_cast<const live::JackSystem*>(&gone);
@@ -214,6 +229,13 @@ void play(const LiveOptions& options) {
   if (const auto* client = dynamic_cast<const live::JackSystem*>(player->system()))
     say("playing as JACK client \"" + client->name() + "\" at " + fixed(client->rate(), 0) +
         " Hz in blocks of " + std::to_string(client->blockFrames()) + " frames");
+  if (const auto* card = dynamic_cast<const live::RtSystem*>(player->system())) {
+    say("playing on the sound card at " + fixed(card->rate(), 0) + " Hz in blocks of " +
+        std::to_string(card->blockFrames()) + " frames, " + std::to_string(card->midiInputs()) +
+        " MIDI inputs");
+    if (!lockMemory())
+      std::cerr << "brezan: warning: this user may not lock memory; see 'ulimit -l'\n";
+  }
 
   std::optional<EditorWindow> window;
   if (!options.noWindow) window.emplace(host);
@@ -254,6 +276,20 @@ void addLiveCommand(CLI::App& program) {
       "--connect", o.connect,
       "Connect to the machine's own JACK ports, or to the ports and clients named");
   connect->expected(0, -1);
+  command
+      ->add_option("--audio", o.audio,
+                   "jack, alsa, or auto: JACK when its server runs, else the sound card (auto)")
+      ->check(CLI::IsMember({"auto", "jack", "alsa"}));
+  command->add_flag("--list", o.list,
+                    "Only list sound cards and MIDI inputs, for use without JACK");
+  command->add_option("--input", o.card.input, "Sound card to hear, by number or part of its name");
+  command->add_option("--output", o.card.output, "Sound card to play on, likewise");
+  command->add_option("--midi", o.card.midi,
+                      "MIDI inputs without JACK, by part of their name (all)");
+  command->add_option("--rate", o.card.rate, "Rate in Hz without JACK (48000)")
+      ->check(CLI::Range(8000U, 384000U));
+  command->add_option("--block", o.card.blockFrames, "Frames in a block without JACK (256)")
+      ->check(CLI::Range(16U, 8192U));
   command->add_flag("--no-window", o.noWindow,
                     "No editor: a line with levels, lever, load and xruns in the terminal");
   command->add_option("--learn", o.learn,
