@@ -3,7 +3,7 @@
 # pictures.sh BREZAN: takes the manual's pictures anew. The menu is a window of its own and needs a display; where there is
 # none: xvfb-run -a docs/manual/pictures.sh BREZAN.
 set -euo pipefail
-brezan=$1
+brezan=$(realpath "$1")
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
 export HOME=$home XDG_CONFIG_HOME=$home # no stored defaults of the user's
