@@ -198,6 +198,7 @@ bool CFrame::onWindowEvent(const WindowEvent& event) {
     if (m_focusView != nullptr) m_focusView->onFocusLost();
     break;
   case WindowEventType::kPressOutside: closePopup(); break;
+  case WindowEventType::kTick: idle(); break;
   case WindowEventType::kSelectionText:
     if (m_focusView != nullptr) m_focusView->onSelectionText(event.text);
     break;

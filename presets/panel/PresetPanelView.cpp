@@ -4,6 +4,7 @@
 #include "gui/CFrame.h"
 #include "gui/controls/COptionMenu.h"
 #include "gui/dialogs/CMessageBox.h"
+#include "platform/MessageBox.h"
 #include "presets/panel/CPSKickButton.h"
 #include "presets/panel/CPSRockerSwitch.h"
 #include "presets/panel/CQLXTextEdit.h"
@@ -115,6 +116,7 @@ void PresetPanelView::acceptName() { m_nameField->endTextEdit(true); }
 void PresetPanelView::releaseManualButton() { m_manualButton->release(); }
 
 void PresetPanelView::showMessage(const std::string& title, const std::string& text) {
+  if (platform::showMessageBox(nativeWindow(), title, text)) return;
   gui::CMessageBox::show(m_frame, title, text, {"OK"}, [](int /*button*/) {});
 }
 

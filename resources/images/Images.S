@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: ISC
-/* The editor's images and glyphs as read-only data: a directory of (number, distance of the file from the
+/* The editor's images as read-only data, where libraries have no resources: a directory of (number, distance of the file from the
    directory, length), then the files: two device-independent bitmaps, PNG all others. The assembler finds them in the include path. */
 
-#ifdef _WIN32
-        .section .rdata, "dr"
-#else
         .section .rodata, "a", @progbits
-        .hidden qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorGlyphs, qlxEditorGlyphsEnd
-#endif
-        .globl  qlxImageDirectory, qlxImageDirectoryEnd, qlxEditorGlyphs, qlxEditorGlyphsEnd
+        .hidden qlxImageDirectory, qlxImageDirectoryEnd
+        .globl  qlxImageDirectory, qlxImageDirectoryEnd
 
         .macro  forEachImage do
         .irp    number, 989, 2002, 2003, 2004, 2005, 2008, 2009, 2010, 2013, 3999, 4000, 4001, 4002
@@ -43,11 +39,5 @@ qlxImageDirectory:
         forEachImage entry
 qlxImageDirectoryEnd:
         forEachImage file
-        .balign 16
-qlxEditorGlyphs:
-        .incbin "editor_glyphs.bin"
-qlxEditorGlyphsEnd:
 
-#ifndef _WIN32
         .section .note.GNU-stack, "", @progbits
-#endif

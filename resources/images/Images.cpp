@@ -20,8 +20,6 @@ extern "C" {
 // Defined in Images.S.
 extern const DirectoryEntry qlxImageDirectory[];
 extern const DirectoryEntry qlxImageDirectoryEnd[];
-extern const std::byte qlxEditorGlyphs[];
-extern const std::byte qlxEditorGlyphsEnd[];
 }
 
 std::span<const std::byte> findImage(int number) {
@@ -33,7 +31,5 @@ std::span<const std::byte> findImage(int number) {
   const auto* base = reinterpret_cast<const std::byte*>(qlxImageDirectory);
   return {base + found->distance, found->length};
 }
-
-std::span<const std::byte> editorGlyphs() { return {qlxEditorGlyphs, qlxEditorGlyphsEnd}; }
 
 } // namespace qlx::resources

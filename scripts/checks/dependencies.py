@@ -30,7 +30,7 @@ ONLY = {
     ("resources", "engine"): {"engine/rotor/Recordings.h"},
     ("resources", "gui"): {"gui/drawing/GlyphPack.h"},
     ("brezan", "engine"): {"engine/rotor/Recordings.h"},
-    ("resources", "platform"): {"platform/PixelRect.h"},
+    ("resources", "platform"): {"platform/ModuleResources.h", "platform/PixelRect.h"},
     ("presets/panel", "resources"): {"resources/images/Images.h", "resources/images/WindowLayout.h"},
     ("editor", "resources"): {"resources/images/Images.h", "resources/images/WindowLayout.h"},
     ("lv2", "presets/panel"): {"presets/panel/CPresetSystemEditor.h"},

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
+#include "brezan/System.h"
 #include "sdk/VstTypes.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/ThisSystem.h"
 
 #include <array>
-#include <cstdlib>
-#include <dlfcn.h>
-#include <filesystem>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,23 +37,17 @@ class EntryTest : public ::testing::Test {
   EntryTest() {
     version = 2400;
     requests.clear();
-    ::setenv("XDG_CONFIG_HOME", (m_home / "config").c_str(), 1);
-    m_library = ::dlopen(PLUGIN, RTLD_NOW | RTLD_LOCAL);
-    if (m_library == nullptr) ADD_FAILURE() << ::dlerror();
+    keepSettingsIn(m_home.path());
+    m_library.emplace(PLUGIN);
   }
-  ~EntryTest() override { unload(); }
 
-  void unload() {
-    if (m_library != nullptr) ::dlclose(m_library);
-    m_library = nullptr;
-  }
   EntryFunction entry(const char* name) {
-    return reinterpret_cast<EntryFunction>(::dlsym(m_library, name));
+    return reinterpret_cast<EntryFunction>(m_library->symbol(name));
   }
   static void close(EffectRecord* effect) { effect->dispatcher(effect, 1, 0, 0, nullptr, 0.0F); }
 
   TemporaryFolder m_home;
-  void* m_library = nullptr;
+  std::optional<tools::SharedObject> m_library;
 };
 
 TEST_F(EntryTest, BothNamesMakeAnEffect) {
@@ -91,7 +85,7 @@ TEST_F(EntryTest, ScannersLeaveNoTrace) {
     effect->dispatcher(effect, opcode, 0, 0, text.data(), 0.0F);
   }
   close(effect);
-  EXPECT_FALSE(std::filesystem::exists(m_home / "config"));
+  EXPECT_FALSE(settingsWereWritten());
 }
 
 TEST_F(EntryTest, ManyInstancesLiveSideBySide) {
@@ -114,8 +108,9 @@ TEST_F(EntryTest, UnloadingReallyUnloads) {
   effect->dispatcher(effect, 12, 0, 1, nullptr, 0.0F);
   effect->processReplacing(effect, buffers, buffers, 512);
   close(effect);
-  unload();
-  EXPECT_EQ(::dlopen(PLUGIN, RTLD_NOW | RTLD_NOLOAD), nullptr);
+  ASSERT_TRUE(isLoaded(PLUGIN));
+  m_library.reset();
+  EXPECT_FALSE(isLoaded(PLUGIN));
 }
 
 } // namespace

@@ -9,9 +9,7 @@
 #include <gmock/gmock.h>
 #include <numbers>
 #include <random>
-#include <sys/mman.h>
 #include <thread>
-#include <unistd.h>
 #include <xmmintrin.h>
 
 namespace qlx::test {
@@ -102,22 +100,12 @@ TEST_F(BypassedEffectTest, ChannelLayouts) {
 TEST_F(BypassedEffectTest, OneChannelNeedsOnePointer) {
   ASSERT_TRUE(arrange(1, 1));
   // Each pointer is the last one before memory that must not be touched.
-  const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  std::array<float**, 2> channels{};
-  for (float**& pointer : channels) {
-    void* const pages =
-        ::mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(pages, MAP_FAILED);
-    ASSERT_EQ(::mprotect(static_cast<char*>(pages) + page, page, PROT_NONE), 0);
-    pointer = reinterpret_cast<float**>(static_cast<char*>(pages) + page) - 1;
-  }
+  const std::array<GuardedPage, 2> pages;
+  const std::array<float**, 2> channels{pages[0].last<float*>(), pages[1].last<float*>()};
   *channels[0] = input.left.data();
   *channels[1] = output.left.data();
   effect->processReplacing(channels[0], channels[1], kFrames);
   EXPECT_THAT(output.left, Follows(input.left));
-  for (float** const pointer : channels) {
-    ::munmap(reinterpret_cast<char*>(pointer + 1) - page, 2 * page);
-  }
 }
 
 TEST_F(BypassedEffectTest, UnconnectedPinsAreNeitherReadNorWritten) {

@@ -4,9 +4,9 @@
 #include "plugin/RotaryEffect.h"
 #include "plugin/parameters/ParameterIndex.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/ThisSystem.h"
 
 #include <array>
-#include <cstdlib>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -34,7 +34,7 @@ class EffectFixture : public ::testing::Test {
     connected() = true;
     whileUpdating() = nullptr;
     whenAutomated() = nullptr;
-    ::setenv("XDG_CONFIG_HOME", m_home.path().c_str(), 1);
+    keepSettingsIn(m_home.path());
     effect = std::make_unique<RotaryEffect>(&host);
     effect->getRecord();
   }

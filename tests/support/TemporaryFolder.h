@@ -2,12 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,9 +16,10 @@ namespace qlx::test {
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "qlx-XXXXXX").string();
-    if (::mkdtemp(path.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    m_path = path;
+    std::random_device random;
+    do {
+      m_path = std::filesystem::temp_directory_path() / ("qlx-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(m_path));
   }
   ~TemporaryFolder() {
     std::error_code ignored;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/ThisSystem.h"
 #include "tests/system/Scenario.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ constexpr double kTolerance = -120.0;
 
 class SoundTest : public ::testing::Test {
  protected:
-  SoundTest() { ::setenv("XDG_CONFIG_HOME", m_home.path().c_str(), 1); }
+  SoundTest() { keepSettingsIn(m_home.path()); }
   TemporaryFolder m_home;
 };
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "platform/FileSelectorChain.h"
+#include "platform/MessageBox.h"
 #include "platform/linux/desktop/DesktopDocumentOpener.h"
 #include "platform/linux/desktop/PortalFileSelector.h"
 #include "platform/linux/desktop/ProcessFileSelector.h"
@@ -17,5 +18,7 @@ std::unique_ptr<FileSelector> desktopFileSelector() {
 std::unique_ptr<DocumentOpener> desktopDocumentOpener() {
   return std::make_unique<DesktopDocumentOpener>();
 }
+
+bool showMessageBox(std::uintptr_t, std::string_view, std::string_view) { return false; }
 
 } // namespace qlx::platform

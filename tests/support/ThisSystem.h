@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <filesystem>
+
+/// What tests need of the system that they run on.
+namespace qlx::test {
+
+/// From now on this process's settings are kept in `folder`; on Windows under a key for it alone,
+/// which goes with the user's session.
+void keepSettingsIn(const std::filesystem::path& folder);
+
+/// Whether anything was written there since.
+bool settingsWereWritten();
+
+/// Whether this process has a shared library loaded.
+bool isLoaded(const std::filesystem::path& library);
+
+/// A page of memory behind which nothing can be touched.
+class GuardedPage {
+ public:
+  GuardedPage();
+  ~GuardedPage();
+  GuardedPage(const GuardedPage&) = delete;
+  GuardedPage& operator=(const GuardedPage&) = delete;
+
+  /// The last T of the page.
+  template <class T>
+  T* last() const {
+    return reinterpret_cast<T*>(m_pages + m_size) - 1;
+  }
+
+ private:
+  char* m_pages;
+  std::size_t m_size;
+};
+
+} // namespace qlx::test
