@@ -27,6 +27,13 @@ std::wstring followLinks(const std::wstring& path) {
   return end;
 }
 
+/// Whether nobody keeps others from removing the file.
+bool canBeRemoved(const std::wstring& path) {
+  return static_cast<bool>(FileHandle(
+      CreateFileW(path.c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
+}
+
 std::wstring temporaryName() {
   static std::atomic<unsigned> count{0};
   return kTemporaryPrefix + std::to_wstring(GetCurrentProcessId()) + L'-' +
@@ -76,7 +83,8 @@ bool replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
   const DWORD attributes = GetFileAttributesW(target.c_str());
   const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
   constexpr DWORD kNotToBeReplaced = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
-  if (target.size() == nameAt || (exists && (attributes & kNotToBeReplaced) != 0)) return false;
+  if (target.size() == nameAt) return false;
+  if (exists && ((attributes & kNotToBeReplaced) != 0 || !canBeRemoved(target))) return false;
 
   const std::wstring directory = target.substr(0, nameAt);
   removeAbandoned(directory);

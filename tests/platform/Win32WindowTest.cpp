@@ -237,7 +237,7 @@ TEST(Win32WindowSystem, AChildNeedsAParent) {
 
 TEST(Win32WindowSystem, ATopLevelWindowHasItsTitleAndSize) {
   const std::uint32_t icon[4] = {};
-  const auto window = nativeWindowSystem().openTopLevel({"Größe", "brezan", {icon, 2, 2}}, 70, 30);
+  const auto window = nativeWindowSystem().openTopLevel({"Größe", "brezan", {icon, 2, 2}}, 270, 130);
   ASSERT_NE(window, nullptr);
   const auto own = reinterpret_cast<HWND>(window->handle());
   wchar_t title[32]{};
@@ -245,8 +245,8 @@ TEST(Win32WindowSystem, ATopLevelWindowHasItsTitleAndSize) {
   EXPECT_EQ(std::wstring(title), L"Größe");
   RECT inside{};
   GetClientRect(own, &inside);
-  EXPECT_EQ(inside.right, 70);
-  EXPECT_EQ(inside.bottom, 30);
+  EXPECT_EQ(inside.right, 270);
+  EXPECT_EQ(inside.bottom, 130);
   Listener listener;
   window->setListener(&listener);
   SendMessageW(own, WM_CLOSE, 0, 0);

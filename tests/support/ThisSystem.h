@@ -7,7 +7,7 @@
 namespace qlx::test {
 
 /// From now on this process's settings are kept in `folder`; on Windows under a key for it alone,
-/// which goes with the user's session.
+/// which goes with the process.
 void keepSettingsIn(const std::filesystem::path& folder);
 
 /// Whether anything was written there since.

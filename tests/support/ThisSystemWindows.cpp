@@ -7,22 +7,48 @@
 
 namespace qlx::test {
 
+namespace {
+
+constexpr const wchar_t* kKeysOfTests = L"Software\\QLXTest";
+
+/// A key that takes the user's place for this process, and goes with it.
+class OwnKey {
+ public:
+  ~OwnKey() { remove(); }
+  void become(const std::wstring& path) {
+    remove();
+    m_path = path;
+    HKEY own = nullptr;
+    RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                    KEY_ALL_ACCESS, nullptr, &own, nullptr);
+    RegOverridePredefKey(HKEY_CURRENT_USER, own);
+    RegCloseKey(own);
+  }
+
+ private:
+  void remove() {
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    if (m_path.empty()) return;
+    RegDeleteTreeW(HKEY_CURRENT_USER, m_path.c_str());
+    RegDeleteKeyW(HKEY_CURRENT_USER, kKeysOfTests); // unless another test is running
+  }
+
+  std::wstring m_path;
+};
+
+} // namespace
+
 void keepSettingsIn(const std::filesystem::path& folder) {
-  RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-  const std::wstring path = L"Software\\QLXTest\\" + std::to_wstring(hash_value(folder));
-  HKEY own = nullptr;
-  RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
-                  nullptr, &own, nullptr);
-  RegOverridePredefKey(HKEY_CURRENT_USER, own);
-  RegCloseKey(own);
+  static OwnKey key;
+  key.become(std::wstring(kKeysOfTests) + L'\\' + std::to_wstring(hash_value(folder)));
 }
 
 bool settingsWereWritten() {
-  DWORD keys = 0;
-  const LSTATUS state =
-      RegQueryInfoKeyW(HKEY_CURRENT_USER, nullptr, nullptr, nullptr, &keys, nullptr, nullptr,
-                       nullptr, nullptr, nullptr, nullptr, nullptr);
-  return state != ERROR_SUCCESS || keys > 0;
+  HKEY software = nullptr;
+  if (RegOpenKeyExW(HKEY_CURRENT_USER, L"Software", 0, KEY_READ, &software) != ERROR_SUCCESS)
+    return false;
+  RegCloseKey(software);
+  return true;
 }
 
 bool isLoaded(const std::filesystem::path& library) {
