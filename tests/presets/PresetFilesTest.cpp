@@ -33,7 +33,7 @@ class PresetFiles : public testing::Test {
   }
   void load(Command command, const Builder& bytes) {
     writeBytes(folder / "given", bytes.bytes());
-    run(command, {folder / "given"});
+    run(command, {(folder / "given").string()});
   }
 
   std::filesystem::path before = std::filesystem::current_path();
@@ -50,8 +50,8 @@ TEST_F(PresetFiles, DialogsAskForTheRightThing) {
     const char* description;
     const char* extension;
   };
-  run(kSavePreset, {folder / "mine.qlx"});
-  run(kSaveBank, {folder / "all.qlb"});
+  run(kSavePreset, {(folder / "mine.qlx").string()});
+  run(kSaveBank, {(folder / "all.qlb").string()});
   for (const Case& test : {
            Case{kSavePreset, Style::Save, "Save preset", "mine.qlx", "QLX Preset", "qlx"},
            Case{kSaveBank, Style::Save, "Save bank", "all.qlb", "QLX Bank", "qlb"},
@@ -67,7 +67,7 @@ TEST_F(PresetFiles, DialogsAskForTheRightThing) {
     ASSERT_TRUE(request);
     EXPECT_EQ(request->style, test.style);
     EXPECT_EQ(request->title, test.title);
-    EXPECT_EQ(request->directory, folder.path().string() + "/");
+    EXPECT_EQ(request->directory, (folder.path() / "").string());
     EXPECT_EQ(request->fileName, test.proposed);
     ASSERT_EQ(request->types.size(), 1U);
     EXPECT_EQ(request->types[0].description, test.description);
@@ -83,16 +83,16 @@ TEST_F(PresetFiles, DialogsAskForTheRightThing) {
 }
 
 TEST_F(PresetFiles, SavedFilesAreTheImages) {
-  run(kSavePreset, {folder / "a.qlx"});
+  run(kSavePreset, {(folder / "a.qlx").string()});
   EXPECT_EQ(readBytes(folder / "a.qlx"), Builder().presetImage(rig.slot(3)).bytes());
-  run(kSaveBank, {folder / "b.qlb"});
+  run(kSaveBank, {(folder / "b.qlb").string()});
   EXPECT_EQ(readBytes(folder / "b.qlb"),
             Builder().bankImage(rig.effect.getPresetSlots(), 3).bytes());
   EXPECT_EQ(folder.entries(), 2U);
 }
 
 TEST_F(PresetFiles, FilesAboveSixteenMebibytesAreIgnored) {
-  const std::string file = folder / "large.qlx";
+  const std::string file = (folder / "large.qlx").string();
   writeBytes(file, Builder().presetImage(makeSlot(60)).bytes());
   const auto kept = rig.state();
   for (const bool ignored : {true, false}) {
@@ -108,7 +108,7 @@ TEST_F(PresetFiles, ChosenPathsAreTakenApart) {
   };
   std::filesystem::create_directory(folder / "sub");
   std::filesystem::create_directory(folder / "v1.5");
-  const std::string root = folder.path().string() + "/";
+  const std::string root = (folder.path() / "").string();
   // The current directory follows each choice; in the end it is root/sub.
   for (const Case& test :
        {Case{root + "sub/a.qlx", root + "sub/", "a.qlx"}, Case{"b", root + "sub/", "b.qlx"},
@@ -128,7 +128,7 @@ TEST_F(PresetFiles, WithoutOneChosenPathNothingHappens) {
   for (const Command command : {kSavePreset, kSaveBank, kLoadPreset, kLoadBank}) {
     writeBytes(folder / "x", Builder().presetImage(makeSlot(60)).bytes());
     run(command, {});
-    run(command, {folder / "x", folder / "y"});
+    run(command, {(folder / "x").string(), (folder / "y").string()});
     run(command, {""});
   }
   EXPECT_TRUE(rig.state() == wanted);
@@ -151,9 +151,9 @@ TEST_F(PresetFiles, FilesOfBothOrdersLoadAndForcingTurnsTheReading) {
     auto bytes = Builder(order).presetImage(makeSlot(61)).bytes();
     std::reverse(bytes.begin(), bytes.begin() + 4);
     writeBytes(folder / "turned", bytes);
-    run(kLoadPresetReversed, {folder / "turned"});
+    run(kLoadPresetReversed, {(folder / "turned").string()});
     EXPECT_TRUE(sameBits(rig.slot(3), makeSlot(61)));
-    run(kLoadPreset, {folder / "turned"});
+    run(kLoadPreset, {(folder / "turned").string()});
     auto wanted = makeSlot(900); // no record can be read: what is left is the template
     wanted.values[2] = rig.effect.getParameter(2);
     EXPECT_TRUE(sameBits(rig.slot(3), wanted));
@@ -167,8 +167,8 @@ TEST_F(PresetFiles, UnreadableFilesChangeNothingButWhereTheyWere) {
   load(kLoadBank, Builder().zeros(4));
   load(kLoadPreset, Builder().u32(kFileId).u8(0x39).zeros(100));
   load(kLoadBank, Builder().u32(kFileId ^ 1U).u8(0x38).zeros(100));
-  run(kLoadPreset, {folder / "missing"});
-  run(kLoadBank, {folder / "missing"});
+  run(kLoadPreset, {(folder / "missing").string()});
+  run(kLoadBank, {(folder / "missing").string()});
   run(kLoadBank, {folder.path().string()});
   run(kLoadBank, {"/dev/zero"});
   EXPECT_TRUE(rig.state() == wanted);
@@ -187,7 +187,7 @@ TEST_F(PresetFiles, ClosedWindowTakesItsDialogAlong) {
   rig.editor->close();
   EXPECT_FALSE(rig.selector->request());
   writeBytes(folder / "late", Builder().presetImage(makeSlot(60)).bytes());
-  rig.selector->answer({folder / "late"});
+  rig.selector->answer({(folder / "late").string()});
   rig.editor->idle();
   EXPECT_TRUE(sameBits(rig.slot(3), makeBank(1)[3]));
   kSavePreset(*rig.editor);

@@ -13,6 +13,9 @@ void keepSettingsIn(const std::filesystem::path& folder);
 /// Whether anything was written there since.
 bool settingsWereWritten();
 
+/// From now on installed documents are those in `folder`; on Windows only those beside the program.
+void keepDocumentsIn(const std::filesystem::path& folder);
+
 /// Whether this process has a shared library loaded.
 bool isLoaded(const std::filesystem::path& library);
 

@@ -18,6 +18,11 @@ bool settingsWereWritten() {
   return folder != nullptr && std::filesystem::exists(folder) && !std::filesystem::is_empty(folder);
 }
 
+void keepDocumentsIn(const std::filesystem::path& folder) {
+  ::setenv("XDG_DATA_HOME", folder.c_str(), 1);
+  ::setenv("XDG_DATA_DIRS", folder.c_str(), 1);
+}
+
 bool isLoaded(const std::filesystem::path& library) {
   void* const handle = ::dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
   if (handle != nullptr) ::dlclose(handle);

@@ -51,6 +51,8 @@ bool settingsWereWritten() {
   return true;
 }
 
+void keepDocumentsIn(const std::filesystem::path& /*folder*/) {}
+
 bool isLoaded(const std::filesystem::path& library) {
   return GetModuleHandleW(library.c_str()) != nullptr;
 }
