@@ -11,5 +11,5 @@ for mark in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do
   grep -q "$mark" <<<"$headers" || { echo "$1 has no mark $mark"; exit 1; }
 done
 # UTF-16 text, here without its zero bytes.
-tr -d '\0' <"$1" | grep -aqF "ProductVersion$2" || { echo "$1 doesn't tell that it is version $2"; exit 1; }
+tr -d '\0' <"$1" | grep -aF "ProductVersion$2" >/dev/null || { echo "$1 doesn't tell that it is version $2"; exit 1; }
 echo "Windows library: system libraries only, memory protection, version $2"
