@@ -62,7 +62,7 @@ enum class WindowEventType : std::uint8_t {
   kFocusLost,    ///< the keyboard went elsewhere, and not for a press on this window
   kPressOutside, ///< to a popup's owner: a button went down outside both, or the owner moved or was
                  ///< hidden
-  kTick,          ///< time to do what is done at an idle: whoever calls pump doesn't at present
+  kTick,         ///< time to do what is done at an idle: whoever calls pump doesn't at present
   kSelectionText, ///< answer to NativeWindow::requestText: text (empty when there is none)
   kClosed,        ///< the window is gone or, at top level, the user asked to close it
 };

@@ -9,7 +9,8 @@
 namespace qlx::resources {
 
 /// The file of an image by its resource number, for example 4000; empty when there is no such
-/// image. 19899 and 19990 are device-independent bitmaps, with or without a file header, all others PNG.
+/// image. 19899 and 19990 are device-independent bitmaps, with or without a file header, all others
+/// PNG.
 std::span<const std::byte> findImage(int number);
 
 /// The glyphs of the editor's text, a sans serif with the metrics of Arial, in the form that
