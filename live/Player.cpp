@@ -47,6 +47,7 @@ void Player::follow(const Notice& notice) {
     m_map.assign(notice.controller, notice.value);
     m_map.apply(m_player);
     m_events.mapChanged();
+    m_events.learned(notice.value, notice.controller);
   } else if (notice.value < m_host.presetCount()) {
     m_host.selectPreset(notice.value);
   }

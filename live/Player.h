@@ -39,6 +39,7 @@ class Player {
     std::function<void(const AudioSystem&)> ended = [](const AudioSystem&) {};
     std::function<void(const std::string& words)> say = [](const std::string&) {};
     std::function<void()> mapChanged = [] {};
+    std::function<void(int parameter, Controller)> learned = [](int, Controller) {};
   };
 
   /// The host outlives this. `events.open` is called at once: throws std::runtime_error when it

@@ -51,6 +51,7 @@ struct LiveOptions {
   std::string forget;
   int channel = live::EffectPlayer::kEveryChannel;
   bool wantsConnections = false;
+  bool learnTouched = false; ///< the control that is moved in the window
   bool noWindow = false;
   bool list = false;
   std::string audio = "auto";
@@ -217,6 +218,20 @@ void play(const LiveOptions& options) {
   };
   events.say = say;
   events.mapChanged = [&] { mapFile.write(running->map()); };
+  events.learned = [&](int parameter, live::Controller controller) {
+    say(names[parameter] + " follows controller " + std::to_string(controller.number) +
+        " of channel " + std::to_string(controller.channel));
+  };
+  if (options.learnTouched) {
+    say("move a control in the window, then the controller that shall move it");
+    // Set before blocks come, since it is called on the audio thread, too: pedal and wheel move the
+    // lever there, which is no wish to learn.
+    host.setEditListener([&running, control = std::this_thread::get_id()](const HostEdit& edit) {
+      if (edit.kind == HostEdit::Kind::Automate && std::this_thread::get_id() == control &&
+          running != nullptr)
+        running->learn(edit.index);
+    });
+  }
   Host effectHost(host);
   std::optional<live::Player> player;
   player.emplace(effectHost, std::move(map), std::move(events));
@@ -292,8 +307,11 @@ void addLiveCommand(CLI::App& program) {
       ->check(CLI::Range(16U, 8192U));
   command->add_flag("--no-window", o.noWindow,
                     "No editor: a line with levels, lever, load and xruns in the terminal");
-  command->add_option("--learn", o.learn,
-                      "The next MIDI controller that moves is kept for this parameter");
+  CLI::Option* learn =
+      command->add_option("--learn", o.learn,
+                          "The next MIDI controller that moves is kept for this parameter; without "
+                          "a name, for the control moved last in the window");
+  learn->expected(0, 1);
   command->add_option("--forget", o.forget, "Forget the controller of this parameter");
   command->add_option("--map", o.map,
                       "File of learned controllers instead of the one in the user's settings");
@@ -301,7 +319,10 @@ void addLiveCommand(CLI::App& program) {
       ->add_option("--channel", o.channel,
                    "MIDI channel of program changes, which choose presets 1 to 32; else any")
       ->check(CLI::Range(1, live::kChannels));
-  command->callback([options, connect] {
+  command->callback([options, connect, learn] {
+    options->learnTouched = learn->count() > 0 && options->learn.empty();
+    if (options->learnTouched && options->noWindow)
+      throw std::runtime_error("--learn needs a parameter's name where there is no window");
     options->wantsConnections = connect->count() > 0;
     std::erase(options->connect, std::string()); // what stands for no name at all
     play(*options);
