@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 // The machine's own voice as the plug-in file gives it out.
 
-#include "brezan/analysis/RotorMoves.h"
 #include "brezan/organ/DrawbarOrgan.h"
 #include "brezan/sound/AudioFile.h"
 #include "brezan/sound/PlayThrough.h"
@@ -12,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 #include <cstdlib>
 #include <numbers>
 
@@ -24,17 +22,6 @@ constexpr double kRate = 44100.0;
 
 using Channels = std::vector<std::vector<double>>;
 using Settings = std::vector<std::pair<const char*, float>>;
-
-struct Rotor {
-  const char* name;
-  const PilotTones& pilot;
-  const char* other;   // gain of the other rotor
-  double fast;         // revolutions a second of the first preset
-  double accelSeconds; // of the first preset
-};
-
-const Rotor kRotors[] = {{"horn", kHornPilot, "DGain", 6.77088, 0.617},
-                         {"drum", kDrumPilot, "HGain", 6.5282, 3.30}};
 
 class MachineNoise : public testing::Test {
  protected:
@@ -107,24 +94,6 @@ TEST_F(MachineNoise, SwitchIsAnEventAndNoDigitalClick) {
       const double late = levelBetween(sound, kRate, event + 0.003, event + 0.03).rms;
       EXPECT_GT(late * late * 27.0, 0.5 * early * early * 3.0) << event;
     }
-  }
-}
-
-TEST_F(MachineNoise, RotorsAreSeenToTakeTheTimesThatTheirMotorsHave) {
-  for (const Rotor& rotor : kRotors) {
-    SCOPED_TRACE(rotor.name);
-    const RotorTrace trace(play({{"CPUmode", 0.0F}, {"Mech", 0.0F}, {rotor.other, 0.0F}},
-                                pilotSound(rotor.pilot, kRate, 24.0, 0.25),
-                                {move(8.0, "Lever", 1.0F), move(21.0, "Stop", 1.0F)}),
-                           kRate, rotor.pilot, 0.1, 8.0);
-    const double times[] = {0.1, 8.0, 21.0};
-    const std::vector<RotorMove> moves = rotorMoves(trace, times, 23.9);
-    EXPECT_NEAR(moves[1].reached, rotor.fast, 0.05);
-    EXPECT_TRUE(moves[1].settled);
-    ASSERT_TRUE(moves[1].tenToNinety.has_value());
-    EXPECT_NEAR(*moves[1].tenToNinety, rotor.accelSeconds, 0.05 + 0.06 * rotor.accelSeconds);
-    EXPECT_EQ(moves[2].settled, rotor.accelSeconds < 1.0) << "the heavy drum runs on";
-    EXPECT_FALSE(moves[0].tenToNinety.has_value());
   }
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "engine/rotor/RotorHistory.h"
 #include "engine/rotor/RotorMotion.h"
-#include "engine/rotor/RotorNoisePlayer.h"
 #include "engine/rotor/RotorReadout.h"
 #include "tests/engine/EngineFixture.h"
 
@@ -91,129 +90,11 @@ TEST(RotorMotion, LeverAndStopSelectSpeedAndReportEvents) {
   }
 }
 
-TEST(RotorMotion, SpeedEditsReachOnlyTheSpeedInUse) {
-  RotorMotion m = motor(Direction::Horn);
-  m.setFastSpeed(5.0);
-  EXPECT_EQ(m.targetSpeedHz(), 0.7);
-  m.setLever(0.0);
-  m.setSlowSpeed(0.2);
-  EXPECT_EQ(m.targetSpeedHz(), 5.0);
-  m.setLever(0.25);
-  EXPECT_NEAR(m.targetSpeedHz(), 0.2 + 4.8 * 0.75, 1e-12);
-  m.setFastSpeed(6.0);
-  EXPECT_NEAR(m.targetSpeedHz(), 0.2 + 5.8 * 0.75, 1e-12);
-}
-
-TEST(RotorMotion, HornTurnsAgainstTheDrumAndFlipShiftsByHalfATurn) {
-  RotorMotion horn = motor(Direction::Horn), drum = motor(Direction::Drum), flipped = drum;
-  flipped.setFlip(-1);
-  for (int i = 0; i < 50000; ++i) {
-    double h, d, f, s;
-    horn.advance({&h, 1}, {&s, 1});
-    drum.advance({&d, 1}, {&s, 1});
-    flipped.advance({&f, 1}, {&s, 1});
-    ASSERT_GE(h, 0.0);
-    ASSERT_LT(h, 1.0);
-    const double sum = std::fmod(h + d, 1.0);
-    ASSERT_NEAR(std::min(sum, 1 - sum), 0.0, 1e-9);
-    const double half = std::fmod(f - d + 1.0, 1.0);
-    ASSERT_NEAR(half, 0.5, 1e-9);
-  }
-}
-
 TEST(RotorMotion, RateChangeKeepsHertzAndSnaps) {
   RotorMotion m = motor(Direction::Drum, 22050);
   m.setLever(0.0);
   m.setSampleRate(48000);
   EXPECT_NEAR(m.currentSpeedHz(), 6.8, 1e-12);
-}
-
-std::vector<double> play(HornNoisePlayer& player, double hz, double rate, int n) {
-  const std::vector<double> speeds(kSubBlock, hz / rate);
-  std::vector<double> out(static_cast<std::size_t>(n));
-  HornNoisePlayer second = player;
-  SubBlock first, other;
-  for (std::size_t done = 0; done < out.size(); done += kSubBlock) {
-    const std::size_t size = std::min<std::size_t>(kSubBlock, out.size() - done);
-    HornNoisePlayer::process({player, 0.0, 1.0, first}, {second, 0.0, 1.0, other},
-                             {speeds.data(), size});
-    std::copy_n(first.begin(), size, out.begin() + static_cast<std::ptrdiff_t>(done));
-  }
-  return out;
-}
-
-double power(const std::vector<double>& x) {
-  double sum = 0;
-  for (const double v : x) sum += v * v;
-  return sum;
-}
-
-TEST(HornNoisePlayer, BlendsBySpeedAndFallsWithDistance) {
-  // A loop of a sine inside the band-pass, so that levels can be compared.
-  std::vector<float> tone(kHornFastLength + kRecordingGuard);
-  for (std::size_t i = 0; i < tone.size(); ++i)
-    tone[i] = static_cast<float>(std::sin(2 * std::numbers::pi * 1100.0 * double(i) / 44100.0));
-  test::PlainRecordings silent;
-  const auto slowTone = std::span<const float>(tone).first(kHornSlowLength + kRecordingGuard);
-  const Recordings both{{slowTone, slowTone},
-                        tone,
-                        silent.spans().drumSlow,
-                        silent.spans().drumFast,
-                        silent.spans().startStop};
-  struct Case {
-    double hz, slowVolume, fastVolume, gain;
-  };
-  const double early = (1.452 - 0.78) / (7.5 - 0.78);
-  const Case cases[] = {{0.0, 1, 1, 0},
-                        {0.39, 1, 0, 0.25},
-                        {0.78, 1, 1, 1},
-                        {7.5, 1, 0, 0},
-                        {1.452, 1, 0, std::pow(1 - 2.5 * early, 2)},
-                        {4.14, 1, 0, 0}};
-  for (const Case& c : cases) {
-    HornNoisePlayer player(both, kernels::chooseKernels(), 0);
-    player.setSampleRate(44100);
-    player.setMicDistance(0.3);
-    player.setSlowVolume(c.slowVolume);
-    player.setFastVolume(c.fastVolume);
-    const double rms = std::sqrt(power(play(player, c.hz, 44100, 20000)) / 20000);
-    EXPECT_NEAR(rms, c.gain * std::sqrt(0.5), 0.01) << c.hz;
-  }
-  // The fast loop is locked to the rotor: at 34 turns a loop its own pitch sounds at this speed.
-  const double own = 34.0 * 44100 / kHornFastLength;
-  for (const double distance : {0.3, 1.2}) {
-    HornNoisePlayer player(both, kernels::chooseKernels(), 0);
-    player.setSampleRate(44100);
-    player.setMicDistance(distance);
-    player.setFastVolume(1);
-    const double rms = std::sqrt(power(play(player, own, 44100, 40000)) / 40000);
-    const double x = (own - 0.78) / (7.5 - 0.78);
-    EXPECT_NEAR(rms, std::pow(x, 4) * std::pow(0.3 / distance, 0.25) * std::sqrt(0.5), 0.01);
-  }
-}
-
-TEST(HornNoisePlayer, SwitchSoundPlaysOnceAtEveryRateAndRestarts) {
-  test::PlainRecordings recordings;
-  for (std::size_t i = 0; i < kStartStopLength; ++i)
-    recordings.startStop()[i] =
-        static_cast<float>(std::sin(2 * std::numbers::pi * 1100.0 * double(i) / 44100.0));
-  for (const double rate : {22050.0, 44100.0, 48000.0}) {
-    HornNoisePlayer player(recordings.spans(), kernels::chooseKernels(), 1);
-    player.setSampleRate(rate);
-    player.setMicDistance(0.3);
-    player.setSwitchVolume(1);
-    EXPECT_EQ(power(play(player, 0, rate, 1000)), 0.0) << "nothing before the event";
-    player.trigger();
-    const auto length = static_cast<int>(3955 * rate / 44100);
-    const double first = power(play(player, 0, rate, length)) / rate;
-    EXPECT_GT(first, 0.001);
-    const double after = power(play(player, 0, rate, length)) / rate;
-    EXPECT_LT(after, 0.05 * first) << "over, but for the filter's ring";
-    player.trigger();
-    play(player, 0, rate, length / 2);
-    player.trigger();
-    EXPECT_NEAR(power(play(player, 0, rate, length)) / rate, first, 0.15 * first);
-  }
 }
 
 // --- Read-out for displays ---

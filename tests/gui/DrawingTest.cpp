@@ -167,53 +167,24 @@ TEST(Shapes, CoverTheirArea) {
     void (*draw)(CDrawContext& context);
     double area;
   };
+  using C = CDrawContext;
+  static constexpr CRect whole{3, 4, 20, 30}, parts{3.25, 4.5, 20.75, 30.125};
+  static constexpr CRect thin{3, 4, 5, 30}, none{9, 9, 9, 20};
+  static constexpr CColor ink = kWhiteCColor;
+  static constexpr CPoint way[]{{5, 25}, {25, 25}, {25, 10}}, slope[]{{5, 5}, {25, 20}};
   const double corners = 4.0 - std::numbers::pi; // what four corners of radius 1 lack
+  const double frame = 17 * 26 - corners * 36 - (15 * 24 - corners * 25);
+  const double pill = 17 * 26 - corners * 8.5 * 8.5;
   const Case cases[]{
-      {"whole pixels",
-       [](CDrawContext& c) {
-         c.fillRoundRect({3, 4, 20, 30}, 0, kWhiteCColor);
-       },
-       17 * 26},
-      {"parts of pixels",
-       [](CDrawContext& c) {
-         c.fillRoundRect({3.25, 4.5, 20.75, 30.125}, 0, kWhiteCColor);
-       },
-       17.5 * 25.625},
-      {"round",
-       [](CDrawContext& c) {
-         c.fillRoundRect({3, 4, 20, 30}, 6, kWhiteCColor);
-       },
-       17 * 26 - corners * 36},
-      {"largest radius",
-       [](CDrawContext& c) {
-         c.fillRoundRect({3, 4, 20, 30}, 99, kWhiteCColor);
-       },
-       17 * 26 - corners * 8.5 * 8.5},
-      {"frame",
-       [](CDrawContext& c) {
-         c.frameRoundRect({3, 4, 20, 30}, 6, 1, kWhiteCColor);
-       },
-       17 * 26 - corners * 36 - (15 * 24 - corners * 25)},
-      {"frame without a hole",
-       [](CDrawContext& c) {
-         c.frameRoundRect({3, 4, 5, 30}, 1, 1, kWhiteCColor);
-       },
-       2 * 26 - corners},
-      {"line",
-       [](CDrawContext& c) {
-         c.strokeLine(std::array{CPoint{5, 5}, CPoint{25, 20}}, 2, kWhiteCColor);
-       },
-       50},
-      {"corner",
-       [](CDrawContext& c) {
-         c.strokeLine(std::array{CPoint{5, 5}, CPoint{25, 5}, CPoint{25, 20}}, 2, kWhiteCColor);
-       },
-       2 * 20 + 2 * 15},
-      {"nothing",
-       [](CDrawContext& c) {
-         c.fillRoundRect({9, 9, 9, 20}, 3, kWhiteCColor);
-       },
-       0},
+      {"whole pixels", [](C& c) { c.fillRoundRect(whole, 0, ink); }, 17 * 26},
+      {"parts of pixels", [](C& c) { c.fillRoundRect(parts, 0, ink); }, 17.5 * 25.625},
+      {"round", [](C& c) { c.fillRoundRect(whole, 6, ink); }, 17 * 26 - corners * 36},
+      {"largest radius", [](C& c) { c.fillRoundRect(whole, 99, ink); }, pill},
+      {"frame", [](C& c) { c.frameRoundRect(whole, 6, 1, ink); }, frame},
+      {"no hole", [](C& c) { c.frameRoundRect(thin, 1, 1, ink); }, 2 * 26 - corners},
+      {"line", [](C& c) { c.strokeLine(slope, 2, ink); }, 50},
+      {"corner", [](C& c) { c.strokeLine(way, 2, ink); }, 2 * 20 + 2 * 15},
+      {"nothing", [](C& c) { c.fillRoundRect(none, 3, ink); }, 0},
   };
   for (const Case& c : cases) {
     PixelBuffer target(40, 40);
@@ -221,14 +192,14 @@ TEST(Shapes, CoverTheirArea) {
     c.draw(context);
     EXPECT_NEAR(coveredArea(target), c.area, 0.005 * c.area) << c.what;
     // A pixel does not depend on the clip.
-    PixelBuffer parts(40, 40);
-    CDrawContext pieces(parts, nullptr);
+    PixelBuffer clipped(40, 40);
+    CDrawContext pieces(clipped, nullptr);
     for (const PixelRect& clip :
          {PixelRect{0, 0, 7, 40}, PixelRect{7, 0, 40, 13}, PixelRect{7, 13, 40, 40}}) {
       pieces.setClip(clip);
       c.draw(pieces);
     }
-    EXPECT_EQ(parts.pixels, target.pixels) << c.what;
+    EXPECT_EQ(clipped.pixels, target.pixels) << c.what;
   }
 }
 

@@ -161,12 +161,7 @@ TEST_F(FileLists, AreWorkedByThePointer) {
   clickRow(last, true);
   EXPECT_EQ(answer, root + "x39.qlx");
   EXPECT_EQ(frame->getModalView(), nullptr);
-  EXPECT_EQ(shown(), [&] {
-    PixelBuffer whole(401, 570);
-    CDrawContext context(whole, frame->getTypeface());
-    frame->draw(context);
-    return whole.pixels;
-  }());
+  EXPECT_EQ(shown(), redrawnWhole());
 }
 
 // --- The selector: the desktop's dialog, the list, the question before overwriting ---

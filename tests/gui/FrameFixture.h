@@ -72,7 +72,7 @@ class FrameFixture : public testing::Test {
   }
 
   std::vector<std::uint32_t> redrawnWhole() const {
-    PixelBuffer whole(200, 100);
+    PixelBuffer whole(window->picture().width, window->picture().height);
     CDrawContext context(whole, frame->getTypeface());
     frame->draw(context);
     return whole.pixels;

@@ -112,17 +112,14 @@ class Instance {
 
   float& port(std::int32_t parameter) { return ports[controlOf(parameter)]; }
 
-  /// Appends a block of sound.
+  /// Appends a block of sound, made in the buffers of the input, as most hosts do.
   void run(std::uint32_t frames, const std::vector<Midi>& midi = {}) {
     writeEvents(midi);
     const std::size_t from = sound[0].size();
-    Sound input;
-    for (std::size_t c = 0; c < 2; ++c) {
-      for (std::size_t k = 0; k < frames; ++k) input[c].push_back(noise(from + k, c));
-      sound[c].resize(from + frames);
-      const auto channel = static_cast<std::uint32_t>(c);
-      lilv_instance_connect_port(lilv, kLeftInput + channel, input[c].data());
-      lilv_instance_connect_port(lilv, kLeftOutput + channel, sound[c].data() + from);
+    for (std::uint32_t c = 0; c < 2; ++c) {
+      for (std::size_t k = 0; k < frames; ++k) sound[c].push_back(noise(from + k, c));
+      lilv_instance_connect_port(lilv, kLeftInput + c, sound[c].data() + from);
+      lilv_instance_connect_port(lilv, kLeftOutput + c, sound[c].data() + from);
     }
     lilv_instance_run(lilv, frames);
   }
@@ -148,9 +145,27 @@ class Instance {
   }
   float value(std::int32_t parameter) { return values()[static_cast<std::size_t>(parameter)]; }
 
+  /// Restores from a state of one property.
+  LV2_State_Status restore(LV2_URID key, LV2_URID type, std::vector<char> bytes) {
+    struct Property {
+      LV2_URID key, type;
+      std::vector<char> bytes;
+    } property{key, type, std::move(bytes)};
+    property.bytes.reserve(1); // never a null pointer
+    const auto retrieve = [](LV2_State_Handle from, std::uint32_t asked, std::size_t* size,
+                             std::uint32_t* typeOf, std::uint32_t* flags) -> const void* {
+      const auto& own = *static_cast<Property*>(from);
+      if (asked != own.key) return nullptr;
+      *size = own.bytes.size();
+      *typeOf = own.type;
+      *flags = 0;
+      return own.bytes.data();
+    };
+    return stateInterface()->restore(lilv_instance_get_handle(lilv), retrieve, &property, 0,
+                                     nullptr);
+  }
+
   std::vector<char> chunk() {
-    const auto* state = static_cast<const LV2_State_Interface*>(
-        lilv_instance_get_extension_data(lilv, LV2_STATE__interface));
     const auto store = [](LV2_State_Handle to, std::uint32_t, const void* data, std::size_t size,
                           std::uint32_t, std::uint32_t) {
       const char* bytes = static_cast<const char*>(data);
@@ -158,7 +173,7 @@ class Instance {
       return LV2_STATE_SUCCESS;
     };
     std::vector<char> bytes;
-    state->save(lilv_instance_get_handle(lilv), store, &bytes, 0, m_features.data());
+    stateInterface()->save(lilv_instance_get_handle(lilv), store, &bytes, 0, m_features.data());
     return bytes;
   }
 
@@ -170,6 +185,10 @@ class Instance {
   Sound sound;
 
  private:
+  const LV2_State_Interface* stateInterface() const {
+    return static_cast<const LV2_State_Interface*>(
+        lilv_instance_get_extension_data(lilv, LV2_STATE__interface));
+  }
   void writeEvents(const std::vector<Midi>& midi) {
     auto* sequence = reinterpret_cast<LV2_Atom_Sequence*>(m_events.data());
     lv2_atom_sequence_clear(sequence);

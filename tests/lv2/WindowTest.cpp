@@ -141,19 +141,9 @@ TEST_F(WindowOfBundle, WritesWhatTheUserDoesAndIsNotTurnedBackByEchoes) {
   // A preset, as the strip selects it: on this thread, all its ports and only those that differ.
   written.clear();
   touched.clear();
-  const auto* state = static_cast<const LV2_State_Interface*>(
-      lilv_instance_get_extension_data(instance.lilv, LV2_STATE__interface));
-  const auto retrieve = [](LV2_State_Handle from, std::uint32_t key, std::size_t* bytes,
-                           std::uint32_t* type, std::uint32_t*) -> const void* {
-    static constexpr std::int32_t kNumber = 2;
-    auto& names = *static_cast<World*>(from);
-    if (key != names.number(kFactoryPresetUri)) return nullptr;
-    *bytes = sizeof kNumber;
-    *type = names.number(LV2_ATOM__Int);
-    return &kNumber;
-  };
-  ASSERT_EQ(state->restore(lilv_instance_get_handle(instance.lilv), retrieve, &world, 0, nullptr),
-            LV2_STATE_SUCCESS);
+  ASSERT_EQ(
+      instance.restore(world.number(kFactoryPresetUri), world.number(LV2_ATOM__Int), {2, 0, 0, 0}),
+      LV2_STATE_SUCCESS);
   const std::uint32_t drive = kFirstControl + static_cast<std::uint32_t>(controlOf(plugin::kDrive));
   EXPECT_THAT(written,
               testing::Contains(Request{drive, plugin::portScale(plugin::kDrive)->toPort(0.4F)}));
@@ -175,29 +165,12 @@ TEST_F(WindowOfBundle, RestoringWhileItPlaysLosesNothing) {
   Instance instance(world);
   const std::vector<char> chunk = instance.chunk();
   instance.run(64); // so that all names have their numbers
-  world.number(LV2_ATOM__Chunk);
+  const LV2_URID key = world.number(kChunkUri), type = world.number(LV2_ATOM__Chunk);
   std::atomic<bool> done{false};
   std::thread audio([&] {
     while (!done.load()) instance.run(64, {{5, kPedalDown}, {9, kPedalUp}});
   });
-  const auto* state = static_cast<const LV2_State_Interface*>(
-      lilv_instance_get_extension_data(instance.lilv, LV2_STATE__interface));
-  for (int i = 0; i < 100; ++i) {
-    struct Source {
-      World& world;
-      std::vector<char> bytes;
-    } source{world, chunk};
-    const auto retrieve = [](LV2_State_Handle from, std::uint32_t, std::size_t* bytes,
-                             std::uint32_t* type, std::uint32_t*) -> const void* {
-      auto& own = *static_cast<Source*>(from);
-      *bytes = own.bytes.size();
-      *type = own.world.number(LV2_ATOM__Chunk);
-      return own.bytes.data();
-    };
-    EXPECT_EQ(
-        state->restore(lilv_instance_get_handle(instance.lilv), retrieve, &source, 0, nullptr),
-        LV2_STATE_SUCCESS);
-  }
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(instance.restore(key, type, chunk), LV2_STATE_SUCCESS);
   done.store(true);
   audio.join();
   EXPECT_EQ(instance.value(plugin::kDrive), 0.5F);

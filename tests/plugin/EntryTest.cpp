@@ -88,18 +88,6 @@ TEST_F(EntryTest, ScannersLeaveNoTrace) {
   EXPECT_FALSE(settingsWereWritten());
 }
 
-TEST_F(EntryTest, ManyInstancesLiveSideBySide) {
-  std::vector<EffectRecord*> effects;
-  for (int i = 0; i < 8; ++i) effects.push_back(entry("VSTPluginMain")(host));
-  for (std::size_t i = 0; i < effects.size(); ++i) {
-    effects[i]->setParameter(effects[i], 13, static_cast<float>(i) / 8.0F);
-  }
-  for (std::size_t i = 0; i < effects.size(); ++i) {
-    EXPECT_EQ(effects[i]->getParameter(effects[i], 13), static_cast<float>(i) / 8.0F);
-    close(effects[i]);
-  }
-}
-
 TEST_F(EntryTest, UnloadingReallyUnloads) {
   EffectRecord* const effect = entry("VSTPluginMain")(host);
   ASSERT_NE(effect, nullptr);

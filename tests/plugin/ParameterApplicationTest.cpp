@@ -169,15 +169,6 @@ TEST_F(ParameterApplicationTest, FiltersAreOffAtTheEndsOfTheirControls) {
   EXPECT_EQ(log().last(S::DrumLowPassHz), 0.0);
 }
 
-TEST_F(ParameterApplicationTest, FlipsTurnAboveTheMiddle) {
-  for (const auto& [index, setting] : {std::pair{58, S::HornFlip}, std::pair{80, S::DrumFlip}}) {
-    effect->setParameter(index, 0.5F);
-    EXPECT_EQ(log().last(setting), 1.0);
-    effect->setParameter(index, 0.51F);
-    EXPECT_EQ(log().last(setting), -1.0);
-  }
-}
-
 TEST_F(ParameterApplicationTest, HostSwitchesReachTheEngine) {
   effect->resume();
   EXPECT_EQ(log().switchedOn, 1);
@@ -186,18 +177,6 @@ TEST_F(ParameterApplicationTest, HostSwitchesReachTheEngine) {
   effect->setSampleRate(96000.0F);
   effect->setSampleRate(0.0F);
   EXPECT_THAT(log().rates, ElementsAre(96000.0, 96000.0));
-}
-
-TEST_F(ParameterApplicationTest, GlobalParametersStandInEveryPreset) {
-  for (const std::int32_t index : {0, 1, 2, 3, 4, 35}) {
-    effect->setParameter(index, 0.625F);
-    for (std::int32_t slot = 0; slot < presets::kNumPresetSlots; ++slot) {
-      EXPECT_EQ(effect->getPresetSlot(slot).values[static_cast<std::size_t>(index)], 0.625F);
-    }
-  }
-  effect->setParameter(kDrive, 0.625F);
-  EXPECT_EQ(effect->getPresetSlot(0).values[kDrive], 0.625F);
-  EXPECT_NE(effect->getPresetSlot(1).values[kDrive], 0.625F);
 }
 
 TEST_F(ParameterApplicationTest, LoadingAPresetKeepsTheGlobalOnes) {
@@ -220,15 +199,6 @@ TEST_F(ParameterApplicationTest, LoadingAPresetKeepsTheGlobalOnes) {
   for (const presets::PresetSlot& slot : effect->getPresetSlots()) {
     EXPECT_EQ(slot.values[kStop], 1.0F);
   }
-}
-
-TEST_F(ParameterApplicationTest, SwiftIsSwiftAndTheBrokenMotorStandsStill) {
-  effect->selectPreset(8);
-  EXPECT_NEAR(*log().last(S::HornAccelSeconds), 0.1, 1e-7);
-  EXPECT_NEAR(*log().last(S::DrumDecelSeconds), 0.1, 1e-7);
-  effect->selectPreset(12);
-  EXPECT_EQ(log().last(S::HornSlowSpeedHz), 0.0);
-  EXPECT_EQ(log().last(S::HornFastSpeedHz), 0.0);
 }
 
 } // namespace

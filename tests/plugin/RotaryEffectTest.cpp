@@ -240,23 +240,10 @@ TEST_F(RotaryEffectTest, StartsOnTheDefaultPreset) {
 }
 
 TEST_F(RotaryEffectTest, FactoryBank) {
-  const std::vector<std::string> names = {"Default",
-                                          "B'122",
-                                          "B'147",
-                                          "Old Rotary",
-                                          "Relaxed",
-                                          "Wobble",
-                                          "Ramble",
-                                          "Synchro",
-                                          "Swift",
-                                          "Full Moon",
-                                          "Light",
-                                          "Lazy Horn",
-                                          "Broken Horn Motor",
-                                          "Mellow Drum",
-                                          "Static Drum",
-                                          "Horn Mics",
-                                          "Single Mic"};
+  constexpr std::array names = std::to_array<const char*>(
+      {"Default", "B'122", "B'147", "Old Rotary", "Relaxed", "Wobble", "Ramble", "Synchro", "Swift",
+       "Full Moon", "Light", "Lazy Horn", "Broken Horn Motor", "Mellow Drum", "Static Drum",
+       "Horn Mics", "Single Mic"});
   const presets::PresetSlot standard = effect->getPresetSlot(0);
   for (std::int32_t i = 0; i < presets::kNumPresetSlots; ++i) {
     const presets::PresetSlot slot = effect->getPresetSlot(i);
@@ -266,17 +253,6 @@ TEST_F(RotaryEffectTest, FactoryBank) {
     EXPECT_THAT(slot.values, Each(::testing::AllOf(::testing::Ge(0.0F), ::testing::Le(1.0F))));
   }
   EXPECT_EQ(effect->getPresetSlot(15).values[kDLPF], 0.3504F);
-}
-
-TEST_F(RotaryEffectTest, TheWholeStateTravelsInTheChunk) {
-  effect->setParameter(kDrive, 0.25F);
-  void* data = nullptr;
-  const std::int32_t size = effect->getChunk(&data, false);
-  ASSERT_EQ(size, 42289);
-  RotaryEffect other(nullptr);
-  EXPECT_EQ(other.setChunk(data, size, false), 0);
-  EXPECT_EQ(other.getParameter(kDrive), 0.25F);
-  EXPECT_EQ(other.getPresetSlots(), effect->getPresetSlots());
 }
 
 TEST_F(RotaryEffectTest, TheWheelMovesTheLeverAndIsSeen) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: ISC
+#include <cstring>
 #include <limits>
 #include <thread>
 
@@ -131,49 +132,39 @@ TEST(PresetChunk, LegacyBankStopsAtABadValueAndSelectsNothing) {
   EXPECT_TRUE(rig.state() == wanted);
 }
 
-TEST(PresetStore, NamesAreCutAsTheHostSeesThem) {
+TEST(PresetStore, HostNamesAreCutBetweenCharacters) {
+  const std::string a(30, 'a');
+  const auto as = [&a](std::size_t n, const char* more = "") { return a.substr(0, n) + more; };
+  struct Case {
+    std::string name, shown, kept; ///< shown at most 24 bytes, kept 23
+  };
+  const Case cases[] = {{"", "", ""},
+                        {as(5), as(5), as(5)},
+                        {as(23), as(23), as(23)},
+                        {as(24), as(24), as(23)},
+                        {as(30), as(24), as(23)},
+                        {as(21, "éé"), as(21, "é"), as(21, "é")},
+                        {as(22, "éé"), as(22, "é"), as(22)},
+                        {as(23, "éé"), as(23), as(23)},
+                        {as(24, "é"), as(24), as(23)}};
   PresetRig rig;
-  const std::string thirty = "123456789012345678901234567890";
-  for (const std::size_t length : {0U, 5U, 22U, 23U, 24U, 30U}) {
-    const std::string name = thirty.substr(0, length);
-    std::string buffer = name;
-    rig.dispatch(EffectOpcode::SetProgramName, 0, 0, buffer.data());
+  const auto named = [&rig](EffectOpcode opcode, int index, std::intptr_t answer) {
     std::array<char, 33> text{};
     text.fill('x');
-    rig.dispatch(EffectOpcode::GetProgramName, 0, 0, text.data());
-    std::array<char, 33> wanted{};
-    thirty.copy(wanted.data(), std::min<std::size_t>(length, 23));
-    wanted[32] = 'x';
-    EXPECT_EQ(text, wanted);
-    EXPECT_EQ(rig.panel.nameField, thirty.substr(0, std::min<std::size_t>(length, 24)));
-
-    text.fill('x');
-    EXPECT_EQ(rig.dispatch(EffectOpcode::GetProgramNameIndexed, 3, 0, text.data()), 1);
-    EXPECT_EQ(text, wanted);
-    EXPECT_EQ(rig.dispatch(EffectOpcode::GetProgramNameIndexed, 32, 0, text.data()), 0);
-    EXPECT_EQ(rig.dispatch(EffectOpcode::GetProgramNameIndexed, -1, 0, text.data()), 0);
-  }
-}
-
-TEST(PresetStore, HostNamesAreCutBetweenCharacters) {
-  struct Case {
-    std::string name;
-    std::string shown; ///< at most 24 bytes
-    std::string kept;  ///< at most 23
+    EXPECT_EQ(rig.dispatch(opcode, index, 0, text.data()), answer);
+    EXPECT_EQ(text[32], 'x') << "no farther than 32 bytes";
+    return std::string(text.data(), strnlen(text.data(), text.size()));
   };
-  const std::string text(30, 'a');
-  const Case cases[] = {
-      {text.substr(0, 21) + "éé", text.substr(0, 21) + "é", text.substr(0, 21) + "é"},
-      {text.substr(0, 22) + "éé", text.substr(0, 22) + "é", text.substr(0, 22)},
-      {text.substr(0, 23) + "éé", text.substr(0, 23), text.substr(0, 23)},
-      {text.substr(0, 24) + "é", text.substr(0, 24), text.substr(0, 23)}};
   for (const Case& c : cases) {
-    PresetRig rig;
     std::string buffer = c.name;
     rig.dispatch(EffectOpcode::SetProgramName, 0, 0, buffer.data());
     EXPECT_EQ(rig.panel.nameField, c.shown);
-    EXPECT_EQ(rig.slot(rig.effect.getCurrentPreset()).nameText(), c.kept);
+    EXPECT_EQ(rig.slot(3).nameText(), c.kept);
+    EXPECT_EQ(named(EffectOpcode::GetProgramName, 0, 0), c.kept);
+    EXPECT_EQ(named(EffectOpcode::GetProgramNameIndexed, 3, 1), c.kept);
   }
+  for (const int nobody : {32, -1})
+    EXPECT_EQ(rig.dispatch(EffectOpcode::GetProgramNameIndexed, nobody, 0, nullptr), 0);
 }
 
 TEST(PresetStore, SelectingAppliesWhatLiesInRangeAndKeepsEdits) {
