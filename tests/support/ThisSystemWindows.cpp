@@ -4,6 +4,7 @@
 #include "platform/windows/Windows.h"
 
 #include <new>
+#include <stdexcept>
 
 namespace qlx::test {
 
@@ -18,9 +19,11 @@ class OwnKey {
   void become(const std::wstring& path) {
     remove();
     m_path = path;
+    RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str()); // of a process that was ended
     HKEY own = nullptr;
-    RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                    KEY_ALL_ACCESS, nullptr, &own, nullptr);
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &own, nullptr) != ERROR_SUCCESS)
+      throw std::runtime_error("no key of its own for the test");
     RegOverridePredefKey(HKEY_CURRENT_USER, own);
     RegCloseKey(own);
   }
