@@ -237,7 +237,8 @@ TEST(Win32WindowSystem, AChildNeedsAParent) {
 
 TEST(Win32WindowSystem, ATopLevelWindowHasItsTitleAndSize) {
   const std::uint32_t icon[4] = {};
-  const auto window = nativeWindowSystem().openTopLevel({"Größe", "brezan", {icon, 2, 2}}, 270, 130);
+  const auto window =
+      nativeWindowSystem().openTopLevel({"Größe", "brezan", {icon, 2, 2}}, 270, 130);
   ASSERT_NE(window, nullptr);
   const auto own = reinterpret_cast<HWND>(window->handle());
   wchar_t title[32]{};
