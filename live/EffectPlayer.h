@@ -16,7 +16,7 @@ namespace qlx::live {
 struct Controller {
   int channel; ///< 1 to 16
   int number;  ///< 0 to 119; those above are channel mode messages
-  auto operator<=>(const Controller&) const = default;
+  auto operator<=>(const Controller&) const = default; // NOLINT(modernize-use-nullptr)
 };
 inline constexpr int kChannels = 16;
 inline constexpr int kControllers = 120;

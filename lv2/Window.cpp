@@ -38,6 +38,8 @@ Window::Window(LV2UI_Write_Function write, LV2UI_Controller controller,
     m_plugin->forgetWindow();
     throw std::runtime_error("no window can be had");
   }
+  // The interface hands an X11 window's number over as a pointer.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
   m_widget = reinterpret_cast<LV2UI_Widget>(editor.getFrame()->getWindow().handle());
 
   const auto* resize = static_cast<const LV2UI_Resize*>(featureData(features, LV2_UI__resize));

@@ -122,7 +122,9 @@ void point(TurtleFile& file, std::string_view label, const std::string& value) {
 /// Names of places on the control: every choice, and the ends that the display shows as a word.
 void points(TurtleFile& file, const ControlPort& port, const PortScale& scale) {
   if (scale.kind == PortKind::kChoice) {
-    for (float at = scale.minimum(); at <= scale.maximum(); ++at) {
+    const int last = static_cast<int>(scale.maximum());
+    for (int choice = static_cast<int>(scale.minimum()); choice <= last; ++choice) {
+      const auto at = static_cast<float>(choice);
       point(file, displayText(port, scale.toValue(at)), number(at, true));
     }
   } else if (scale.kind != PortKind::kToggled) {

@@ -279,6 +279,7 @@ std::vector<char> stateChunk(const PresetFile& file, std::uint32_t fileId, int f
 
 PresetFile loadPresetFile(PluginHost& host, const std::string& path, std::optional<int> index) {
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(host.parameterCount()));
   for (int i = 0; i < host.parameterCount(); ++i) names.push_back(host.parameter(i).name);
   if (names.size() != presets::kNumPresetParameters)
     throw std::runtime_error("'" + host.file().string() + "' keeps its presets in another way");

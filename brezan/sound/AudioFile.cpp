@@ -114,7 +114,8 @@ int AudioInput::read(std::span<double> interleaved) {
     while (m_ready.size() < interleaved.size() && !m_ended) {
       const int frames = fetch(m_source);
       m_ended = frames == 0;
-      const auto part = std::span(m_source).first(static_cast<std::size_t>(frames * channels()));
+      const auto part = std::span(m_source).first(static_cast<std::size_t>(frames) *
+                                                  static_cast<std::size_t>(channels()));
       const std::span<const double> more =
           m_ended ? m_converter->finish() : m_converter->convert(part);
       m_ready.insert(m_ready.end(), more.begin(), more.end());
@@ -123,7 +124,9 @@ int AudioInput::read(std::span<double> interleaved) {
     std::copy_n(m_ready.begin(), got * channels(), interleaved.begin());
     m_ready.erase(m_ready.begin(), m_ready.begin() + got * channels());
   }
-  if (m_meter) m_meter->add(interleaved.first(static_cast<std::size_t>(got * channels())));
+  if (m_meter)
+    m_meter->add(
+        interleaved.first(static_cast<std::size_t>(got) * static_cast<std::size_t>(channels())));
   return got;
 }
 

@@ -58,7 +58,7 @@ void ProgrammeTail::advance(int frames) {
 
 void ProgrammeTail::play(std::span<const double> in, int frames) {
   m_blocks->process(in, m_out, frames);
-  const auto count = static_cast<std::size_t>(frames * m_outputs);
+  const auto count = static_cast<std::size_t>(frames) * static_cast<std::size_t>(m_outputs);
   const bool loud = std::any_of(m_out.begin(), m_out.begin() + static_cast<std::ptrdiff_t>(count),
                                 [](double sample) { return std::abs(sample) > kQuiet; });
   m_quietFrames = loud ? 0 : m_quietFrames + frames;

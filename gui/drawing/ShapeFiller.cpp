@@ -116,7 +116,7 @@ void ShapeFiller::addLine(std::span<const CPoint> points, CCoord width) {
 }
 
 PixelRect ShapeFiller::touchedPixels() const {
-  constexpr double kFar = std::numeric_limits<int>::max() / kUnitsPerPixel / 2;
+  constexpr double kFar = std::numeric_limits<int>::max() / (2.0 * kUnitsPerPixel);
   CRect box{kFar, kFar, -kFar, -kFar};
   for (const Outline& outline : m_outlines)
     for (const CPoint& p : outline)
