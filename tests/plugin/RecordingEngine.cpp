@@ -5,7 +5,6 @@
 #include "engine/settings/SettingTable.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace qlx::test {
 
@@ -21,10 +20,9 @@ void EngineLog::clear() {
 }
 
 std::optional<double> EngineLog::last(engine::Setting setting) const {
-  for (const EngineCall& call : sets | std::views::reverse) {
-    if (call.setting == setting) return call.value;
-  }
-  return std::nullopt;
+  const auto call = std::find_if(sets.rbegin(), sets.rend(),
+                                 [&](const EngineCall& c) { return c.setting == setting; });
+  return call == sets.rend() ? std::nullopt : std::optional(call->value);
 }
 
 } // namespace qlx::test
