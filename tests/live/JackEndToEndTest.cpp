@@ -30,10 +30,11 @@ constexpr int kRate = 48000;
 constexpr int kBlock = 512;
 constexpr int kFrames = 4 * kRate / kBlock * kBlock;
 
-/// A child process that is ended with this object.
+/// A child process that is ended with this object, by `last`.
 class Process {
  public:
-  explicit Process(std::vector<std::string> words, const std::filesystem::path& output) {
+  Process(std::vector<std::string> words, const std::filesystem::path& output, int last = SIGKILL)
+      : m_last(last) {
     std::vector<char*> raw;
     for (std::string& word : words) raw.push_back(word.data());
     raw.push_back(nullptr);
@@ -45,7 +46,7 @@ class Process {
     if (posix_spawnp(&m_pid, raw[0], &actions, nullptr, raw.data(), environ) != 0) m_pid = -1;
     posix_spawn_file_actions_destroy(&actions);
   }
-  ~Process() { end(SIGKILL); }
+  ~Process() { end(m_last); }
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
@@ -60,6 +61,7 @@ class Process {
 
  private:
   pid_t m_pid = -1;
+  int m_last;
 };
 
 /// A JACK client that plays two tones and MIDI once it is told to, and records what comes back.
@@ -219,14 +221,17 @@ TEST(JackEndToEndTest, WhatIsPlayedEqualsWhatIsRendered) {
   ::setenv("JACK_DEFAULT_SERVER", server.c_str(), 1);
   ::setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);
   ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
-  // Synchronous and patient: each client gets each block, however busy the machine is.
+  // Synchronous and patient: each client gets each block, however busy the machine is. Ended so
+  // that it takes itself off JACK's list of servers, which has room for eight.
   Process jackd({"jackd", "-r", "-S", "-t", "20000", "-n", server, "-d", "dummy", "-r",
                  std::to_string(kRate), "-p", std::to_string(kBlock)},
-                folder / "jackd");
+                folder / "jackd", SIGTERM);
   // The wheel to its ends, and the pedal between them, on milliseconds.
   const std::vector<TimedMidi> midi{
       {0.501, {0xB0, 1, 127}}, {1.7, {0xB0, 64, 127}}, {2.013, {0xB0, 64, 0}}, {3.0, {0xB0, 1, 0}}};
   Organist organist(midi);
+  if (contents(folder / "jackd").find("Too many servers") != std::string::npos)
+    GTEST_SKIP() << "JACK's list of servers is full of others' that were killed";
   ASSERT_TRUE(organist.isThere()) << contents(folder / "jackd");
 
   const std::string state = (folder / "state").string();
