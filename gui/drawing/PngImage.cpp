@@ -50,14 +50,16 @@ std::size_t bigEndian(Bytes bytes) {
 }
 
 /// Length, name and checksum around each chunk's content. The decoder takes memory for a length
-/// before it looks whether the file is that long.
-bool chunksLieInside(Bytes file) {
+/// before it looks whether the file is that long, and copies image data of no bytes to no memory.
+bool chunksCanBeTaken(Bytes file) {
+  constexpr std::array<std::uint8_t, 4> kImageData{'I', 'D', 'A', 'T'};
   constexpr std::size_t kAround = 12;
   std::size_t place = 8; // behind the signature
   while (place < file.size()) {
     if (file.size() - place < kAround) return false;
     const std::size_t length = bigEndian(file.subspan(place, 4));
     if (length > file.size() - place - kAround) return false;
+    if (length == 0 && std::ranges::equal(file.subspan(place + 4, 4), kImageData)) return false;
     place += kAround + length;
   }
   return true;
@@ -72,7 +74,7 @@ bool canBeDecoded(Bytes file) {
   const std::size_t width = bigEndian(file.subspan(kWidthPlace, 4));
   const std::size_t height = bigEndian(file.subspan(kHeightPlace, 4));
   return width > 0 && height > 0 && width <= kLargestSide && height <= kLargestSide &&
-         width * height * kChannels <= file.size() * kLargestExpansion && chunksLieInside(file);
+         width * height * kChannels <= file.size() * kLargestExpansion && chunksCanBeTaken(file);
 }
 
 } // namespace

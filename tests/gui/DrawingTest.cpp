@@ -96,6 +96,11 @@ TEST(Bitmap, RefusesBrokenPng) {
       {"palette", [](ByteVector& f) { f[25] = 3; }},
       {"interlaced", [](ByteVector& f) { f[28] = 1; }},
       {"longer data than the file", [](ByteVector& f) { f[34] = 1; }},
+      {"image data of no bytes before the rest",
+       [](ByteVector& f) {
+         const ByteVector empty{0, 0, 0, 0, 'I', 'D', 'A', 'T', 0, 0, 0, 0};
+         f.insert(f.begin() + 33, empty.begin(), empty.end());
+       }},
       {"no zlib head", [](ByteVector& f) { f[41] = 0; }},
       {"block of an unknown kind", [](ByteVector& f) { f[43] = 7; }},
       {"block length and its complement", [](ByteVector& f) { f[46] = 0; }},
