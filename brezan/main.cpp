@@ -51,6 +51,7 @@ int parse(int argc, char** argv) {
   addEditCommand(program);
   addScreenshotCommand(program);
   addManualCommand(program);
+  addValidateCommand(program);
 #ifdef QLX_LIVE
   addLiveCommand(program);
 #endif

@@ -21,6 +21,7 @@ void addReportCommand(CLI::App& program);
 void addEditCommand(CLI::App& program);
 void addScreenshotCommand(CLI::App& program);
 void addManualCommand(CLI::App& program);
+void addValidateCommand(CLI::App& program);
 #ifdef QLX_LIVE
 void addLiveCommand(CLI::App& program);
 #endif

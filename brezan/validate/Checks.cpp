@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: ISC
+#include "brezan/validate/Check.h"
+
+namespace qlx::validate {
+
+std::vector<Check> allChecks() {
+  std::vector<Check> all;
+  for (const auto group : {scanChecks(), textChecks(), audioChecks()})
+    all.insert(all.end(), group.begin(), group.end());
+  return all;
+}
+
+} // namespace qlx::validate
