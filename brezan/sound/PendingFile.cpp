@@ -3,13 +3,13 @@
 
 #include "brezan/Interrupt.h"
 #include "brezan/StandardStreams.h"
+#include "platform/TemporaryFile.h"
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
-#include <random>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -86,25 +86,23 @@ PendingFile::PendingFile(fs::path target) : m_target(std::move(target)) {
   const fs::path folder = m_target.parent_path();
   if (exists && ::access(folder.empty() ? "." : folder.c_str(), W_OK) != 0) m_through = true;
 
-  std::random_device random;
-  m_path = (m_through ? fs::temp_directory_path() : folder) /
-           ("." + m_target.filename().string() + "." + std::to_string(random()) + ".part");
-  const bool secret = exists || m_through;
-  const File part(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                         secret ? S_IRUSR | S_IWUSR : 0666));
-  if (part.number < 0) cannotWrite(m_target, errno);
+  const fs::path made = m_through ? fs::temp_directory_path() : folder;
+  const std::string directory = made.empty() ? "" : (made / "").string();
+  platform::removeAbandonedFiles(directory);
+  m_part = std::make_unique<platform::TemporaryFile>(directory, exists || m_through);
+  if (!*m_part) cannotWrite(m_target, errno);
   if (!exists || m_through) return;
-  if (::fchown(part.number, old.st_uid, old.st_gid) != 0) errno = 0; // the owner's right alone
-  ::fchmod(part.number, old.st_mode & kPermissions);
+  if (::fchown(m_part->descriptor(), old.st_uid, old.st_gid) != 0)
+    errno = 0; // the owner's right alone
+  ::fchmod(m_part->descriptor(), old.st_mode & kPermissions);
 }
 
-PendingFile::~PendingFile() {
-  std::error_code error;
-  if (!m_committed) fs::remove(m_path, error);
-}
+PendingFile::~PendingFile() = default;
+
+fs::path PendingFile::path() const { return m_part->path(); }
 
 void PendingFile::copyThrough() const {
-  const File from(openAgain(m_path, O_RDONLY));
+  const File from(openAgain(path(), O_RDONLY));
   const File to(isStandardOutput(m_target) ? ::dup(STDOUT_FILENO)
                                            : openAgain(m_target, O_WRONLY | O_TRUNC));
   if (from.number < 0 || to.number < 0) cannotWrite(m_target, errno);
@@ -124,10 +122,7 @@ void PendingFile::copyThrough() const {
 void PendingFile::commit() {
   throwIfInterrupted();
   if (m_through) return copyThrough(); // the end removes the copy
-  std::error_code error;
-  fs::rename(m_path, m_target, error);
-  if (error) cannotWrite(m_target, error.value());
-  m_committed = true;
+  if (!m_part->moveTo(m_target)) cannotWrite(m_target, errno);
 }
 
 void writeFile(const fs::path& target, std::span<const char> bytes) {

@@ -2,16 +2,22 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <span>
+
+namespace qlx::platform {
+class TemporaryFile;
+}
 
 namespace qlx::tools {
 
-/// A file in the making beside its target. `commit` renames it over the target, with the
-/// permissions of the old one; without that its end removes it, so that a failure leaves the old
-/// target as it was. A link stays a link, and what it points to is replaced. What cannot be
-/// replaced (a pipe, a device, "-" for standard output, a file in a folder without permission to
-/// write) is made in the folder for temporary files, and `commit` writes it through. Throws
-/// std::runtime_error with the reason when the target cannot be written.
+/// A file in the making beside its target; what killed processes left of theirs is removed.
+/// `commit` renames it over the target, with the permissions of the old one; without that its end
+/// removes it, so that a failure leaves the old target as it was. A link stays a link, and what it
+/// points to is replaced. What cannot be replaced (a pipe, a device, "-" for standard output, a
+/// file in a folder without permission to write) is made in the folder for temporary files, and
+/// `commit` writes it through. Throws std::runtime_error with the reason when the target cannot be
+/// written.
 class PendingFile {
  public:
   explicit PendingFile(std::filesystem::path target);
@@ -19,7 +25,7 @@ class PendingFile {
   PendingFile(const PendingFile&) = delete;
   PendingFile& operator=(const PendingFile&) = delete;
 
-  const std::filesystem::path& path() const { return m_path; } ///< where to write meanwhile
+  std::filesystem::path path() const; ///< where to write meanwhile
   const std::filesystem::path& target() const { return m_target; }
   void commit(); ///< throws Interrupted, too
 
@@ -27,9 +33,8 @@ class PendingFile {
   void copyThrough() const;
 
   std::filesystem::path m_target;
-  std::filesystem::path m_path;
+  std::unique_ptr<platform::TemporaryFile> m_part;
   bool m_through = false;
-  bool m_committed = false;
 };
 
 /// True when a file of this name is standard output, so that words must go elsewhere.
