@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fftw3.h>
-#include <memory>
+#include <complex>
+#include <kissfft/kissfft.hh>
 #include <numbers>
 
 namespace qlx::tools {
@@ -15,21 +15,13 @@ namespace {
 constexpr double kWindowSeconds = 0.093;
 constexpr double kFloorPower = 1e-20;
 
-struct FftwFree {
-  void operator()(void* memory) const { fftw_free(memory); }
-};
-struct PlanFree {
-  void operator()(fftw_plan plan) const { fftw_destroy_plan(plan); }
-};
-
-// Power spectrum of a Hann window, scaled so that a full-scale sine on a bin reads 1.
+// Power spectrum of a Hann window of even size, scaled so that a full-scale sine on a bin reads 1.
 class WindowedPower {
  public:
   explicit WindowedPower(int size)
       : m_size(size), m_window(static_cast<std::size_t>(size)),
-        m_in(fftw_alloc_real(static_cast<std::size_t>(size))),
-        m_out(fftw_alloc_complex(static_cast<std::size_t>(size) / 2 + 1)),
-        m_plan(fftw_plan_dft_r2c_1d(size, m_in.get(), m_out.get(), FFTW_ESTIMATE)),
+        m_in(static_cast<std::size_t>(size)), m_out(static_cast<std::size_t>(size) / 2),
+        m_transform(static_cast<std::size_t>(size) / 2, false),
         m_power(static_cast<std::size_t>(size) / 2 + 1) {
     for (int i = 0; i < size; ++i)
       m_window[static_cast<std::size_t>(i)] =
@@ -40,22 +32,24 @@ class WindowedPower {
     for (int i = 0; i < m_size; ++i) {
       const long long from = centre + i - m_size / 2;
       const bool inside = from >= 0 && from < static_cast<long long>(sound.size());
-      m_in.get()[i] =
+      m_in[static_cast<std::size_t>(i)] =
           inside ? sound[static_cast<std::size_t>(from)] * m_window[static_cast<std::size_t>(i)]
                  : 0.0;
     }
-    fftw_execute(m_plan.get());
-    for (std::size_t k = 0; k < m_power.size(); ++k)
-      m_power[k] = m_out.get()[k][0] * m_out.get()[k][0] + m_out.get()[k][1] * m_out.get()[k][1];
+    m_transform.transform_real(m_in.data(), m_out.data());
+    for (std::size_t k = 1; k < m_out.size(); ++k) m_power[k] = std::norm(m_out[k]);
+    // The amplitudes at 0 Hz and at half the rate are real; they share the first place.
+    m_power.front() = m_out.front().real() * m_out.front().real();
+    m_power.back() = m_out.front().imag() * m_out.front().imag();
     return m_power;
   }
 
  private:
   int m_size;
   std::vector<double> m_window;
-  std::unique_ptr<double, FftwFree> m_in;
-  std::unique_ptr<fftw_complex, FftwFree> m_out;
-  std::unique_ptr<std::remove_pointer_t<fftw_plan>, PlanFree> m_plan;
+  std::vector<double> m_in;
+  std::vector<std::complex<double>> m_out;
+  kissfft<double> m_transform;
   std::vector<double> m_power;
 };
 

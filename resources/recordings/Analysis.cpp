@@ -2,38 +2,53 @@
 #include "resources/recordings/Analysis.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <fftw3.h>
-#include <memory>
-#include <type_traits>
+#include <kissfft/kissfft.hh>
+#include <numbers>
 
 namespace qlx::recordings {
 
 namespace {
 
-struct PlanDeleter {
-  void operator()(fftw_plan plan) const { fftw_destroy_plan(plan); }
-};
-using Plan = std::unique_ptr<std::remove_pointer_t<fftw_plan>, PlanDeleter>;
-
 using Spectrum = std::vector<std::complex<double>>;
 
-fftw_complex* raw(Spectrum& spectrum) { return reinterpret_cast<fftw_complex*>(spectrum.data()); }
+// The discrete Fourier transform of any length, by a convolution with a chirp (Bluestein 1970): the
+// loops' lengths are primes or have large factors. The inverse is not divided by the length.
+Spectrum transformed(const Spectrum& in, bool inverse) {
+  const std::size_t length = in.size();
+  const std::size_t padded = std::bit_ceil(2 * length);
+  const double step = (inverse ? 1.0 : -1.0) * std::numbers::pi / static_cast<double>(length);
+  Spectrum chirp(length), product(padded), mirrored(padded), out(padded);
+  for (std::size_t n = 0; n < length; ++n) {
+    chirp[n] = std::polar(1.0, step * static_cast<double>(n * n % (2 * length)));
+    product[n] = in[n] * chirp[n];
+    mirrored[n] = std::conj(chirp[n]);
+    if (n > 0) mirrored[padded - n] = mirrored[n];
+  }
+  const kissfft<double> forward(padded, false);
+  forward.transform(product.data(), out.data());
+  forward.transform(mirrored.data(), product.data());
+  for (std::size_t k = 0; k < padded; ++k) product[k] *= out[k] / static_cast<double>(padded);
+  kissfft<double>(padded, true).transform(product.data(), out.data());
+  out.resize(length);
+  for (std::size_t k = 0; k < length; ++k) out[k] *= chirp[k];
+  return out;
+}
 
-Spectrum transform(Signal signal) {
-  Spectrum spectrum(signal.size() / 2 + 1);
-  const Plan plan(fftw_plan_dft_r2c_1d(static_cast<int>(signal.size()), signal.data(),
-                                       raw(spectrum), FFTW_ESTIMATE));
-  fftw_execute(plan.get());
+Spectrum transform(const Signal& signal) {
+  Spectrum spectrum = transformed({signal.begin(), signal.end()}, false);
+  spectrum.resize(signal.size() / 2 + 1);
   return spectrum;
 }
 
 Signal inverse(Spectrum spectrum, std::size_t length) {
-  Signal signal(length);
-  const Plan plan(
-      fftw_plan_dft_c2r_1d(static_cast<int>(length), raw(spectrum), signal.data(), FFTW_ESTIMATE));
-  fftw_execute(plan.get());
-  for (double& x : signal) x /= static_cast<double>(length);
+  const std::size_t half = spectrum.size();
+  spectrum.resize(length);
+  for (std::size_t k = half; k < length; ++k) spectrum[k] = std::conj(spectrum[length - k]);
+  Signal signal;
+  for (const auto& x : transformed(spectrum, true))
+    signal.push_back(x.real() / static_cast<double>(length));
   return signal;
 }
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <complex>
 #include <cstdlib>
-#include <fftw3.h>
+#include <kissfft/kissfft.hh>
 #include <numbers>
 #include <numeric>
 
@@ -30,17 +30,13 @@ double db(double power) { return 10.0 * std::log10(power); }
 
 std::vector<double> spectrum(const std::vector<double>& sound, std::size_t channel,
                              std::size_t frames) {
-  std::vector<double> windowed(frames);
-  std::vector<std::complex<double>> bins(frames / 2 + 1);
+  std::vector<std::complex<double>> windowed(frames), bins(frames);
   for (std::size_t i = 0; i < frames; ++i)
     windowed[i] =
         sound[2 * i + channel] * (1.0 - std::cos(2.0 * std::numbers::pi * static_cast<double>(i) /
                                                  static_cast<double>(frames)));
-  fftw_plan plan =
-      fftw_plan_dft_r2c_1d(static_cast<int>(frames), windowed.data(),
-                           reinterpret_cast<fftw_complex*>(bins.data()), FFTW_ESTIMATE);
-  fftw_execute(plan);
-  fftw_destroy_plan(plan);
+  kissfft<double>(frames, false).transform(windowed.data(), bins.data());
+  bins.resize(frames / 2 + 1);
   std::vector<double> power;
   for (const auto& bin : bins) power.push_back(std::norm(2.0 * bin / static_cast<double>(frames)));
   return power;
