@@ -27,10 +27,14 @@ std::span<const FuzzTarget> presetFuzzTargets();
 /// image, glyph_pack
 std::span<const FuzzTarget> drawingFuzzTargets();
 
+/// dispatcher, midi, automation, midi_file
+std::span<const FuzzTarget> playingFuzzTargets();
+
+/// In the order in which the build numbers the programs.
 inline std::vector<FuzzTarget> allFuzzTargets() {
-  const auto presets = presetFuzzTargets();
-  std::vector<FuzzTarget> all(presets.begin(), presets.end());
-  for (const FuzzTarget& target : drawingFuzzTargets()) all.push_back(target);
+  std::vector<FuzzTarget> all;
+  for (const auto targets : {presetFuzzTargets(), drawingFuzzTargets(), playingFuzzTargets()})
+    all.insert(all.end(), targets.begin(), targets.end());
   return all;
 }
 
