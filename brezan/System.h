@@ -46,6 +46,9 @@ double threadCpuSeconds();
 /// False when that cannot be had.
 bool pinThread(int processor);
 
+/// Sets a variable of this process's environment, for what is loaded from now on.
+void setEnvironment(const std::string& name, const std::string& value);
+
 /// True when standard error is a terminal that can redraw a line.
 bool errorStreamIsTerminal();
 

@@ -71,6 +71,10 @@ bool pinThread(int processor) {
   return false;
 }
 
+void setEnvironment(const std::string& name, const std::string& value) {
+  setenv(name.c_str(), value.c_str(), 1);
+}
+
 bool errorStreamIsTerminal() {
   const char* kind = std::getenv("TERM");
   return isatty(STDERR_FILENO) == 1 && kind != nullptr && std::strcmp(kind, "dumb") != 0;

@@ -71,6 +71,10 @@ bool pinThread(int processor) {
   return false;
 }
 
+void setEnvironment(const std::string& name, const std::string& value) {
+  SetEnvironmentVariableA(name.c_str(), value.c_str());
+}
+
 bool errorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
 int errorStreamColumns() {

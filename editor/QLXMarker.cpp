@@ -48,11 +48,13 @@ gui::CRect QLXMarker::handlePlace(float value) const {
 
 void QLXMarker::draw(gui::CDrawContext& context) {
   if (m_strip == nullptr) return setDirty(false);
-  if (m_offscreen == nullptr) {
-    m_offscreen = std::make_unique<gui::COffscreenContext>(m_strip->width(), m_strip->height());
+  const int scale = context.getArtworkScale();
+  if (m_offscreen == nullptr || m_offscreen->scale() != scale) {
+    m_offscreen =
+        std::make_unique<gui::COffscreenContext>(m_strip->width(), m_strip->height(), scale);
   }
-  const gui::CRect whole{0.0, 0.0, static_cast<double>(m_offscreen->width()),
-                         static_cast<double>(m_offscreen->height())};
+  const gui::CRect whole{0.0, 0.0, static_cast<double>(m_strip->width()),
+                         static_cast<double>(m_strip->height())};
   m_offscreen->clear();
   m_offscreen->context().drawBitmap(*m_strip, whole);
   if (m_handle != nullptr) m_offscreen->context().drawBitmap(*m_handle, handlePlace(drawnValue()));

@@ -3,6 +3,7 @@
 
 #include "editor/HostKey.h"
 #include "editor/MyFrame.h"
+#include "editor/ScaleChoice.h"
 #include "gui/drawing/CTypeface.h"
 #include "platform/offscreen/OffscreenWindow.h"
 #include "presets/panel/LoadBitmap.h"
@@ -10,20 +11,36 @@
 #include "resources/images/Images.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
+#include <utility>
 
 namespace qlx::editor {
 
 namespace {
 
 constexpr int kBackground = 4000;
+constexpr gui::CRect kWindow = gui::CRect::of(layout::kWindow);
 /// From one position of the MIDI channel's display to the next.
 constexpr float kMidiChannelStep = 1.0F / 18.0F;
 
 std::shared_ptr<gui::CTypeface> loadTypeface() {
-  const auto pack = resources::editorGlyphs();
-  return gui::CTypeface::create({reinterpret_cast<const std::uint8_t*>(pack.data()), pack.size()});
+  std::array<std::span<const std::uint8_t>, gui::kWindowScales.size()> packs;
+  for (std::size_t i = 0; i < packs.size(); ++i) {
+    const auto pack = resources::editorGlyphs(i);
+    packs[i] = {reinterpret_cast<const std::uint8_t*>(pack.data()), pack.size()};
+  }
+  return gui::CTypeface::create(packs);
+}
+
+/// The scale of a window of this size in pixels of the screen; nothing when none has it.
+std::optional<double> scaleOfSize(int width, int height) {
+  for (const double scale : gui::kWindowScales)
+    if (gui::CFrame::windowSize(kWindow, scale) == gui::CPoint{1.0 * width, 1.0 * height})
+      return scale;
+  return std::nullopt;
 }
 
 /// A rotor's phase as its marker's value.
@@ -44,30 +61,64 @@ RotaryEditor::RotaryEditor(presets::CPresetSystemEffect& effect, const EffectRea
                           std::move(desktop.documents)),
       m_readout(readout), m_windows(desktop.windows),
       m_background(presets::loadBitmap(kBackground)) {
-  if (m_background == nullptr) return;
-  m_rectangle.bottom = static_cast<std::int16_t>(m_background->height());
-  m_rectangle.right = static_cast<std::int16_t>(m_background->width());
+  setRectangle(1.0);
 }
 
 // A name that is being typed would go into presets that are about to be gone.
 RotaryEditor::~RotaryEditor() { dropWindow(); }
 
+void RotaryEditor::setRectangle(double scale) {
+  const gui::CPoint size = gui::CFrame::windowSize(kWindow, scale);
+  m_rectangle.right = static_cast<std::int16_t>(size.x);
+  m_rectangle.bottom = static_cast<std::int16_t>(size.y);
+}
+
+double RotaryEditor::scaleToOpenWith() const {
+  ScaleWishes wishes;
+  if (const char* text = std::getenv("QLX_SCALE")) wishes.environment = scaleFromText(text);
+  wishes.host = m_hostScale;
+  wishes.stored = scaleFromText(CPresetSystemEditor::settings().readScale());
+  if (!wishes.environment && !wishes.host && !wishes.stored) wishes.desktop = m_windows.scale();
+  return chosenScale(wishes);
+}
+
+void RotaryEditor::setHostScale(double scale) {
+  m_hostScale = scale;
+  if (m_controls != nullptr) m_scaleToCome = scaleToOpenWith();
+}
+
+// Between events, and only if the host makes room.
+void RotaryEditor::followScale() {
+  if (!m_scaleToCome || m_controls == nullptr) return;
+  const double scale = *std::exchange(m_scaleToCome, std::nullopt);
+  const auto frame = getFrame();
+  const double before = frame->getScale();
+  if (scale == before) return;
+  setRectangle(scale); // hosts ask for it meanwhile
+  const bool roomy = presetStore().sizeWindow(m_rectangle.right, m_rectangle.bottom);
+  if (getFrame() != frame) return; // a host may open the window anew instead
+  if (roomy)
+    frame->setScale(scale);
+  else
+    setRectangle(before);
+}
+
 bool RotaryEditor::getRect(sdk::EditRectangle** rectangle) {
+  if (m_controls == nullptr) setRectangle(scaleToOpenWith());
   *rectangle = &m_rectangle;
   return true;
 }
 
-bool RotaryEditor::open(void* parent) { return openIn(m_windows, parent); }
+bool RotaryEditor::open(void* parent) { return openIn(m_windows, parent, scaleToOpenWith()); }
 
-bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent) {
+bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, double scale) {
   if (m_background == nullptr || parent == nullptr) return false;
   close();
-  auto window = windows.openChild(reinterpret_cast<std::uintptr_t>(parent), m_background->width(),
-                                  m_background->height());
+  setRectangle(scale);
+  auto window = windows.openChild(reinterpret_cast<std::uintptr_t>(parent), m_rectangle.right,
+                                  m_rectangle.bottom);
   if (window == nullptr) return false;
-  const gui::CRect whole{0.0, 0.0, static_cast<double>(m_background->width()),
-                         static_cast<double>(m_background->height())};
-  const auto frame = std::make_shared<MyFrame>(whole, std::move(window), loadTypeface());
+  const auto frame = std::make_shared<MyFrame>(kWindow, std::move(window), loadTypeface(), scale);
   frame->setBackground(m_background);
   setFrame(frame);
   m_mirror.clear();
@@ -96,6 +147,7 @@ void RotaryEditor::idle() {
   showMirrored();
   CPresetSystemEditor::idle();
   if (m_controls != nullptr) showReadout();
+  followScale();
 }
 
 void RotaryEditor::showMirrored() {
@@ -161,14 +213,15 @@ void RotaryEditor::controlEndEdit(gui::CControl& control) {
 }
 
 bool RotaryEditor::picture(const sdk::EditorPicture& request) {
-  const bool fits = request.pixels != nullptr && request.width == m_rectangle.right &&
-                    request.height == m_rectangle.bottom &&
-                    (request.clickCount <= 0 || request.clicks != nullptr);
+  const auto scale = scaleOfSize(request.width, request.height);
+  const bool fits =
+      request.pixels != nullptr && scale && (request.clickCount <= 0 || request.clicks != nullptr);
   const platform::OffscreenWindowSystem windows;
-  if (!fits || m_controls != nullptr || !openIn(windows, this)) return false;
+  if (!fits || m_controls != nullptr || !openIn(windows, this, *scale)) return false;
   idle();
   for (std::int32_t i = 0; i < request.clickCount && windows.lastWindow() != nullptr; ++i) {
-    windows.lastWindow()->click(request.clicks[i].x, request.clicks[i].y);
+    const gui::CPoint at{request.clicks[i].x * *scale, request.clicks[i].y * *scale};
+    windows.lastWindow()->click(static_cast<int>(at.x), static_cast<int>(at.y));
     idle();
   }
   idle(); // what the last one read from the effect

@@ -9,6 +9,7 @@
 #include "sdk/VstTypes.h"
 
 #include <memory>
+#include <optional>
 
 namespace qlx::editor {
 
@@ -32,7 +33,9 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   /// displays are empty.
   void setFormatter(plugin::ParameterFormatter* formatter) { m_formatter = formatter; }
 
+  /// The open window's size, or the one that a window would have now.
   bool getRect(sdk::EditRectangle** rectangle) override;
+  void setHostScale(double scale) override;
   /// False when there is no parent, or no window can be had in it. An open window is closed first.
   bool open(void* parent) override;
   /// Accepts a name that is being typed.
@@ -48,7 +51,10 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   void controlEndEdit(gui::CControl& control) override;
 
  private:
-  bool openIn(const platform::WindowSystem& windows, void* parent);
+  bool openIn(const platform::WindowSystem& windows, void* parent, double scale);
+  double scaleToOpenWith() const;
+  void setRectangle(double scale);
+  void followScale();
   void dropWindow();
   void showMirrored();
   void showReadout();
@@ -59,6 +65,8 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   const platform::WindowSystem& m_windows;
   gui::CBitmapRef m_background;
   sdk::EditRectangle m_rectangle{};
+  std::optional<double> m_hostScale;
+  std::optional<double> m_scaleToCome; ///< of the open window
   plugin::ParameterFormatter* m_formatter = nullptr;
   ParameterMirror m_mirror;
   std::unique_ptr<EditorControls> m_controls; ///< null while the window is closed

@@ -24,13 +24,16 @@ constexpr std::uint32_t kAnyButton = kLButton | kMButton | kRButton;
 
 } // namespace
 
+CFrame::Surface::Surface(const PixelRect& size, const CTypeface* typeface, double scale)
+    : picture(size.width(), size.height()), context(picture, typeface, scale),
+      dirty({0, 0, size.width(), size.height()}, scale),
+      exposed({0, 0, size.width(), size.height()}, scale) {}
+
 CFrame::CFrame(const CRect& size, std::unique_ptr<platform::NativeWindow> window,
-               std::shared_ptr<CTypeface> typeface)
-    : CViewContainer(size), m_window(std::move(window)), m_typeface(std::move(typeface)),
-      m_picture(size.touchedPixels().right, size.touchedPixels().bottom),
-      m_context(m_picture, m_typeface.get()),
-      m_dirtyRegion({0, 0, m_picture.width, m_picture.height}),
-      m_exposedRegion({0, 0, m_picture.width, m_picture.height}) {
+               const std::shared_ptr<CTypeface>& typeface, double scale)
+    : CViewContainer(size), m_window(std::move(window)), m_scale(scale),
+      m_typeface(typeface == nullptr ? nullptr : typeface->atScale(scale)),
+      m_surface(std::make_unique<Surface>(m_window->place(), m_typeface.get(), scale)) {
   setPlace(this);
   m_window->setListener(this);
 }
@@ -44,14 +47,29 @@ CFrame::~CFrame() {
   removeAllViews();
 }
 
+CPoint CFrame::windowSize(const CRect& size, double scale) {
+  return {std::floor(size.right * scale), std::floor(size.bottom * scale)};
+}
+
+void CFrame::setScale(double scale) {
+  if (scale == m_scale) return;
+  closePopup();
+  const CPoint size = windowSize(getViewSize(), scale);
+  m_window->resize(static_cast<int>(size.x), static_cast<int>(size.y));
+  m_scale = scale;
+  if (m_typeface != nullptr) m_typeface = m_typeface->atScale(scale);
+  m_surface = std::make_unique<Surface>(m_window->place(), m_typeface.get(), scale);
+  invalidAll();
+}
+
 bool CFrame::isOpen() const { return m_window->isOpen(); }
 
 // --- Drawing ---
 
 void CFrame::draw(CDrawContext& context) {
   const CRect all = getViewSize();
-  const bool covered = m_background != nullptr && m_background->width() >= m_picture.width &&
-                       m_background->height() >= m_picture.height;
+  const bool covered = m_background != nullptr && m_background->width() >= all.right &&
+                       m_background->height() >= all.bottom;
   if (!covered) context.fillRect(all, kBlackCColor);
   if (m_background != nullptr) context.drawBitmap(*m_background, all);
   drawViews(context);
@@ -63,7 +81,7 @@ void CFrame::setBackground(CBitmapRef background) {
   invalidAll();
 }
 
-void CFrame::invalidRect(const CRect& area) { m_dirtyRegion.add(area.touchedPixels()); }
+void CFrame::invalidRect(const CRect& area) { m_surface->dirty.add(area); }
 void CFrame::invalidAll() { invalidRect(getViewSize()); }
 
 void CFrame::open() {
@@ -74,17 +92,18 @@ void CFrame::open() {
 }
 
 void CFrame::redraw() {
-  collectDirty(m_dirtyRegion);
-  if (m_modalView != nullptr) m_modalView->collectDirty(m_dirtyRegion);
-  for (const PixelRect& area : m_dirtyRegion.areas()) {
-    m_context.setClip(area);
-    render(m_context);
-    m_exposedRegion.add(area);
+  Surface& surface = *m_surface;
+  collectDirty(surface.dirty);
+  if (m_modalView != nullptr) m_modalView->collectDirty(surface.dirty);
+  for (const PixelRect& area : surface.dirty.areas()) {
+    surface.context.setClip(area);
+    render(surface.context);
+    surface.exposed.add(area);
   }
-  m_dirtyRegion.clear();
-  if (m_exposedRegion.empty()) return;
-  m_window->present(m_picture.view(), m_exposedRegion.areas());
-  m_exposedRegion.clear();
+  surface.dirty.clear();
+  if (surface.exposed.empty()) return;
+  m_window->present(surface.picture.view(), surface.exposed.areas());
+  surface.exposed.clear();
 }
 
 void CFrame::idle() {
@@ -143,11 +162,12 @@ void CFrame::giveUnneededKeyboardBack() {
 bool CFrame::openPopup(std::unique_ptr<CView> content, const CPoint& corner,
                        std::function<void()> closed) {
   closePopup();
-  const PixelRect size = content->getViewSize().touchedPixels();
-  auto window = m_window->openPopup(CRect::nearest(corner.x), CRect::nearest(corner.y), size.right,
-                                    size.bottom);
+  const PixelRect size = content->getViewSize().scaledBy(m_scale).touchedPixels();
+  auto window = m_window->openPopup(CRect::nearest(corner.x * m_scale),
+                                    CRect::nearest(corner.y * m_scale), size.right, size.bottom);
   if (window == nullptr) return false;
-  m_popup = std::make_unique<CFrame>(CRect::of(size), std::move(window), m_typeface);
+  const CRect whole = CRect::of(size).scaledBy(1.0 / m_scale);
+  m_popup = std::make_unique<CFrame>(whole, std::move(window), m_typeface, m_scale);
   m_popupClosed = std::move(closed);
   CView& view = m_popup->addView(std::move(content));
   m_popup->setFocusView(&view);
@@ -164,7 +184,8 @@ void CFrame::closePopup() {
 }
 
 CRect CFrame::getPopupPlace() const {
-  return m_popup == nullptr ? CRect{} : CRect::of(m_popup->getWindow().place());
+  return m_popup == nullptr ? CRect{}
+                            : CRect::of(m_popup->getWindow().place()).scaledBy(1.0 / m_scale);
 }
 
 void CFrame::forgetView(const CView& view) {
@@ -176,7 +197,7 @@ void CFrame::forgetView(const CView& view) {
 // --- Input: how the window's events reach the views ---
 
 bool CFrame::onWindowEvent(const WindowEvent& event) {
-  const CPoint where{static_cast<CCoord>(event.x), static_cast<CCoord>(event.y)};
+  const CPoint where{event.x / m_scale, event.y / m_scale};
   switch (event.type) {
   case WindowEventType::kMouseDown: platformOnMouseDown(where, stateOf(event.button, event)); break;
   case WindowEventType::kMouseUp: platformOnMouseUp(where, stateOf(event.button, event)); break;
@@ -187,7 +208,8 @@ bool CFrame::onWindowEvent(const WindowEvent& event) {
   case WindowEventType::kWheel:
     return platformOnWheel(where, event.distance, stateOf(event.buttons, event));
   case WindowEventType::kExpose:
-    m_exposedRegion.add({event.x, event.y, event.x + event.width, event.y + event.height});
+    m_surface->exposed.add(
+        PixelRect{event.x, event.y, event.x + event.width, event.y + event.height});
     break;
   case WindowEventType::kKeyDown:
   case WindowEventType::kKeyUp: return onKeyEvent(event);

@@ -16,12 +16,14 @@
 namespace qlx::gui {
 
 /// The root of the views of one window: hands out its events, keeps the focus and the one modal
-/// view, and at every idle redraws what is dirty. User-interface thread only.
+/// view, and at every idle redraws what is dirty. Its views live in the pixels of the layout,
+/// whatever the window's scale. User-interface thread only.
 class CFrame : public CViewContainer, private platform::WindowListener {
  public:
-  /// `size` starts at (0, 0) and has the window's size. `typeface` may be null: no texts then.
+  /// `size` starts at (0, 0); the window has windowSize() of it at the scale, which is one of
+  /// kWindowScales. `typeface` may be null: no texts then.
   CFrame(const CRect& size, std::unique_ptr<platform::NativeWindow> window,
-         std::shared_ptr<CTypeface> typeface);
+         const std::shared_ptr<CTypeface>& typeface, double scale = 1.0);
   ~CFrame() override;
 
   bool isTypeOf(std::string_view className) const override {
@@ -30,6 +32,14 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   /// A frame is one window's; there are no copies. Null.
   std::unique_ptr<CView> newCopy() const override { return nullptr; }
   void draw(CDrawContext& context) override;
+
+  /// How many pixels of the screen a pixel of the layout takes.
+  double getScale() const { return m_scale; }
+  /// Gives the window another size. Open popups are closed; all else goes on as it was.
+  void setScale(double scale);
+  /// Width and height in pixels of the screen of a window in which `size` is shown at a scale. A
+  /// part of a pixel at its right or lower edge is left out.
+  static CPoint windowSize(const CRect& size, double scale);
 
   /// Shows the window, draws everything and presents it.
   void open();
@@ -75,7 +85,7 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   CRect getPopupPlace() const;
 
   /// The platform's entry points; also for events that a host hands over itself. `where` in pixels
-  /// of the window. The state of a press or release has the one button that changed.
+  /// of the layout. The state of a press or release has the one button that changed.
   virtual CMouseEventResult platformOnMouseDown(const CPoint& where, const CButtonState& buttons);
   virtual CMouseEventResult platformOnMouseUp(const CPoint& where, const CButtonState& buttons);
   virtual CMouseEventResult platformOnMouseMoved(const CPoint& where, const CButtonState& buttons);
@@ -84,15 +94,25 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   virtual bool platformOnKeyDown(const CKeyCode& key);
   virtual bool platformOnKeyUp(const CKeyCode& key);
 
+  /// For the window's scale; null when there is none.
   CTypeface* getTypeface() const { return m_typeface.get(); }
   platform::NativeWindow& getWindow() const { return *m_window; }
 
   /// The toolkit's own: whether a context draws what the window will show.
-  bool isScreen(const CDrawContext& context) const { return &context == &m_context; }
+  bool isScreen(const CDrawContext& context) const { return &context == &m_surface->context; }
   /// The toolkit's own: a view leaves the frame; nothing is sent to it any more.
   void forgetView(const CView& view);
 
  private:
+  /// What depends on the window's size. Regions in pixels of the screen.
+  struct Surface {
+    Surface(const platform::PixelRect& size, const CTypeface* typeface, double scale);
+    PixelBuffer picture;
+    CDrawContext context;
+    DirtyRegion dirty;
+    DirtyRegion exposed;
+  };
+
   bool onWindowEvent(const platform::WindowEvent& event) override;
   bool onKeyEvent(const platform::WindowEvent& event);
   void giveUnneededKeyboardBack();
@@ -103,11 +123,9 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void destroyRemoved();
 
   std::unique_ptr<platform::NativeWindow> m_window;
+  double m_scale;
   std::shared_ptr<CTypeface> m_typeface;
-  PixelBuffer m_picture;
-  CDrawContext m_context;
-  DirtyRegion m_dirtyRegion;
-  DirtyRegion m_exposedRegion;
+  std::unique_ptr<Surface> m_surface;
   CBitmapRef m_background;
   std::unique_ptr<CView> m_modalView;
   // Removed while their own handlers may still run; destroyed at the end of idle.

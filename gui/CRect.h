@@ -34,6 +34,9 @@ struct CRect {
   constexpr bool meets(const CRect& r) const {
     return r.left < right && left < r.right && r.top < bottom && top < r.bottom;
   }
+  constexpr CRect scaledBy(CCoord factor) const {
+    return {left * factor, top * factor, right * factor, bottom * factor};
+  }
   constexpr CRect insetBy(CCoord x, CCoord y) const {
     return {left + x, top + y, right - x, bottom - y};
   }

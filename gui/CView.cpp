@@ -54,7 +54,7 @@ void CView::render(CDrawContext& context) {
   m_rendering = true;
   Drawing drawing = Drawing::kAside;
   if (m_frame != nullptr && m_frame->isScreen(context)) {
-    const CRect onScreen = CRect::of(m_size.touchedPixels()).intersect(m_frame->getViewSize());
+    const CRect onScreen = CRect::of(context.targetPixels(m_size));
     const bool whole = CRect::of(context.getClip()).contains(onScreen);
     drawing = whole ? Drawing::kWhole : Drawing::kPart;
   }
@@ -65,7 +65,7 @@ void CView::render(CDrawContext& context) {
 }
 
 void CView::collectDirty(DirtyRegion& region) {
-  if (isDirty()) region.add(m_size.touchedPixels());
+  if (isDirty()) region.add(m_size);
 }
 
 void CView::setPlace(CFrame* frame) {

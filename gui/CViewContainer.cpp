@@ -29,9 +29,10 @@ std::unique_ptr<CView> CViewContainer::newCopy() const {
 void CViewContainer::draw(CDrawContext& context) { drawViews(context); }
 
 void CViewContainer::drawViews(CDrawContext& context) {
-  const CRect clip = CRect::of(context.getClip());
-  for (const auto& view : m_views)
-    if (CRect::of(view->getViewSize().touchedPixels()).meets(clip)) view->render(context);
+  for (const auto& view : m_views) {
+    const PixelRect touched = context.targetPixels(view->getViewSize());
+    if (!platform::intersection(touched, context.getClip()).empty()) view->render(context);
+  }
 }
 
 void CViewContainer::insertView(std::unique_ptr<CView> view) {

@@ -70,6 +70,9 @@ class NativeWindow {
   /// focus nor any grab. Null when it can't be had. The popup is destroyed before its owner.
   virtual std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) = 0;
 
+  /// Gives the window another size; pictures have that size from now on.
+  virtual void resize(int width, int height) = 0;
+
   /// Of a popup: where it lies, in its owner's coordinates. Of others: their size at (0, 0).
   virtual PixelRect place() const = 0;
 
@@ -109,6 +112,10 @@ class WindowSystem {
   /// display.
   virtual std::unique_ptr<NativeWindow> openTopLevel(const TopLevelLook& look, int width,
                                                      int height) const = 0;
+
+  /// How large the user wants things: pixels of the screen for each that a screen of 96 pixels an
+  /// inch would have. Nothing when the desktop doesn't say.
+  virtual std::optional<double> scale() const { return std::nullopt; }
 };
 
 /// The window system of the desktop that this was built for; stateless, never destroyed.

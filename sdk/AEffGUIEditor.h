@@ -31,6 +31,10 @@ class AEffGUIEditor {
     return false;
   }
 
+  /// The host's wish for the window's size: pixels of the screen for one of a plain window. An open
+  /// window follows at the next idle.
+  virtual void setHostScale(double scale) { (void)scale; }
+
   /// Builds the window inside the host's `parent` (on X11 the parent window's number).
   virtual bool open(void* parent) {
     (void)parent;

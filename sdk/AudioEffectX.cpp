@@ -93,6 +93,9 @@ std::int32_t AudioEffectX::getTailSize() { return 0; }
 
 void AudioEffectX::beginEdit(std::int32_t index) { callHost(HostOpcode::BeginEdit, index); }
 void AudioEffectX::endEdit(std::int32_t index) { callHost(HostOpcode::EndEdit, index); }
+bool AudioEffectX::sizeWindow(std::int32_t width, std::int32_t height) {
+  return callHost(HostOpcode::SizeWindow, width, height) != 0;
+}
 void AudioEffectX::updateDisplay() { callHost(HostOpcode::UpdateDisplay); }
 
 bool AudioEffectX::isInputConnected(std::int32_t pin) {

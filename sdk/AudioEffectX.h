@@ -46,6 +46,9 @@ class AudioEffectX : public AudioEffect {
   void beginEdit(std::int32_t index);
   void endEdit(std::int32_t index);
 
+  /// Asks the host for another size of the editor's window, in pixels. False when it won't.
+  bool sizeWindow(std::int32_t width, std::int32_t height);
+
   /// Names, displays or the program have changed.
   void updateDisplay();
 

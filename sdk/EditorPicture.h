@@ -20,10 +20,11 @@ struct EditorClick {
 /// closed. Memory is the host's.
 struct EditorPicture {
   std::int32_t byteSize; ///< of this
-  std::int32_t width;    ///< the editor's own
+  std::int32_t width;    ///< one of the editor's own sizes
   std::int32_t height;
   std::int32_t clickCount;
-  const EditorClick* clicks; ///< left clicks first, in the window's pixels; they act on the effect
+  const EditorClick* clicks; ///< left clicks first, in the smallest size's pixels; they act on the
+                             ///< effect
   std::uint32_t* pixels;     ///< width x height words 0xFFRRGGBB, rows from the top
 };
 

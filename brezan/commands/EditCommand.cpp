@@ -31,6 +31,7 @@ struct EditOptions {
   std::string plugin;
   StartingPoint start;
   bool log = false;
+  std::optional<double> scale;
   double seconds = std::numeric_limits<double>::infinity();
 };
 
@@ -97,6 +98,7 @@ class EditLog {
 };
 
 void edit(const EditOptions& options) {
+  if (options.scale) wantEditorScale(*options.scale);
   const std::filesystem::path plugin = locatePlugin(options.plugin);
   PluginHost host(plugin);
   {
@@ -128,6 +130,8 @@ void addEditCommand(CLI::App& program) {
   options->start.addOptions(*command);
   command->add_flag("--log", options->log,
                     "Print what the plug-in tells its host, and which parameters change");
+  command->add_option("--scale", options->scale, "Size of the window: 1, 1.5, 2 or 3")
+      ->check(CLI::IsMember({1.0, 1.5, 2.0, 3.0}));
   command->add_option("--seconds", options->seconds, "Close after so many seconds")
       ->check(CLI::NonNegativeNumber);
   command->callback([options] { edit(*options); });

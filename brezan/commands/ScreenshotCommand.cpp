@@ -40,7 +40,8 @@ struct ScreenshotOptions {
   bool about = false;
   double playSeconds = 0.0;
   bool screen = false;
-  int scale = 1;
+  double scale = 1.0;
+  int enlarge = 1;
   int margin = 0;
 };
 
@@ -68,12 +69,14 @@ void playSilence(PluginHost& host, double seconds) {
 }
 
 /// The editor as the plug-in itself draws it.
-std::optional<platform::WindowRobot::Picture> drawnPicture(PluginHost& host,
-                                                           const std::vector<Click>& clicks) {
-  const auto size = host.editorSize();
-  auto pixels = host.editorPicture(clicks);
-  if (!size || !pixels) return std::nullopt;
-  return platform::WindowRobot::Picture{size->width, size->height, std::move(*pixels)};
+std::optional<platform::WindowRobot::Picture>
+drawnPicture(PluginHost& host, const std::vector<Click>& clicks, double scale) {
+  constexpr auto kWindow = resources::layout::kWindow;
+  const EditorSize size{static_cast<int>(kWindow.width() * scale),
+                        static_cast<int>(kWindow.height() * scale)};
+  auto pixels = host.editorPicture(size, clicks);
+  if (!pixels) return std::nullopt;
+  return platform::WindowRobot::Picture{size.width, size.height, std::move(*pixels)};
 }
 
 /// Gives the display time to carry out what has been asked of it.
@@ -86,13 +89,14 @@ void settle(EditorWindow& window) {
 
 /// What the desktop shows.
 std::optional<platform::WindowRobot::Picture>
-picturedScreen(PluginHost& host, const std::vector<Click>& clicks, int margin) {
+picturedScreen(PluginHost& host, const std::vector<Click>& clicks, double scale, int margin) {
   EditorWindow window(host);
   const auto robot = platform::openWindowRobot();
   if (robot == nullptr) return std::nullopt;
   settle(window);
   for (const Click& click : clicks) {
-    robot->click(window.number(), click.x, click.y);
+    robot->click(window.number(), static_cast<int>(click.x * scale),
+                 static_cast<int>(click.y * scale));
     settle(window);
   }
   return robot->picture(window.number(), margin);
@@ -100,6 +104,7 @@ picturedScreen(PluginHost& host, const std::vector<Click>& clicks, int margin) {
 
 void screenshot(const ScreenshotOptions& options) {
   checkPictureName(options.output);
+  wantEditorScale(options.scale);
   const std::filesystem::path plugin = locatePlugin(options.plugin);
   PluginHost host(plugin);
   ParameterText parameters(plugin);
@@ -115,15 +120,15 @@ void screenshot(const ScreenshotOptions& options) {
     clicks.push_back({x, y});
   }
   const bool screen = options.screen || options.margin > 0;
-  const auto picture =
-      screen ? picturedScreen(host, clicks, options.margin) : drawnPicture(host, clicks);
+  const auto picture = screen ? picturedScreen(host, clicks, options.scale, options.margin)
+                              : drawnPicture(host, clicks, options.scale);
   if (!picture)
     throw std::runtime_error(screen ? "the editor's window cannot be seen on the screen"
                                     : "the plug-in draws no editor without a display; "
                                       "--screen takes it from the desktop");
-  savePng(*picture, options.scale, options.output);
-  std::cout << options.output << ": " << picture->width * options.scale << " x "
-            << picture->height * options.scale << '\n';
+  savePng(*picture, options.enlarge, options.output);
+  std::cout << options.output << ": " << picture->width * options.enlarge << " x "
+            << picture->height * options.enlarge << '\n';
 }
 
 } // namespace
@@ -143,13 +148,18 @@ void addScreenshotCommand(CLI::App& program) {
                    "MIDI controller on channel 1 as NUMBER=VALUE, may be given again")
       ->allow_extra_args(false);
   command->add_flag("--about", o.about, "Open the about screen first");
-  command->add_option("--click", o.clicks, "Click at X,Y first, may be given again")
+  command
+      ->add_option("--click", o.clicks,
+                   "Click at X,Y of the smallest size first, may be given again")
       ->allow_extra_args(false);
   command->add_flag("--screen", o.screen,
                     "Take it from the desktop, with the menus and dialogs that lie over it");
   command->add_option("--margin", o.margin, "Pixels of the desktop around it (0); as --screen")
       ->check(CLI::Range(0, 4096));
-  command->add_option("--scale", o.scale, "Times as large (1)")->check(CLI::Range(1, 16));
+  command->add_option("--scale", o.scale, "Size of the window: 1, 1.5, 2 or 3 (1)")
+      ->check(CLI::IsMember({1.0, 1.5, 2.0, 3.0}));
+  command->add_option("--enlarge", o.enlarge, "Times as large, each pixel a square (1)")
+      ->check(CLI::Range(1, 16));
   command->callback([options] { screenshot(*options); });
 }
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/plugin/EditorWindow.h"
 
+#include "brezan/System.h"
 #include "brezan/pictures/DiagramCanvas.h"
 
 #include <cstdint>
 #include <numbers>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -45,6 +47,12 @@ std::vector<std::uint32_t> drawIcon() {
 
 } // namespace
 
+void wantEditorScale(double scale) {
+  std::ostringstream text;
+  text << scale;
+  setEnvironment("QLX_SCALE", text.str());
+}
+
 EditorWindow::EditorWindow(PluginHost& host) : m_host(host) {
   const auto size = host.editorSize();
   if (!size) throw std::runtime_error("the plug-in has no editor");
@@ -55,11 +63,18 @@ EditorWindow::EditorWindow(PluginHost& host) : m_host(host) {
   if (m_window == nullptr) throw std::runtime_error("there is no display to open a window on");
   m_window->setListener(this);
   m_window->show();
+  host.setSizeListener([this](EditorSize wanted) {
+    m_window->resize(wanted.width, wanted.height);
+    return true;
+  });
   if (!host.openEditor(m_window->handle()))
     throw std::runtime_error("the plug-in did not open its editor");
 }
 
-EditorWindow::~EditorWindow() { m_host.closeEditor(); }
+EditorWindow::~EditorWindow() {
+  m_host.setSizeListener({});
+  m_host.closeEditor();
+}
 
 void EditorWindow::idle() {
   m_window->pump();

@@ -8,6 +8,9 @@
 
 namespace qlx::tools {
 
+/// Asks plug-ins that are loaded from now on to open their editors at this scale; 1, 1.5, 2 or 3.
+void wantEditorScale(double scale);
+
 /// A window on the desktop with the plug-in's editor in it. The plug-in outlives it.
 class EditorWindow final : private platform::WindowListener {
  public:

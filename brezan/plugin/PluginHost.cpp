@@ -48,6 +48,11 @@ std::intptr_t PluginHost::answer(sdk::EffectRecord* effect, std::int32_t opcode,
   case HostOpcode::Automate: return tell(HostEdit::Kind::Automate);
   case HostOpcode::BeginEdit: return tell(HostEdit::Kind::Begin);
   case HostOpcode::EndEdit: return tell(HostEdit::Kind::End);
+  case HostOpcode::SizeWindow:
+    return host != nullptr && host->m_sizeListener &&
+                   host->m_sizeListener({index, static_cast<int>(value)})
+               ? 1
+               : 0;
   case HostOpcode::Version: return sdk::kVstVersion;
   case HostOpcode::PinConnected:
     if (host == nullptr || (value != 0 && value != 1)) return 0;
@@ -176,14 +181,12 @@ std::optional<EditorSize> PluginHost::editorSize() {
 }
 
 std::optional<std::vector<std::uint32_t>>
-PluginHost::editorPicture(std::span<const sdk::EditorClick> clicks) {
-  const auto size = editorSize();
-  if (!size) return std::nullopt;
-  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size->width) *
-                                    static_cast<std::size_t>(size->height));
+PluginHost::editorPicture(EditorSize size, std::span<const sdk::EditorClick> clicks) {
+  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size.width) *
+                                    static_cast<std::size_t>(size.height));
   sdk::EditorPicture request{sizeof(sdk::EditorPicture),
-                             size->width,
-                             size->height,
+                             size.width,
+                             size.height,
                              static_cast<std::int32_t>(clicks.size()),
                              clicks.data(),
                              pixels.data()};

@@ -77,13 +77,20 @@ class PluginHost {
 
   /// Nothing when the effect has no editor.
   std::optional<EditorSize> editorSize();
-  /// The editor, drawn by the effect without a display, after left clicks at the given places.
-  /// Opaque pixels 0xFFRRGGBB; nothing when the effect can't do that.
-  std::optional<std::vector<std::uint32_t>> editorPicture(std::span<const sdk::EditorClick> clicks);
+  /// The editor, drawn by the effect without a display at the given size, after left clicks at the
+  /// given places of its smallest size. Opaque pixels 0xFFRRGGBB; nothing when the effect can't do
+  /// that.
+  std::optional<std::vector<std::uint32_t>> editorPicture(EditorSize size,
+                                                          std::span<const sdk::EditorClick> clicks);
   /// Opens the editor in a window of the desktop.
   bool openEditor(std::uintptr_t parentWindow);
   void idleEditor() { call(sdk::EffectOpcode::EditIdle); }
   void closeEditor() { call(sdk::EffectOpcode::EditClose); }
+  /// Is told what size the effect wants its editor's window to have, and answers whether it gets
+  /// it.
+  void setSizeListener(std::function<bool(EditorSize)> listener) {
+    m_sizeListener = std::move(listener);
+  }
   /// Is told of gestures on the thread that they come on.
   void setEditListener(std::function<void(const HostEdit&)> listener) {
     m_editListener = std::move(listener);
@@ -118,6 +125,7 @@ class PluginHost {
   int m_block = 512;
   std::array<int, 2> m_channels{2, 2}; ///< inputs, outputs in use
   std::function<void(const HostEdit&)> m_editListener;
+  std::function<bool(EditorSize)> m_sizeListener;
 };
 
 } // namespace qlx::tools

@@ -72,14 +72,13 @@ void CTextEdit::edited() {
 
 // The caret has moved: it stays in view and shows itself.
 void CTextEdit::moved() {
-  const int room = static_cast<int>(getViewSize().width()) - 1;
   const int caret = penFor(m_box->model.caret());
   const int whole = penFor(m_box->model.characters().size());
-  if (whole <= room) {
+  if (whole <= room()) {
     m_box->scroll = 0;
   } else {
-    m_box->scroll = std::clamp(m_box->scroll, caret - room, caret);
-    m_box->scroll = std::min(m_box->scroll, whole - room);
+    m_box->scroll = std::clamp(m_box->scroll, caret - room(), caret);
+    m_box->scroll = std::min(m_box->scroll, whole - room());
   }
   m_box->caretShown = true;
   m_box->blinkAt = getFrame()->getWindow().now() + kBlink;
@@ -95,6 +94,12 @@ void CTextEdit::onIdle() {
 
 // --- Places ---
 
+// A caret behind the last letter has to have its place, too.
+int CTextEdit::room() const {
+  const double scale = getFrame()->getScale();
+  return static_cast<int>(getViewSize().width() * scale) - static_cast<int>(scale);
+}
+
 int CTextEdit::penFor(std::size_t position) const {
   CTypeface* typeface = getFrame()->getTypeface();
   if (typeface == nullptr) return 0;
@@ -105,12 +110,13 @@ int CTextEdit::penFor(std::size_t position) const {
 }
 
 int CTextEdit::textLeft() const {
-  const int left = CRect::nearest(getViewSize().left);
-  const int room = static_cast<int>(getViewSize().width()) - 1;
+  const double scale = getFrame()->getScale();
+  const int left = CRect::nearest(getViewSize().left * scale);
   const int whole = penFor(m_box->model.characters().size());
-  if (whole > room) return left - m_box->scroll;
-  if (getHoriAlign() == CHoriTxtAlign::kCenterText) return left + (room + 1 - whole) / 2;
-  return getHoriAlign() == CHoriTxtAlign::kRightText ? left + room - whole : left;
+  if (whole > room()) return left - m_box->scroll;
+  if (getHoriAlign() == CHoriTxtAlign::kCenterText)
+    return left + (room() + static_cast<int>(scale) - whole) / 2;
+  return getHoriAlign() == CHoriTxtAlign::kRightText ? left + room() - whole : left;
 }
 
 std::size_t CTextEdit::positionAt(CCoord x) const {
@@ -120,7 +126,7 @@ std::size_t CTextEdit::positionAt(CCoord x) const {
   TextPen pen(*typeface, getFont(), textLeft());
   for (std::size_t i = 0; i < text.size(); ++i) {
     const CTypeface::Glyph glyph = pen.set(text[i]);
-    if (x < pen.start() + glyph.advance / 2.0) return i;
+    if (x * getFrame()->getScale() < pen.start() + glyph.advance / 2.0) return i;
   }
   return text.size();
 }
@@ -132,6 +138,7 @@ void CTextEdit::draw(CDrawContext& context) {
   const CRect& field = getViewSize();
   const TextEditModel& model = m_box->model;
   const int left = textLeft();
+  const double scale = context.getScale();
   drawBack(context);
   context.setFont(getFont());
   context.setFontColor(getFontColor());
@@ -142,16 +149,16 @@ void CTextEdit::draw(CDrawContext& context) {
   const CRect line{field.left, middle - half, field.right, middle + half};
   if (model.hasSelection()) {
     CRect marked = line;
-    marked.left = left + penFor(model.selectionStart());
-    marked.right = left + penFor(model.selectionEnd());
+    marked.left = (left + penFor(model.selectionStart())) / scale;
+    marked.right = (left + penFor(model.selectionEnd())) / scale;
     marked = marked.intersect(field);
     context.fillRect(marked, getFontColor());
     // The text's own colours reversed, which is readable on any skin.
     context.setFontColor(getFontColor().isLight() ? kBlackCColor : kWhiteCColor);
     context.drawStringAt(text, left, marked);
   } else if (m_box->caretShown) {
-    const CCoord caret = left + penFor(model.caret());
-    context.fillRect({caret, line.top, caret + 1.0, line.bottom}, getFontColor());
+    const CCoord caret = (left + penFor(model.caret())) / scale;
+    context.fillRect({caret, line.top, caret + context.getHairline(), line.bottom}, getFontColor());
   }
   setDirty(false);
 }

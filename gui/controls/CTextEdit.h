@@ -57,12 +57,14 @@ class CTextEdit : public CTextLabel {
     explicit Box(std::size_t limit) : model(limit) {}
     TextEditModel model;
     std::string before; ///< the field's text when editing started
-    int scroll = 0;     ///< pixels of the text left of the field
+    int scroll = 0;     ///< pixels of the window's that the text begins left of the field
     bool caretShown = true;
     bool selecting = false;
     std::chrono::milliseconds blinkAt{0};
   };
 
+  // Pens stand at pixels of the window, x is a place in the layout.
+  int room() const;
   int penFor(std::size_t position) const;
   std::size_t positionAt(CCoord x) const;
   int textLeft() const;

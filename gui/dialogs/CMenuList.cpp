@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace qlx::gui {
 
@@ -24,10 +25,10 @@ constexpr CCoord kWidest = 220.0;
 
 CMenuList::CMenuList(COptionMenu& menu, CTypeface* typeface)
     : CView({}), m_menu(menu), m_highlighted(menu.getCurrentIndex()) {
-  int widest = 0;
+  CCoord widest = 0.0;
   for (int i = 0; typeface != nullptr && i < menu.getNbEntries(); ++i)
     widest = std::max(widest, typeface->width(menu.getEntry(i), kFont));
-  m_entryWidth = std::clamp(kCheckWidth + widest + kAfterTitle, kNarrowest, kWidest);
+  m_entryWidth = std::clamp(kCheckWidth + std::ceil(widest) + kAfterTitle, kNarrowest, kWidest);
   const int columns = (menu.getNbEntries() + perColumn() - 1) / perColumn();
   setViewSize({0.0, 0.0, 2.0 * kBorder + columns * m_entryWidth,
                2.0 * kBorder + perColumn() * kEntryHeight});
@@ -65,8 +66,9 @@ void CMenuList::draw(CDrawContext& context) {
   for (int i = 0; i < m_menu.getNbEntries(); ++i) {
     const CRect entry = getEntryRect(i);
     if (i > 0 && i % perColumn() == 0)
-      context.fillRect({entry.left, kBorder, entry.left + 1.0, getViewSize().bottom - kBorder},
-                       kDialogButton);
+      context.fillRect(
+          {entry.left, kBorder, entry.left + context.getHairline(), getViewSize().bottom - kBorder},
+          kDialogButton);
     const bool lit = i == m_highlighted;
     if (lit) context.fillRect(entry, kDialogHighlight);
     const CColor& colour = lit ? kDialogHighlightText : kDialogText;

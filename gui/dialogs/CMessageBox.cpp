@@ -20,8 +20,8 @@ constexpr CCoord kButtonPadding = 24.0;
 constexpr CCoord kNarrowest = 220.0;
 constexpr CCoord kFrameMargin = 20.0; // left of the frame around the largest box
 
-int textWidth(CTypeface* typeface, std::string_view text, const CFontDesc& font) {
-  return typeface == nullptr ? 0 : typeface->width(text, font);
+CCoord textWidth(CTypeface* typeface, std::string_view text, const CFontDesc& font) {
+  return typeface == nullptr ? 0.0 : std::ceil(typeface->width(text, font));
 }
 
 std::vector<std::string> brokenIntoLines(CTypeface* typeface, std::string_view text, CCoord width) {

@@ -54,13 +54,96 @@ std::optional<PixelBuffer> decodeDib(Bytes bytes) {
   return pixels;
 }
 
+bool isPng(Bytes bytes) {
+  return bytes.size() >= kPngSignature.size() &&
+         std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin());
+}
+
 } // namespace
 
-CBitmapRef CBitmap::decode(std::span<const std::uint8_t> bytes) {
-  const bool png = bytes.size() >= kPngSignature.size() &&
-                   std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin());
-  auto pixels = png ? decodePng(bytes) : decodeDib(bytes);
+CBitmap::CBitmap(PixelBuffer pixels)
+    : m_width(pixels.width), m_height(pixels.height), m_plain(std::move(pixels)) {}
+
+CBitmap::CBitmap(Files files, int width, int height)
+    : m_files(std::move(files)), m_width(width), m_height(height) {}
+
+CBitmapRef CBitmap::decode(Bytes bytes) {
+  auto pixels = isPng(bytes) ? decodePng(bytes) : decodeDib(bytes);
   return pixels ? std::make_shared<const CBitmap>(std::move(*pixels)) : nullptr;
+}
+
+CBitmapRef CBitmap::load(Files files) {
+  const Bytes plain = files(1);
+  if (!isPng(plain)) {
+    const auto pixels = decodeDib(plain);
+    if (!pixels) return nullptr;
+    return CBitmapRef(new CBitmap(std::move(files), pixels->width, pixels->height));
+  }
+  const auto parts = partedPngFiles(plain);
+  const auto size = pngSize(parts.front());
+  if (!size || parts.size() > static_cast<std::size_t>(kLargestSide / size->height)) return nullptr;
+  return CBitmapRef(
+      new CBitmap(std::move(files), size->width, size->height * static_cast<int>(parts.size())));
+}
+
+// Without pixels where the files don't fit.
+CBitmap::Pieces CBitmap::piecesOf(int scale) const {
+  const Bytes bytes = m_files == nullptr ? Bytes{} : m_files(scale);
+  const int width = m_width * scale;
+  const int height = m_height * scale;
+  if (bytes.empty()) return {};
+  Pieces pieces{scale, height, {}, {}};
+  if (!isPng(bytes)) {
+    auto pixels = decodeDib(bytes);
+    if (!pixels || pixels->width != width || pixels->height != height) return {};
+    pieces.pixels.push_back(std::move(*pixels));
+    return pieces;
+  }
+  pieces.files = partedPngFiles(bytes);
+  const int count = static_cast<int>(pieces.files.size());
+  pieces.height = height / count;
+  const auto fits = [&](Bytes file) {
+    const auto size = pngSize(file);
+    return size && size->width == width && size->height == pieces.height;
+  };
+  if (pieces.height * count != height || !std::ranges::all_of(pieces.files, fits)) return {};
+  pieces.pixels.resize(pieces.files.size());
+  return pieces;
+}
+
+CBitmap::Pieces CBitmap::enlarged(int scale) const {
+  PixelBuffer large(m_width * scale, m_height * scale);
+  for (int y = 0; y < large.height; ++y) {
+    const std::uint32_t* from = m_files == nullptr ? m_plain.row(y / scale) : row(1, y / scale);
+    std::uint32_t* to = large.row(y);
+    for (int x = 0; x < large.width; ++x) to[x] = from[x / scale];
+  }
+  Pieces pieces{scale, large.height, {}, {}};
+  pieces.pixels.push_back(std::move(large));
+  return pieces;
+}
+
+const std::uint32_t* CBitmap::row(int scale, int y) const {
+  if (m_files == nullptr && scale == 1) return m_plain.row(y);
+  if (m_pieces.scale != scale) {
+    Pieces pieces = piecesOf(scale);
+    if (pieces.pixels.empty() && scale > 1) pieces = enlarged(scale);
+    if (pieces.pixels.empty()) pieces = {scale, m_height, {}, {PixelBuffer(m_width, m_height)}};
+    m_pieces = std::move(pieces);
+  }
+  const auto index = static_cast<std::size_t>(y / m_pieces.height);
+  PixelBuffer& piece = m_pieces.pixels[index];
+  if (piece.pixels.empty()) {
+    auto pixels = decodePng(m_pieces.files[index]);
+    piece = pixels ? std::move(*pixels) : PixelBuffer(m_width * scale, m_pieces.height);
+  }
+  return piece.row(y % m_pieces.height);
+}
+
+PixelBuffer CBitmap::pixels(int scale) const {
+  PixelBuffer all(m_width * scale, m_height * scale);
+  for (int y = 0; y < all.height; ++y) std::copy_n(row(scale, y), all.width, all.row(y));
+  return all;
 }
 
 } // namespace qlx::gui

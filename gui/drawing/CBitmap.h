@@ -3,27 +3,63 @@
 
 #include "gui/drawing/PixelBuffer.h"
 
+#include <functional>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace qlx::gui {
 
-/// A picture that several controls share; it never changes. A strip is a bitmap of frames of equal
-/// height, frame 0 at the top.
+/// A picture that several controls share; what it shows never changes. A strip is a bitmap of
+/// frames of equal height, frame 0 at the top. Its size is that of the layout; it may be drawn from
+/// files that are two or three times as large. User-interface thread only.
 class CBitmap {
  public:
-  explicit CBitmap(PixelBuffer pixels) : m_pixels(std::move(pixels)) {}
+  /// The bytes of the picture's file at so many times its size (1, 2 or 3), which stay where they
+  /// are; none when there is no such file.
+  using Files = std::function<std::span<const std::uint8_t>(int scale)>;
+
+  explicit CBitmap(PixelBuffer pixels);
 
   /// Decodes a PNG file held in memory, or a device-independent bitmap of 24 or 32 uncompressed
   /// bits with or without its file header. Null when the bytes are neither.
   static std::shared_ptr<const CBitmap> decode(std::span<const std::uint8_t> bytes);
 
-  int width() const { return m_pixels.width; }
-  int height() const { return m_pixels.height; }
-  const PixelBuffer& pixels() const { return m_pixels; }
+  /// A picture that is decoded when it is drawn, at the scale and as far as it is drawn then. Its
+  /// files are those that decode() takes, or several PNG files of one size behind each other, which
+  /// stand below each other in the picture: of a strip, only what is shown is decoded. A larger
+  /// size without a file is made of the plain one by repeating pixels. Null without a plain file.
+  static std::shared_ptr<const CBitmap> load(Files files);
+
+  int width() const { return m_width; }
+  int height() const { return m_height; }
+
+  /// Row `y` of the picture `scale` times as large, width() x scale pixels; y in 0..height() x
+  /// scale - 1. Good until a row of another scale is asked for. What can't be decoded is
+  /// transparent.
+  const std::uint32_t* row(int scale, int y) const;
+
+  /// All of the picture.
+  PixelBuffer pixels(int scale = 1) const;
 
  private:
-  PixelBuffer m_pixels;
+  /// The picture at one scale: pieces of equal height from the top.
+  struct Pieces {
+    int scale = 0;
+    int height = 0;
+    std::vector<std::span<const std::uint8_t>> files; ///< none where it was decoded at once
+    std::vector<PixelBuffer> pixels;                  ///< empty ones aren't decoded yet
+  };
+
+  CBitmap(Files files, int width, int height);
+  Pieces piecesOf(int scale) const;
+  Pieces enlarged(int scale) const;
+
+  Files m_files;
+  int m_width;
+  int m_height;
+  PixelBuffer m_plain; ///< of a picture without files
+  mutable Pieces m_pieces;
 };
 
 using CBitmapRef = std::shared_ptr<const CBitmap>;

@@ -11,15 +11,15 @@ namespace qlx::gui {
 /// the screen.
 class COffscreenContext {
  public:
-  COffscreenContext(int width, int height)
-      : m_pixels(width, height), m_context(m_pixels, nullptr) {}
+  /// `scale` is the artwork's of the context that the surface is copied to.
+  explicit COffscreenContext(int width, int height, int scale = 1)
+      : m_pixels(width * scale, height * scale), m_context(m_pixels, nullptr, scale) {}
 
   /// Drawing goes here.
   CDrawContext& context() { return m_context; }
   /// Transparent again.
   void clear() { std::ranges::fill(m_pixels.pixels, 0U); }
-  int width() const { return m_pixels.width; }
-  int height() const { return m_pixels.height; }
+  int scale() const { return m_context.getArtworkScale(); }
 
   /// Draws the surface over `target`, its pixel (sourceOffset) at the corner of `where`, as much as
   /// fits into `where`.

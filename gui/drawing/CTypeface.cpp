@@ -3,6 +3,7 @@
 
 #include "gui/drawing/Utf8.h"
 
+#include <cmath>
 #include <cstring>
 #include <optional>
 
@@ -36,23 +37,49 @@ bool isOfThisForm(const PackHead& head, std::size_t bytesBehind) {
          std::ranges::equal(head.sizes, kGlyphSizes, {}, &PackedSize::pixels);
 }
 
-} // namespace
+int enlarged(int pixels, double factor) { return static_cast<int>(std::lround(pixels * factor)); }
 
-CTypeface::CTypeface(Bytes pack, const PackHead& head) : m_pack(pack), m_head(head) {}
-
-std::shared_ptr<CTypeface> CTypeface::create(Bytes pack) {
-  if (pack.size() < sizeof(PackHead)) return nullptr;
-  const auto head = readAt<PackHead>(pack, 0);
-  if (!isOfThisForm(head, pack.size() - sizeof head)) return nullptr;
-  return std::shared_ptr<CTypeface>(new CTypeface(pack, head));
+void enlarge(CTypeface::Glyph& glyph, double factor) {
+  glyph.left = enlarged(glyph.left, factor);
+  glyph.top = enlarged(glyph.top, factor);
+  glyph.advance = enlarged(glyph.advance, factor);
+  // So that its last pixel is still one of the small picture.
+  glyph.width = static_cast<int>(glyph.width * factor);
+  glyph.height = static_cast<int>(glyph.height * factor);
+  glyph.enlarged = factor;
 }
 
-CTypeface::Glyph CTypeface::glyph(char32_t character, const CFontDesc& font) const {
+} // namespace
+
+std::optional<CTypeface::Pack> CTypeface::opened(Bytes bytes) {
+  if (bytes.size() < sizeof(PackHead)) return std::nullopt;
+  const auto head = readAt<PackHead>(bytes, 0);
+  if (!isOfThisForm(head, bytes.size() - sizeof head)) return std::nullopt;
+  return Pack{bytes, head};
+}
+
+std::shared_ptr<CTypeface> CTypeface::create(std::span<const Bytes> packs) {
+  std::shared_ptr<CTypeface> typeface(new CTypeface);
+  for (std::size_t i = 0; i < std::min(packs.size(), kWindowScales.size()); ++i)
+    typeface->m_packs[i] = opened(packs[i]);
+  return typeface->m_packs.front() ? typeface : nullptr;
+}
+
+std::shared_ptr<CTypeface> CTypeface::atScale(double scale) const {
+  std::shared_ptr<CTypeface> typeface(new CTypeface(*this));
+  typeface->m_scale = scale;
+  typeface->m_index =
+      static_cast<std::size_t>(std::ranges::find(kWindowScales, scale) - kWindowScales.begin());
+  return typeface;
+}
+
+std::optional<CTypeface::Glyph> CTypeface::Pack::glyph(char32_t character,
+                                                       const CFontDesc& font) const {
   const auto characterAt = [&](std::size_t index) {
-    return readAt<std::uint32_t>(m_pack, sizeof(PackHead) + index * kCharacterBytes);
+    return readAt<std::uint32_t>(bytes, sizeof(PackHead) + index * kCharacterBytes);
   };
   std::size_t low = 0;
-  std::size_t high = m_head.glyphs;
+  std::size_t high = head.glyphs;
   while (low < high) {
     const std::size_t middle = (low + high) / 2;
     if (characterAt(middle) < character)
@@ -60,30 +87,45 @@ CTypeface::Glyph CTypeface::glyph(char32_t character, const CFontDesc& font) con
     else
       high = middle;
   }
-  const std::size_t index = low < m_head.glyphs && characterAt(low) == character ? low : 0;
-  const std::size_t row = sizeIndex(font) * m_head.glyphs + index;
-  const auto packed = readAt<PackedGlyph>(
-      m_pack, sizeof(PackHead) + m_head.glyphs * kCharacterBytes + row * sizeof(PackedGlyph));
+  if (low >= head.glyphs || characterAt(low) != character) return std::nullopt;
+  const std::size_t row = sizeIndex(font) * head.glyphs + low;
+  const auto packed = readAt<PackedGlyph>(bytes, sizeof(PackHead) + head.glyphs * kCharacterBytes +
+                                                     row * sizeof(PackedGlyph));
   Glyph glyph{packed.left,      packed.top,        0, 0, packed.advance,
               packed.leftShift, packed.rightShift, {}};
   const std::size_t length = std::size_t{packed.width} * packed.height;
-  if (packed.coverage <= m_pack.size() && length <= m_pack.size() - packed.coverage) {
+  if (packed.coverage <= bytes.size() && length <= bytes.size() - packed.coverage) {
     glyph.width = packed.width;
     glyph.height = packed.height;
-    glyph.coverage = m_pack.subspan(packed.coverage, length);
+    glyph.coverage = bytes.subspan(packed.coverage, length);
   }
   return glyph;
 }
 
-CTypeface::Metrics CTypeface::metrics(const CFontDesc& font) const {
-  const PackedSize& size = m_head.sizes[sizeIndex(font)];
-  return {size.ascent, size.descent};
+CTypeface::Glyph CTypeface::glyph(char32_t character, const CFontDesc& font) const {
+  if (m_packs[m_index]) {
+    if (const auto found = m_packs[m_index]->glyph(character, font)) return *found;
+  }
+  const Pack& plain = *m_packs.front();
+  auto found = plain.glyph(character, font);
+  if (!found && m_index > 0 && character != 0) return glyph(0, font);
+  Glyph glyph = found ? *found : plain.glyph(0, font).value_or(Glyph{});
+  if (m_index > 0) enlarge(glyph, m_scale);
+  return glyph;
 }
 
-int CTypeface::width(std::string_view text, const CFontDesc& font) const {
+CTypeface::Metrics CTypeface::metrics(const CFontDesc& font) const {
+  const bool drawn = m_packs[m_index].has_value();
+  const PackedSize& size =
+      (drawn ? *m_packs[m_index] : *m_packs.front()).head.sizes[sizeIndex(font)];
+  if (drawn) return {size.ascent, size.descent};
+  return {enlarged(size.ascent, m_scale), enlarged(size.descent, m_scale)};
+}
+
+CCoord CTypeface::width(std::string_view text, const CFontDesc& font) const {
   TextPen pen(*this, font, 0);
   while (!text.empty()) pen.set(takeUtf8(text));
-  return pen.end();
+  return pen.end() / m_scale;
 }
 
 CTypeface::Glyph TextPen::set(char32_t character) {

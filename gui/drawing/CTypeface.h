@@ -3,20 +3,22 @@
 
 #include "gui/CPoint.h"
 #include "gui/drawing/GlyphPack.h"
+#include "gui/drawing/WindowScale.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string_view>
 
 namespace qlx::gui {
 
-/// A size, in pixels of the em square, of the toolkit's one family, "Arial" (served by the typeface
-/// that the frame got). Only the sizes of kGlyphSizes exist; a constant of another size does
-/// not compile.
+/// A size, in the layout's pixels of the em square, of the toolkit's one family, "Arial" (served by
+/// the typeface that the frame got). Only the sizes of kGlyphSizes exist; a constant of another
+/// size does not compile.
 struct CFontDesc {
   constexpr explicit CFontDesc(CCoord pixels) : size(pixels) {
     if (std::ranges::find(kGlyphSizes, pixels) == kGlyphSizes.end())
@@ -31,12 +33,12 @@ struct CFontDesc {
 /// The toolkit's standard small font.
 inline constexpr CFontDesc kNormalFontSmall{9.0};
 
-/// One font, drawn while building and hinted to whole pixels, so that a text looks the same on
-/// every machine. Any thread.
+/// One font, drawn while building for each of kWindowScales and hinted to whole pixels, so that a
+/// text looks the same on every machine. Any thread.
 class CTypeface {
  public:
-  /// One glyph's picture: coverage bytes, `width` a row, placed by left and top relative to pen and
-  /// baseline.
+  /// One glyph's picture: width x height pixels, placed by left and top relative to pen and
+  /// baseline. All in pixels of the window.
   struct Glyph {
     int left = 0;
     int top = 0; ///< rows above the baseline
@@ -46,37 +48,66 @@ class CTypeface {
     /// How far hinting moved the left and the right edge, in 64ths of a pixel (see TextPen).
     int leftShift = 0;
     int rightShift = 0;
-    std::span<const std::uint8_t> coverage;
+    std::span<const std::uint8_t> coverage; ///< bytes, as many a row as it is wide
+    double enlarged = 1.0; ///< what there is of a glyph drawn for a smaller window only
+
+    std::uint8_t coverageAt(int x, int y) const {
+      if (enlarged == 1.0) return coverage[static_cast<std::size_t>(y * width + x)];
+      const auto at = [this](int place) { return static_cast<int>(place / enlarged); };
+      const int rowBytes = at(width - 1) + 1;
+      return coverage[static_cast<std::size_t>(at(y) * rowBytes + at(x))];
+    }
   };
 
-  /// Heights above and below the baseline, whole pixels.
+  /// Heights above and below the baseline, whole pixels of the window.
   struct Metrics {
     int ascent = 0;
     int descent = 0;
   };
 
-  /// `pack` is of the form that GlyphPack.h describes and stays where it is as long as the typeface
-  /// lives. Null when it is not of that form. Whatever its bytes, nothing outside is read.
-  static std::shared_ptr<CTypeface> create(std::span<const std::uint8_t> pack);
+  /// The typeface for a window of scale 1. `packs` are for the scales in the order of
+  /// kWindowScales, of the form that GlyphPack.h describes, and stay where they are as long as a
+  /// typeface made of them lives. Null when the first is not of that form; the others may be
+  /// missing. Whatever their bytes, nothing outside is read.
+  static std::shared_ptr<CTypeface> create(std::span<const std::span<const std::uint8_t>> packs);
+  static std::shared_ptr<CTypeface> create(std::span<const std::uint8_t> pack) {
+    return create(std::span(&pack, 1));
+  }
+
+  /// The same for a window of another scale.
+  std::shared_ptr<CTypeface> atScale(double scale) const;
+  double scale() const { return m_scale; }
 
   /// The glyph of a character; the font's box for missing ones, an empty picture for damaged ones.
+  /// One that the scale's pack lacks is enlarged from scale 1.
   Glyph glyph(char32_t character, const CFontDesc& font) const;
 
   Metrics metrics(const CFontDesc& font) const;
 
-  /// The advance of a text (UTF-8) in whole pixels.
-  int width(std::string_view text, const CFontDesc& font) const;
+  /// The advance of a text (UTF-8), in the layout's pixels.
+  CCoord width(std::string_view text, const CFontDesc& font) const;
 
  private:
-  CTypeface(std::span<const std::uint8_t> pack, const PackHead& head);
+  /// The glyphs for one scale.
+  struct Pack {
+    std::span<const std::uint8_t> bytes;
+    PackHead head{};
 
-  std::span<const std::uint8_t> m_pack;
-  PackHead m_head;
+    /// Nothing where the character isn't in it.
+    std::optional<Glyph> glyph(char32_t character, const CFontDesc& font) const;
+  };
+
+  CTypeface() = default;
+  static std::optional<Pack> opened(std::span<const std::uint8_t> bytes);
+
+  std::array<std::optional<Pack>, kWindowScales.size()> m_packs{};
+  double m_scale = 1.0;
+  std::size_t m_index = 0; ///< of the scale
 };
 
-/// Sets the glyphs of a line one after the other. Hinting moves a glyph's edges to whole pixels;
-/// where that makes the gap between two neighbours wider or narrower by more than half a pixel, the
-/// second one stands a pixel nearer, if they do not touch then, or farther.
+/// Sets the glyphs of a line one after the other, in pixels of the window. Hinting moves a glyph's
+/// edges to whole pixels; where that makes the gap between two neighbours wider or narrower by more
+/// than half a pixel, the second one stands a pixel nearer, if they do not touch then, or farther.
 class TextPen {
  public:
   /// `typeface` outlives the pen.

@@ -5,7 +5,8 @@
 #include <bit>
 #include <cstdint>
 
-/// The form of the glyph pack, which resources/glyphs writes while building and CTypeface reads:
+/// The form of a glyph pack, which resources/glyphs writes while building for each of kWindowScales
+/// and CTypeface reads:
 ///   PackHead
 ///   std::uint32_t[glyphs]                 characters, ascending; the first is 0
 ///   PackedGlyph[kGlyphSizes][glyphs]      for each size the glyphs in the order of the characters
@@ -15,14 +16,14 @@ namespace qlx::gui {
 
 static_assert(std::endian::native == std::endian::little);
 
-/// Every size that texts are drawn in, ascending: pixels of the em square.
+/// Every size that texts are drawn in, ascending: the layout's pixels of the em square.
 inline constexpr std::array<std::uint8_t, 5> kGlyphSizes{9, 10, 11, 12, 13};
 
 inline constexpr std::array<char, 4> kPackTag{'Q', 'L', 'X', 'G'};
 
-/// Heights above and below the baseline in whole pixels.
+/// Heights above and below the baseline in whole pixels of the window.
 struct PackedSize {
-  std::uint8_t pixels;
+  std::uint8_t pixels; ///< of kGlyphSizes
   std::uint8_t ascent;
   std::uint8_t descent;
   std::uint8_t unused;

@@ -27,4 +27,23 @@ constexpr std::uint32_t over(std::uint32_t above, std::uint32_t below) {
   return above + scaled(below, kFull - (above >> 24));
 }
 
+/// The mean of up to four pixels, those left out transparent.
+class QuarteredPixels {
+ public:
+  void clear() { m_redBlue = m_alphaGreen = 0; }
+  void add(std::uint32_t pixel) {
+    m_redBlue += pixel & 0x00FF00FFU;
+    m_alphaGreen += (pixel >> 8) & 0x00FF00FFU;
+  }
+  std::uint32_t mean() const { return quarter(m_redBlue) | (quarter(m_alphaGreen) << 8); }
+
+ private:
+  static std::uint32_t quarter(std::uint32_t pair) {
+    return ((pair + 0x00020002U) >> 2) & 0x00FF00FFU;
+  }
+
+  std::uint32_t m_redBlue = 0;
+  std::uint32_t m_alphaGreen = 0;
+};
+
 } // namespace qlx::gui

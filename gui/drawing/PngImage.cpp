@@ -35,6 +35,8 @@ constexpr std::size_t kChannels = 4;
 // red, green, blue and alpha, the only compression, the only filters, no interlace.
 constexpr std::array<std::uint8_t, 16> kBeginning{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
                                                   0,    0,   0,   13,  'I',  'H',  'D',  'R'};
+constexpr std::size_t kSignatureBytes = 8;
+constexpr std::size_t kAroundChunk = 12; // length, name and checksum
 constexpr std::size_t kWidthPlace = 16;
 constexpr std::size_t kHeightPlace = 20;
 constexpr std::array<std::uint8_t, 5> kKind{8, 6, 0, 0, 0};
@@ -53,14 +55,13 @@ std::size_t bigEndian(Bytes bytes) {
 /// before it looks whether the file is that long, and copies image data of no bytes to no memory.
 bool chunksCanBeTaken(Bytes file) {
   constexpr std::array<std::uint8_t, 4> kImageData{'I', 'D', 'A', 'T'};
-  constexpr std::size_t kAround = 12;
-  std::size_t place = 8; // behind the signature
+  std::size_t place = kSignatureBytes;
   while (place < file.size()) {
-    if (file.size() - place < kAround) return false;
+    if (file.size() - place < kAroundChunk) return false;
     const std::size_t length = bigEndian(file.subspan(place, 4));
-    if (length > file.size() - place - kAround) return false;
+    if (length > file.size() - place - kAroundChunk) return false;
     if (length == 0 && std::ranges::equal(file.subspan(place + 4, 4), kImageData)) return false;
-    place += kAround + length;
+    place += kAroundChunk + length;
   }
   return true;
 }
@@ -78,6 +79,30 @@ bool canBeDecoded(Bytes file) {
 }
 
 } // namespace
+
+std::optional<PngSize> pngSize(Bytes file) {
+  if (!canBeDecoded(file)) return std::nullopt;
+  return PngSize{static_cast<int>(bigEndian(file.subspan(kWidthPlace, 4))),
+                 static_cast<int>(bigEndian(file.subspan(kHeightPlace, 4)))};
+}
+
+std::vector<Bytes> partedPngFiles(Bytes bytes) {
+  constexpr std::array<std::uint8_t, 4> kImageEnd{'I', 'E', 'N', 'D'};
+  std::vector<Bytes> files;
+  std::size_t place = kSignatureBytes;
+  while (place < bytes.size() && bytes.size() - place >= kAroundChunk) {
+    const std::size_t length = bigEndian(bytes.subspan(place, 4));
+    if (length > bytes.size() - place - kAroundChunk) break;
+    const bool last = std::ranges::equal(bytes.subspan(place + 4, 4), kImageEnd);
+    place += kAroundChunk + length;
+    if (!last || place == bytes.size()) continue;
+    files.push_back(bytes.first(place));
+    bytes = bytes.subspan(place);
+    place = kSignatureBytes;
+  }
+  if (!bytes.empty()) files.push_back(bytes);
+  return files;
+}
 
 std::optional<PixelBuffer> decodePng(Bytes file) {
   if (!canBeDecoded(file)) return std::nullopt;

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace qlx::gui {
 
@@ -12,5 +13,18 @@ namespace qlx::gui {
 /// and alpha, not interlaced, both sides at most 32767. Nothing for other or broken files;
 /// checksums are not looked at. Any thread.
 std::optional<PixelBuffer> decodePng(std::span<const std::uint8_t> file);
+
+struct PngSize {
+  int width;
+  int height;
+};
+
+/// The size that such a file announces. Nothing for files that decodePng refuses without looking at
+/// the image data.
+std::optional<PngSize> pngSize(std::span<const std::uint8_t> file);
+
+/// Parts PNG files that follow each other in `bytes`. What follows no complete file is one of its
+/// own.
+std::vector<std::span<const std::uint8_t>> partedPngFiles(std::span<const std::uint8_t> bytes);
 
 } // namespace qlx::gui

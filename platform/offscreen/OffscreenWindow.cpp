@@ -38,6 +38,13 @@ void OffscreenWindow::present(const PixelView& picture, std::span<const PixelRec
   }
 }
 
+void OffscreenWindow::resize(int width, int height) {
+  m_width = width;
+  m_height = height;
+  m_pixels.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0U);
+  m_place = {m_place.left, m_place.top, m_place.left + width, m_place.top + height};
+}
+
 void OffscreenWindow::takeFocus() { m_focused = m_open; }
 void OffscreenWindow::giveFocusBack() { m_focused = false; }
 

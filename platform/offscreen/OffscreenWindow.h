@@ -30,6 +30,7 @@ class OffscreenWindow final : public NativeWindow {
   void giveFocusBack() override;
   void setPointerShape(PointerShape shape) override { m_pointerShape = shape; }
   std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) override;
+  void resize(int width, int height) override;
   PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
   void requestText(Selection selection) override;

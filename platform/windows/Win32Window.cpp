@@ -73,6 +73,7 @@ WindowPicture::~WindowPicture() {
 }
 
 void WindowPicture::copy(const PixelView& picture, const PixelRect& area) {
+  if (!isGood()) return;
   GdiFlush(); // it may still be painting from these pixels
   for (int y = area.top; y < area.bottom; ++y) {
     const auto row = static_cast<std::ptrdiff_t>(y) * picture.width;
@@ -85,10 +86,10 @@ void WindowPicture::copy(const PixelView& picture, const PixelRect& area) {
 
 Win32Window::Win32Window(Win32Window* owner, int width, int height)
     : m_owner(owner), m_width(width), m_height(height), m_place{0, 0, width, height},
-      m_picture(width, height), m_cursor(cursorOf(PointerShape::kArrow)) {}
+      m_picture(std::in_place, width, height), m_cursor(cursorOf(PointerShape::kArrow)) {}
 
 bool Win32Window::create(const Manner& manner, RECT outside) {
-  if (!m_picture.isGood()) return false;
+  if (!m_picture->isGood()) return false;
   CreateWindowExW(manner.extendedStyle, m_class.name(), manner.title, manner.style, outside.left,
                   outside.top, outside.right - outside.left, outside.bottom - outside.top,
                   manner.parent, nullptr, ownModule(), this);
@@ -152,7 +153,7 @@ void Win32Window::present(const PixelView& picture, std::span<const PixelRect> a
   for (const PixelRect& wanted : areas) {
     const PixelRect area = intersection(wanted, all);
     if (area.empty()) continue;
-    m_picture.copy(picture, area);
+    m_picture->copy(picture, area);
     const RECT dirty{area.left, area.top, area.right, area.bottom};
     InvalidateRect(m_window, &dirty, FALSE);
   }
@@ -164,11 +165,24 @@ void Win32Window::paint() {
   const HDC to = BeginPaint(m_window, &paint);
   const RECT& area = paint.rcPaint;
   BitBlt(to, area.left, area.top, area.right - area.left, area.bottom - area.top,
-         m_picture.context(), area.left, area.top, SRCCOPY);
+         m_picture->context(), area.left, area.top, SRCCOPY);
   EndPaint(m_window, &paint);
 }
 
 void Win32Window::show() { ShowWindow(m_window, m_owner != nullptr ? SW_SHOWNOACTIVATE : SW_SHOW); }
+
+void Win32Window::resize(int width, int height) {
+  m_width = width;
+  m_height = height;
+  m_place = {m_place.left, m_place.top, m_place.left + width, m_place.top + height};
+  m_picture.emplace(width, height);
+  if (!isOpen()) return;
+  RECT outside{0, 0, width, height};
+  AdjustWindowRectEx(&outside, static_cast<DWORD>(GetWindowLongW(m_window, GWL_STYLE)), FALSE,
+                     static_cast<DWORD>(GetWindowLongW(m_window, GWL_EXSTYLE)));
+  SetWindowPos(m_window, nullptr, 0, 0, outside.right - outside.left, outside.bottom - outside.top,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
 
 void Win32Window::setPointerShape(PointerShape shape) {
   const HCURSOR cursor = cursorOf(shape);

@@ -64,6 +64,7 @@ class Win32Window final : public NativeWindow {
   void giveFocusBack() override;
   void setPointerShape(PointerShape shape) override;
   std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) override;
+  void resize(int width, int height) override;
   PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
   void requestText(Selection selection) override;
@@ -112,7 +113,7 @@ class Win32Window final : public NativeWindow {
   int m_width;
   int m_height;
   PixelRect m_place;
-  WindowPicture m_picture;
+  std::optional<WindowPicture> m_picture;
   HWND m_window = nullptr; ///< null when it has gone
   HWND m_focusBefore = nullptr;
   HCURSOR m_cursor;

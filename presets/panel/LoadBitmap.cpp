@@ -8,8 +8,11 @@
 namespace qlx::presets {
 
 gui::CBitmapRef loadBitmap(int number) {
-  const std::span<const std::byte> file = resources::findImage(number);
-  return gui::CBitmap::decode({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()});
+  return gui::CBitmap::load([number](int scale) -> std::span<const std::uint8_t> {
+    if (scale != 1) return {};
+    const std::span<const std::byte> file = resources::findImage(number);
+    return {reinterpret_cast<const std::uint8_t*>(file.data()), file.size()};
+  });
 }
 
 } // namespace qlx::presets

@@ -6,8 +6,8 @@
 
 namespace qlx::presets {
 
-/// Decodes an image of the editor by its resource number; null when there is none. Each call makes
-/// a new bitmap.
+/// An image of the editor by its resource number; null when there is none. Each call makes a new
+/// bitmap.
 gui::CBitmapRef loadBitmap(int number);
 
 /// The height of one frame of a strip; 0 without one.

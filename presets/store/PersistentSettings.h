@@ -20,12 +20,16 @@ struct FileLocations {
 /// The images that outlive the host's project.
 enum class StoredImage { DefaultBank, DefaultPreset, MemoA, MemoB };
 
-/// What this program keeps per user: default bank and preset, the two memories, file locations and
-/// the manual's place. Failures are silent, as the store's are. For the user-interface thread.
+/// What this program keeps per user: default bank and preset, the two memories, file locations,
+/// the window's size and the manual's place. Failures are silent, as the store's are. For the
+/// user-interface thread.
 class PersistentSettings {
  public:
   /// Name of the text that says where the manual is; the installation writes it.
   static constexpr std::string_view kManualPath = "ManualPath";
+
+  /// Name of the text that says how large the window is, for example "1.5".
+  static constexpr std::string_view kScale = "Scale";
 
   explicit PersistentSettings(std::shared_ptr<platform::SettingsStore> store)
       : m_store(std::move(store)) {}
@@ -39,6 +43,10 @@ class PersistentSettings {
   /// Texts are cut to 256 bytes between two characters. A value that is stored already isn't
   /// written again.
   void writeLocations(const FileLocations& locations);
+
+  /// How large the user wants the window, as it was written; empty when nobody has chosen.
+  std::string readScale() const { return m_store->readText(kScale); }
+  void writeScale(std::string_view scale) { m_store->writeText(kScale, scale); }
 
   /// Full path of the user manual as set; empty when nobody has set it. Never written here.
   std::string manualPath() const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
-// Draws all glyphs of a font in the sizes of gui/drawing/GlyphPack.h: generate_glyphs FONT PACK
+// Draws the glyphs of a font in the sizes of gui/drawing/GlyphPack.h for a window of one scale:
+// generate_glyphs FONT PACK SCALE
 
 #include "gui/drawing/GlyphPack.h"
 
@@ -28,6 +29,17 @@ constexpr FT_F26Dot6 kUnitsPerPixel = 64;
 // The automatic hinter puts the stems of small text on whole pixels; the font's own instructions
 // and the light hinter move heights only and leave most stems as two grey columns.
 constexpr FT_Int32 kLoading = FT_LOAD_RENDER | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL;
+
+/// What windows larger than the layout have glyphs of their own for: Latin, Greek and Cyrillic
+/// letters, punctuation and currencies. Pictures of all the font's characters in those sizes would
+/// be seven megabytes.
+bool isCommon(std::uint32_t character) {
+  const auto in = [character](std::uint32_t first, std::uint32_t last) {
+    return character >= first && character <= last;
+  };
+  return in(0, 0x17F) || in(0x386, 0x3CE) || in(0x401, 0x45F) || in(0x2010, 0x2044) ||
+         character == 0x20AC || character == 0x2122 || character == 0xFFFD;
+}
 
 template <typename Field>
 Field fitted(long value) {
@@ -68,8 +80,9 @@ class Font {
     return all;
   }
 
-  PackedSize select(std::uint8_t pixels) {
-    require(FT_Set_Char_Size(m_face, 0, pixels * kUnitsPerPixel, 72, 72), "select a size");
+  PackedSize select(std::uint8_t pixels, double scale) {
+    const long units = std::lround(pixels * scale * kUnitsPerPixel);
+    require(FT_Set_Char_Size(m_face, 0, units, 72, 72), "select a size");
     const FT_Size_Metrics& metrics = m_face->size->metrics;
     return {pixels, fitted<std::uint8_t>(wholePixels(metrics.ascender)),
             fitted<std::uint8_t>(wholePixels(-metrics.descender)), 0};
@@ -101,8 +114,9 @@ void append(std::string& bytes, std::span<const Value> values) {
   bytes.append(reinterpret_cast<const char*>(values.data()), values.size_bytes());
 }
 
-std::string makePack(Font& font) {
-  const std::vector<std::uint32_t> characters = font.characters();
+std::string makePack(Font& font, double scale) {
+  std::vector<std::uint32_t> characters = font.characters();
+  if (scale > 1.0) std::erase_if(characters, [](std::uint32_t c) { return !isCommon(c); });
   PackHead head{kPackTag, fitted<std::uint32_t>(static_cast<long>(characters.size())), {}};
   const std::size_t pictures =
       sizeof head +
@@ -111,7 +125,7 @@ std::string makePack(Font& font) {
   std::string coverage;
   std::map<std::string, std::size_t> places; // equal pictures are kept once
   for (std::size_t size = 0; size < kGlyphSizes.size(); ++size) {
-    head.sizes[size] = font.select(kGlyphSizes[size]);
+    head.sizes[size] = font.select(kGlyphSizes[size], scale);
     for (const std::uint32_t character : characters) {
       const FT_GlyphSlot slot = font.draw(character);
       const std::string picture = coverageOf(slot->bitmap);
@@ -135,13 +149,13 @@ std::string makePack(Font& font) {
 } // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: generate_glyphs FONT PACK\n";
+  if (argc != 4) {
+    std::cerr << "usage: generate_glyphs FONT PACK SCALE\n";
     return 2;
   }
   try {
     Font font(argv[1]);
-    const std::string pack = makePack(font);
+    const std::string pack = makePack(font, std::stod(argv[3]));
     std::ofstream file(argv[2], std::ios::binary);
     file.write(pack.data(), static_cast<std::streamsize>(pack.size()));
     file.close();

@@ -14,7 +14,8 @@ namespace qlx::resources {
 std::span<const std::byte> findImage(int number);
 
 /// The glyphs of the editor's text, a sans serif with the metrics of Arial, in the form that
-/// gui/drawing/GlyphPack.h describes.
-std::span<const std::byte> editorGlyphs();
+/// gui/drawing/GlyphPack.h describes, for a window of the scale of this index in
+/// gui/drawing/WindowScale.h. Empty behind the last.
+std::span<const std::byte> editorGlyphs(std::size_t scale = 0);
 
 } // namespace qlx::resources

@@ -34,7 +34,7 @@ Picture embedded(int number) {
   Picture picture(bitmap->width(), bitmap->height());
   for (int y = 0; y < picture.height(); ++y) {
     for (int x = 0; x < picture.width(); ++x) {
-      const std::uint32_t word = bitmap->pixels().row(y)[x];
+      const std::uint32_t word = bitmap->row(1, y)[x];
       for (std::size_t c = 0; c < 4; ++c) {
         picture.at(x, y)[c] = static_cast<std::uint8_t>(word >> (c == 3 ? 24 : 16 - 8 * c));
       }
@@ -95,9 +95,8 @@ TEST_P(Images, AreReadByTheEditorAsByLibpng) {
     for (int x = 0; x < picture.width(); ++x) {
       const Picture::Pixel& p = picture.at(x, y);
       const auto multiplied = [&p](std::size_t c) { return (p[c] * p[3] * 2U + 255U) / 510U; };
-      ASSERT_EQ(bitmap->pixels().row(y)[x], static_cast<std::uint32_t>(p[3]) << 24 |
-                                                multiplied(0) << 16 | multiplied(1) << 8 |
-                                                multiplied(2))
+      ASSERT_EQ(bitmap->row(1, y)[x], static_cast<std::uint32_t>(p[3]) << 24 | multiplied(0) << 16 |
+                                          multiplied(1) << 8 | multiplied(2))
           << x << ", " << y;
     }
   }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <charconv>
 #include <ctime>
 #include <string_view>
 
@@ -158,6 +159,32 @@ xcb_cursor_t X11Connection::cursor(PointerShape shape) {
                           0xFFFF);
   xcb_close_font(m_xcb, font);
   return cursor;
+}
+
+// The resources are lines of "name:<tab>value".
+std::optional<double> X11Connection::scale() const {
+  constexpr std::string_view kName = "Xft.dpi:";
+  constexpr double kPlainDpi = 96.0;
+  constexpr std::uint32_t kMostWords = 1U << 16;
+  const BrokenPipeGuard guard;
+  const Reply<xcb_get_property_reply_t> reply(
+      xcb_get_property_reply(m_xcb,
+                             xcb_get_property(m_xcb, 0, m_screen->root, XCB_ATOM_RESOURCE_MANAGER,
+                                              XCB_ATOM_STRING, 0, kMostWords),
+                             nullptr));
+  if (reply == nullptr || reply->format != 8) return std::nullopt;
+  std::string_view rest(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                        static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+  while (!rest.empty()) {
+    std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (!line.starts_with(kName)) continue;
+    line.remove_prefix(std::min(line.find_first_not_of(" \t", kName.size()), line.size()));
+    double dpi = 0.0;
+    const auto read = std::from_chars(line.data(), line.data() + line.size(), dpi);
+    if (read.ec == std::errc() && dpi > 0.0) return dpi / kPlainDpi;
+  }
+  return std::nullopt;
 }
 
 void X11Connection::removeWindow(X11Window& window) { std::erase(m_windows, &window); }

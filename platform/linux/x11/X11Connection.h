@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace qlx::platform {
@@ -74,6 +75,10 @@ class X11Connection {
 
   /// The display's picture for a shape of the pointer; 0 for the arrow, which is everybody's.
   xcb_cursor_t cursor(PointerShape shape);
+
+  /// The display's setting of dots an inch (the resource Xft.dpi), as a multiple of 96. Nothing
+  /// when it isn't set.
+  std::optional<double> scale() const;
 
   void addWindow(X11Window& window) { m_windows.push_back(&window); }
   void removeWindow(X11Window& window);

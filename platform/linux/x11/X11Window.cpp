@@ -122,12 +122,8 @@ void X11Window::setLook(const TopLevelLook& look) {
   setProperty(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, look.title);
   setProperty(atoms.netWmName, atoms.utf8String, look.title);
   setProperty(atoms.wmProtocols, XCB_ATOM_ATOM, std::array{std::uint32_t{atoms.wmDeleteWindow}});
-  // Size hints: 18 words, of which smallest (5, 6) and largest size (7, 8) count.
-  constexpr std::uint32_t kMinAndMaxSize = (1U << 4) | (1U << 5);
-  std::array<std::uint32_t, 18> hints{kMinAndMaxSize};
-  hints[5] = hints[7] = static_cast<std::uint32_t>(m_width);
-  hints[6] = hints[8] = static_cast<std::uint32_t>(m_height);
-  setProperty(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
+  m_topLevel = true;
+  fixSize();
   if (!look.program.empty()) {
     // Instance and class, each with its end: brezan, Brezan.
     std::string name(look.program);
@@ -143,6 +139,30 @@ void X11Window::setLook(const TopLevelLook& look) {
                 look.icon.pixels + static_cast<std::ptrdiff_t>(look.icon.width) * look.icon.height);
     setProperty(atoms.netWmIcon, XCB_ATOM_CARDINAL, icon);
   }
+}
+
+// Size hints: 18 words, of which smallest (5, 6) and largest size (7, 8) count.
+void X11Window::fixSize() {
+  constexpr std::uint32_t kMinAndMaxSize = (1U << 4) | (1U << 5);
+  std::array<std::uint32_t, 18> hints{kMinAndMaxSize};
+  hints[5] = hints[7] = static_cast<std::uint32_t>(m_width);
+  hints[6] = hints[8] = static_cast<std::uint32_t>(m_height);
+  setProperty(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints);
+}
+
+void X11Window::resize(int width, int height) {
+  m_width = width;
+  m_height = height;
+  m_place = {m_place.left, m_place.top, m_place.left + width, m_place.top + height};
+  if (!isOpen()) return;
+  const BrokenPipeGuard guard;
+  if (m_topLevel) fixSize();
+  const std::array<std::uint32_t, 2> size{static_cast<std::uint32_t>(width),
+                                          static_cast<std::uint32_t>(height)};
+  xcb_configure_window(m_connection.xcb(), m_window,
+                       XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size.data());
+  m_picture.emplace(m_connection, m_window, width, height);
+  xcb_flush(m_connection.xcb());
 }
 
 void X11Window::show() {

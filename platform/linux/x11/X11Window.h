@@ -33,6 +33,7 @@ class X11Window final : public NativeWindow {
   void giveFocusBack() override;
   void setPointerShape(PointerShape shape) override;
   std::unique_ptr<NativeWindow> openPopup(int x, int y, int width, int height) override;
+  void resize(int width, int height) override;
   PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
   void requestText(Selection selection) override;
@@ -56,6 +57,7 @@ class X11Window final : public NativeWindow {
             int width, int height);
   bool create(xcb_window_t parent, int x, int y, bool overrideRedirect);
   void setLook(const TopLevelLook& look);
+  void fixSize();
   void setProperty(xcb_atom_t name, xcb_atom_t type, std::string_view text);
   void setProperty(xcb_atom_t name, xcb_atom_t type, std::span<const std::uint32_t> words);
   void selectKeys(bool wanted);
@@ -93,6 +95,7 @@ class X11Window final : public NativeWindow {
   FocusLoss m_loss = FocusLoss::kNone;
   PointerShape m_pointerShape = PointerShape::kArrow;
   std::pair<int, int> m_originAtPopup{0, 0};
+  bool m_topLevel = false;
   bool m_focused = false;
   bool m_open = false;
   bool m_goneTold = false;

@@ -25,6 +25,11 @@ class X11WindowSystem final : public WindowSystem {
     if (connection == nullptr) return nullptr;
     return X11Window::createTopLevel(std::move(connection), look, width, height);
   }
+
+  std::optional<double> scale() const override {
+    const auto connection = X11Connection::open();
+    return connection == nullptr ? std::nullopt : connection->scale();
+  }
 };
 
 constexpr X11WindowSystem::~X11WindowSystem() = default;
