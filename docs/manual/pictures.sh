@@ -12,7 +12,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/pictures"
 "$brezan" screenshot window.png --scale 2 --play 1.3
 "$brezan" screenshot tremolo.png --scale 2 --set Lever=Tremolo --control 1=127 --control 64=127 --play 4.03
 "$brezan" screenshot cabinet.png --scale 2 --about
-"$brezan" screenshot "$home/menu.png" --screen --margin 340 --scale 2 --preset 'Old Rotary' --click 269,561
+"$brezan" screenshot "$home/menu.png" --screen --margin 680 --scale 2 --preset 'Old Rotary' --click 269,561
 /usr/bin/python3 - "$home/menu.png" menu.png <<'P'
 import sys
 from PIL import Image

@@ -346,8 +346,12 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
   constexpr WindowEventType kPointer[] = {WindowEventType::kMouseDown, WindowEventType::kMouseUp,
                                           WindowEventType::kMouseMove, WindowEventType::kMouseMove,
                                           WindowEventType::kWheel};
-  gui::PixelBuffer whole(401, 570);
   for (int round = 0; round < 3000; ++round) {
+    // In windows of every scale; the first one most.
+    if (round >= 1500 && round % 500 == 0) {
+      rig.frame().setScale(gui::kWindowScales[static_cast<std::size_t>(round / 500 - 2)]);
+    }
+    const double scale = rig.frame().getScale();
     switch (upTo(4)) {
     case 0: rig.effect.setParameter(upTo(36), static_cast<float>(upTo(1001)) / 1000.0F); break;
     case 1:
@@ -358,11 +362,12 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
       rig.effect.sustain = upTo(2);
       break;
     case 2:
-      rig.mouse(kPointer[upTo(5)], upTo(401), upTo(570), platform::kPointerLeft,
+      rig.mouse(kPointer[upTo(5)], upTo(static_cast<int>(401 * scale)),
+                upTo(static_cast<int>(570 * scale)), platform::kPointerLeft,
                 upTo(4) == 0 ? platform::kModifierControl : 0U, upTo(2) == 0);
       break;
     default:
-      if (upTo(3) == 0) rig.mouse(WindowEventType::kMouseDown, 200, 561);
+      if (upTo(3) == 0) rig.press(static_cast<int>(200 * scale), static_cast<int>(561 * scale));
       rig.key(upTo(30) == 0 ? VirtualKey::kReturn : VirtualKey::kNone, "m");
       rig.window().advance(std::chrono::milliseconds(upTo(600)));
       break;
@@ -371,7 +376,9 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
     rig.editor->idle(); // what the first one read from the effect
     if (round % 4 == 0) rig.mouse(WindowEventType::kMouseUp, 0, 0);
     ASSERT_NE(rig.windows.lastWindow(), nullptr);
-    gui::CDrawContext context(whole, rig.frame().getTypeface());
+    const platform::PixelView shown = rig.window().picture();
+    gui::PixelBuffer whole(shown.width, shown.height);
+    gui::CDrawContext context(whole, rig.frame().getTypeface(), scale);
     rig.frame().draw(context);
     ASSERT_TRUE(rig.picture() == whole.pixels) << "round " << round;
   }

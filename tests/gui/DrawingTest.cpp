@@ -72,6 +72,76 @@ TEST(Bitmap, DecodesPng) {
   EXPECT_EQ(bitmap->pixels().pixels, expected);
 }
 
+TEST(Bitmap, IsDecodedAsFarAsItIsDrawn) {
+  using qlx::test::ByteVector;
+  const ByteVector png = qlx::test::smallPng();
+  ByteVector twice = png;
+  twice.insert(twice.end(), png.begin(), png.end());
+  ByteVector cut = twice;
+  cut.resize(cut.size() - 30);
+  const ByteVector wide = qlx::test::pngFile(4, 1, std::vector<std::uint8_t>(17, 0));
+  struct Case {
+    const char* what;
+    std::array<ByteVector, 3> files;
+    int height;
+    int scale;
+    std::vector<std::uint32_t> column; ///< every scale-th pixel from the top
+  };
+  const std::vector<std::uint32_t> one{0xFF102030U, 0xFF010203U, 0xFF0A0A0AU, 0xFF0F1923U,
+                                       0xFF121B24U};
+  std::vector<std::uint32_t> two = one;
+  two.insert(two.end(), one.begin(), one.end());
+  const std::vector<Case> cases{
+      {"one file", {png}, 5, 1, one},
+      {"two below each other", {twice}, 10, 1, two},
+      {"the second is broken", {cut}, 10, 1, std::vector<std::uint32_t>(10)},
+      {"no larger file", {twice}, 10, 2, two},
+      {"a larger file of another size", {png, wide}, 5, 2, one},
+      {"no file", {}, 0, 1, {}},
+  };
+  for (const Case& c : cases) {
+    const CBitmapRef bitmap = CBitmap::load([&c](int scale) -> std::span<const std::uint8_t> {
+      return c.files[static_cast<std::size_t>(scale - 1)];
+    });
+    ASSERT_EQ(bitmap == nullptr, c.height == 0) << c.what;
+    if (bitmap == nullptr) continue;
+    EXPECT_EQ(bitmap->width(), 2) << c.what;
+    ASSERT_EQ(bitmap->height(), c.height) << c.what;
+    const PixelBuffer pixels = bitmap->pixels(c.scale);
+    EXPECT_EQ(pixels.width, 2 * c.scale);
+    for (int y = 0; y < pixels.height; ++y)
+      EXPECT_EQ(pixels.row(y)[0], c.column[static_cast<std::size_t>(y / c.scale)]) << c.what;
+  }
+}
+
+// What is drawn at one and a half are means of what is drawn at three.
+TEST(DrawContext, HalvesPixelsWhereverAPictureLies) {
+  std::mt19937 random(15);
+  PixelBuffer pattern(20, 14);
+  for (std::uint32_t& pixel : pattern.pixels)
+    pixel = 0xFF000000U | (static_cast<std::uint32_t>(random()) & 0xFFFFFFU);
+  const CBitmap bitmap(pattern);
+  for (int round = 0; round < 40; ++round) {
+    const auto at = [&random](unsigned n) { return static_cast<double>(random() % n) - 4.0; };
+    const CPoint corner{at(24), at(24)};
+    const CRect where{corner.x, corner.y, corner.x + at(30), corner.y + at(30)};
+    PixelBuffer large(90, 60);
+    PixelBuffer small(45, 30);
+    CDrawContext(large, nullptr, 3.0).drawBitmap(bitmap, where, {2, 1});
+    CDrawContext(small, nullptr, 1.5).drawBitmap(bitmap, where, {2, 1});
+    for (int y = 0; y < small.height; ++y) {
+      for (int x = 0; x < small.width; ++x) {
+        for (int shift = 0; shift < 32; shift += 8) {
+          int sum = 2;
+          for (int i = 0; i < 4; ++i)
+            sum += static_cast<int>(large.row(2 * y + i / 2)[2 * x + i % 2] >> shift & 255U);
+          ASSERT_EQ(static_cast<int>(small.row(y)[x] >> shift & 255U), sum / 4) << x << ", " << y;
+        }
+      }
+    }
+  }
+}
+
 TEST(Bitmap, RefusesBrokenPng) {
   using qlx::test::ByteVector;
   // The image data's first byte is at 41: zlib's head, one stored block's head (5), the rows.

@@ -268,7 +268,7 @@ TEST(ShortenedTexts, FitAndSayWhatIsLeft) {
   const auto typeface = testTypeface();
   constexpr CFontDesc font{12.0};
   const std::string text = "ein übermäßig langer Name.qlx";
-  const int whole = typeface->width(text, font);
+  const auto whole = static_cast<int>(typeface->width(text, font));
   EXPECT_EQ(shortenedAtEnd(typeface.get(), text, font, whole), text);
   for (int room = 20; room < whole; room += 7) {
     const std::string end = shortenedAtEnd(typeface.get(), text, font, room);

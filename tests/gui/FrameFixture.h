@@ -7,9 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,11 +21,18 @@ using namespace gui;
 
 /// The product's glyphs, read once.
 inline std::shared_ptr<CTypeface> testTypeface() {
-  static const std::vector<std::uint8_t> bytes = [] {
-    std::ifstream file(QLX_TEST_GLYPHS, std::ios::binary);
-    return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(file), {});
+  static const auto packs = [] {
+    std::array<std::vector<std::uint8_t>, kWindowScales.size()> read;
+    std::size_t i = 0;
+    for (const char* const scale : {"", "_1_5", "_2", "_3"}) {
+      std::ifstream file(QLX_TEST_GLYPHS + std::string(scale) + ".bin", std::ios::binary);
+      read[i++].assign(std::istreambuf_iterator<char>(file), {});
+    }
+    return read;
   }();
-  return CTypeface::create(bytes);
+  const std::array<std::span<const std::uint8_t>, kWindowScales.size()> spans{packs[0], packs[1],
+                                                                              packs[2], packs[3]};
+  return CTypeface::create(spans);
 }
 
 /// A strip of frames of one colour each: frame n has red 10 + 20 n.
@@ -73,7 +82,7 @@ class FrameFixture : public testing::Test {
 
   std::vector<std::uint32_t> redrawnWhole() const {
     PixelBuffer whole(window->picture().width, window->picture().height);
-    CDrawContext context(whole, frame->getTypeface());
+    CDrawContext context(whole, frame->getTypeface(), frame->getScale());
     frame->draw(context);
     return whole.pixels;
   }
