@@ -40,7 +40,7 @@ class MicrophonePlacement {
 /// belong to the one thread that processes audio. process neither allocates, locks nor throws.
 class RotaryEngine {
  public:
-  /// Starts at 44100 Hz, low-CPU mode, switched off, everything pending. `placement` and the
+  /// Starts at 44100 Hz, low-CPU mode, switched off, with all work requested. `placement` and the
   /// recordings' memory must outlive the engine.
   RotaryEngine(const Recordings& recordings, MicrophonePlacement& placement);
   ~RotaryEngine();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "midi/MidiLever.h"
+#include "tests/support/MidiMessage.h"
 
 #include <cstring>
 #include <gmock/gmock.h>
@@ -32,14 +33,10 @@ class LeverEffect : public sdk::AudioEffect {
 };
 
 sdk::Event message(int status, int data1, int data2, std::int32_t type = sdk::kMidiEventType) {
-  sdk::MidiEvent midi{};
-  midi.type = type;
-  midi.byteSize = sizeof midi;
-  midi.midiData[0] = static_cast<char>(status);
-  midi.midiData[1] = static_cast<char>(data1);
-  midi.midiData[2] = static_cast<char>(data2);
   sdk::Event event{};
-  std::memcpy(&event, &midi, sizeof event);
+  const MidiMessage midi(status, data1, data2);
+  std::memcpy(&event, &midi.event, sizeof event);
+  event.type = type;
   return event;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "tests/support/CountingAllocator.h"
 #include "tests/support/EffectFixture.h"
+#include "tests/support/MidiMessage.h"
 
 #include <algorithm>
 #include <atomic>
@@ -256,12 +257,8 @@ TEST_F(RotaryEffectTest, FactoryBank) {
 }
 
 TEST_F(RotaryEffectTest, TheWheelMovesTheLeverAndIsSeen) {
-  sdk::MidiEvent wheel{};
-  wheel.type = sdk::kMidiEventType;
-  const char bytes[4] = {static_cast<char>(0xB4), 1, 127, 0};
-  std::memcpy(wheel.midiData, bytes, sizeof bytes);
-  sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&wheel), nullptr}};
-  EXPECT_EQ(effect->processEvents(&events), 1);
+  MidiMessage wheel(0xB4, 1, 127);
+  EXPECT_EQ(effect->processEvents(&wheel.list), 1);
   EXPECT_EQ(effect->getParameter(kLever), 1.0F);
   const editor::EffectReadout& readout = *effect;
   EXPECT_EQ(readout.modWheelActivity(), 1.0F);
@@ -292,16 +289,12 @@ TEST_F(RotaryEffectTest, TheAudioThreadAllocatesNothing) {
   effect->resume();
   Stereo buffers = Stereo::tones();
   float* io[] = {buffers.left.data(), buffers.right.data()};
-  sdk::MidiEvent pedal{};
-  pedal.type = sdk::kMidiEventType;
-  pedal.midiData[0] = static_cast<char>(0xB0);
-  pedal.midiData[1] = 64;
-  sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&pedal), nullptr}};
+  MidiMessage pedal(0xB0, 64, 0);
   news().reserve(10000);
   const AllocationCount allocations;
   for (int block = 0; block < 300; ++block) {
-    pedal.midiData[2] = static_cast<char>(block % 2 == 0 ? 127 : 0);
-    effect->processEvents(&events);
+    pedal.event.midiData[2] = static_cast<char>(block % 2 == 0 ? 127 : 0);
+    effect->processEvents(&pedal.list);
     effect->setParameter(kSetup, static_cast<float>(block % 100) / 100.0F);
     effect->setParameter(kSize, static_cast<float>(block % 7) / 7.0F);
     effect->setParameter(kCPUmode, block > 150 ? 1.0F : 0.0F);
@@ -370,16 +363,12 @@ TEST_F(RotaryEffectTest, ParametersPresetsAndChunksWhileAudioRuns) {
     const Stereo programme = Stereo::tones();
     Stereo buffers = programme;
     float* io[] = {buffers.left.data(), buffers.right.data()};
-    sdk::MidiEvent wheel{};
-    wheel.type = sdk::kMidiEventType;
-    wheel.midiData[0] = static_cast<char>(0xB0);
-    wheel.midiData[1] = 1;
-    sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&wheel), nullptr}};
+    MidiMessage wheel(0xB0, 1, 0);
     for (; !done; ++blocks) {
       std::ranges::copy(programme.left, io[0]);
       std::ranges::copy(programme.right, io[1]);
-      wheel.midiData[2] = static_cast<char>(blocks % 128);
-      shared.processEvents(&events);
+      wheel.event.midiData[2] = static_cast<char>(blocks % 128);
+      shared.processEvents(&wheel.list);
       shared.processReplacing(io, io, kFrames);
       for (const float sample : buffers.left) garbage += std::isfinite(sample) ? 0 : 1;
     }

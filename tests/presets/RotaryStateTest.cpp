@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 // Presets and states of the effect that hosts load.
 #include "tests/support/EffectFixture.h"
+#include "tests/support/MidiMessage.h"
 
 #include <atomic>
 #include <cmath>
@@ -148,19 +149,14 @@ TEST_F(RotaryState, SharedParametersStayWhateverPresetIsChosen) {
 }
 
 TEST_F(RotaryState, PedalAndKnobCountWhileTheHostIsToldOfARecall) {
-  sdk::MidiEvent wheel{};
-  wheel.type = sdk::kMidiEventType;
-  wheel.midiData[0] = static_cast<char>(0xB0);
-  wheel.midiData[1] = 1;
-  wheel.midiData[2] = 127;
-  sdk::EventList events{1, 0, {reinterpret_cast<sdk::Event*>(&wheel), nullptr}};
+  MidiMessage wheel(0xB0, 1, 127);
   effect->setParameter(kLever, 0.25F);
   effect->setParameter(kStop, 1.0F);
   whileUpdating() = [&] {
     EXPECT_EQ(effect->getParameter(kStop), 1.0F);
     std::thread([&] {
       EXPECT_FALSE(effect->isPresetLoading());
-      effect->processEvents(&events);
+      effect->processEvents(&wheel.list);
       effect->setParameter(kDrive, 0.625F);
     }).join();
     EXPECT_TRUE(effect->isPresetLoading());

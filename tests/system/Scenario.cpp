@@ -3,6 +3,7 @@
 
 #include "presets/format/PresetData.h"
 #include "resources/NoiseRecordings.h"
+#include "tests/support/MidiMessage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -95,14 +96,8 @@ void PluginPlayer::selectPreset(int number) {
 }
 
 void PluginPlayer::midi(int status, int data1, int data2) {
-  sdk::MidiEvent event{};
-  event.type = 1;
-  event.byteSize = sizeof event;
-  event.midiData[0] = static_cast<char>(status);
-  event.midiData[1] = static_cast<char>(data1);
-  event.midiData[2] = static_cast<char>(data2);
-  sdk::EventList list{1, 0, {reinterpret_cast<sdk::Event*>(&event), nullptr}};
-  call(sdk::EffectOpcode::ProcessEvents, 0, &list);
+  MidiMessage message(status, data1, data2);
+  call(sdk::EffectOpcode::ProcessEvents, 0, &message.list);
 }
 
 void PluginPlayer::process(const double* l, const double* r, double* outLeft, double* outRight,
