@@ -233,14 +233,14 @@ struct Kernels {
 
   /// Runs the horn's body over n pairs, and the reduced horn's over n samples, in place.
   void (*body)(BodySections& sections, double* pairs, int n);
-  void (*reducedBody)(ReducedBodySections& sections, double* run, int n);
+  void (*reducedBody)(ReducedBodySections& sections, double* samples, int n);
 
   /// Runs an even number of sections over n pairs in place.
   void (*pairSeries)(const PairSeries& series, double* pairs, int n);
   /// Runs a multiple of four sections over n samples of one channel in place.
   void (*chainSeries)(const ChainSeries& series, double* samples, int n);
   /// The same for chains of four sections with limiters, on a signal each, all over n samples.
-  void (*limitedChains)(ChainSections<4>* const* chains, double* const* runs, int count, int n);
+  void (*limitedChains)(ChainSections<4>* const* chains, double* const* signals, int count, int n);
 
   /// Adds gain x what stands at n positions (samples, -1 .. 2 lengths) of a looped recording, which
   /// is followed by its first three samples, to `sum`; whole vectors, also beyond n.
@@ -273,8 +273,8 @@ struct Kernels {
 
   /// Drives n samples of the tube stage in place; the tracker follows the DC that its asymmetry
   /// makes.
-  void (*tube)(const double* drive, double trackerShare, double& tracker, double* run, int n);
-  void (*transistor)(const double* drive, double* run, int n);
+  void (*tube)(const double* drive, double trackerShare, double& tracker, double* samples, int n);
+  void (*transistor)(const double* drive, double* samples, int n);
 };
 
 /// The kernels for the processor at hand, or for any x86-64 where the environment variable QLX_ISA

@@ -207,7 +207,7 @@ struct LimitedSections : SkewedSections {
 /// Runs up to three chains in step, so that they wait for each other's divisions no longer than one
 /// would for its own.
 template <int Count>
-inline void runLimited(ChainSections<4>* const* chains, double* const* runs, int lane, int n) {
+inline void runLimited(ChainSections<4>* const* chains, double* const* signals, int lane, int n) {
   using Sections = LimitedSections;
   Sections s[3] = {
       {*chains[0], lane}, {*chains[Count > 1 ? 1 : 0], lane}, {*chains[Count > 2 ? 2 : 0], lane}};
@@ -215,15 +215,15 @@ inline void runLimited(ChainSections<4>* const* chains, double* const* runs, int
   InFlight outputs[Count];
   const auto edge = [&](int k, int step) {
     stepAtEdge<1>(
-        s[k], outputs[k], step, n, [&](int j, Lanes y) { return shiftIn(runs[k][j], y); },
-        [&](int j, Lanes y) { runs[k][j] = y[kWidth - 1]; });
+        s[k], outputs[k], step, n, [&](int j, Lanes y) { return shiftIn(signals[k][j], y); },
+        [&](int j, Lanes y) { signals[k][j] = y[kWidth - 1]; });
   };
   const int first = kLatency < n ? kLatency : n;
   for (int k = 0; k < Count; ++k)
     for (int step = 0; step < first; ++step) edge(k, step);
   for (int step = first; step < n; ++step) {
-    for (int k = 0; k < Count; ++k) s[k].step(shiftIn(runs[k][step], s[k].y2));
-    for (int k = 0; k < Count; ++k) runs[k][step - kLatency] = s[k].y1[kWidth - 1];
+    for (int k = 0; k < Count; ++k) s[k].step(shiftIn(signals[k][step], s[k].y2));
+    for (int k = 0; k < Count; ++k) signals[k][step - kLatency] = s[k].y1[kWidth - 1];
   }
   for (int k = 0; k < Count; ++k) {
     if (first < n) outputs[k] = {s[k].y1, s[k].y2};
@@ -232,11 +232,11 @@ inline void runLimited(ChainSections<4>* const* chains, double* const* runs, int
   }
 }
 
-void limitedChains(ChainSections<4>* const* chains, double* const* runs, int count, int n) {
+void limitedChains(ChainSections<4>* const* chains, double* const* signals, int count, int n) {
   for (int lane = 0; lane < 4; lane += kWidth) {
-    if (count == 3) runLimited<3>(chains, runs, lane, n);
-    if (count == 2) runLimited<2>(chains, runs, lane, n);
-    if (count == 1) runLimited<1>(chains, runs, lane, n);
+    if (count == 3) runLimited<3>(chains, signals, lane, n);
+    if (count == 2) runLimited<2>(chains, signals, lane, n);
+    if (count == 1) runLimited<1>(chains, signals, lane, n);
   }
 }
 

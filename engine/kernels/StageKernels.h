@@ -82,10 +82,10 @@ inline Lanes tubeStage(Lanes x) {
   return kTubeStageGain * (1.5 * u - 0.5 * u * u * u - kTubeBias);
 }
 
-void tube(const double* drive, double trackerShare, double& tracker, double* run, int n) {
+void tube(const double* drive, double trackerShare, double& tracker, double* samples, int n) {
   alignas(32) double driven[kLongestSubBlock + 4], dc[kLongestSubBlock + 4];
   for (int j = 0; j < n; j += kWidth)
-    store(driven + j, -tubeStage(-tubeStage(load(drive + j) * load(run + j) * kTubeInputGain)));
+    store(driven + j, -tubeStage(-tubeStage(load(drive + j) * load(samples + j) * kTubeInputGain)));
   // The asymmetry's DC is tracked through silence too, so that no thump follows it.
   double level = tracker;
   for (int j = 0; j < n; ++j) {
@@ -94,9 +94,9 @@ void tube(const double* drive, double trackerShare, double& tracker, double* run
   }
   tracker = flushDenormals(level, kLeastState);
   for (int j = 0; j < n; j += kWidth) {
-    const Lanes x = load(run + j);
+    const Lanes x = load(samples + j);
     const Lanes y = (load(driven + j) - load(dc + j)) / load(drive + j);
-    store(run + j, select(absolute(x) < kSilence, x, y));
+    store(samples + j, select(absolute(x) < kSilence, x, y));
   }
 }
 
@@ -105,12 +105,12 @@ void tube(const double* drive, double trackerShare, double& tracker, double* run
 constexpr double kTransistorInputGain = 1.34349;
 
 /// Transistor stage: a cubic knee up to a hard limit.
-void transistor(const double* drive, double* run, int n) {
+void transistor(const double* drive, double* samples, int n) {
   for (int j = 0; j < n; j += kWidth) {
-    const Lanes x = load(run + j), gain = load(drive + j);
+    const Lanes x = load(samples + j), gain = load(drive + j);
     const Lanes w = larger(smaller(gain * x * kTransistorInputGain, all(1.0)), all(-1.0));
     const Lanes y = (1.5 * w - 0.5 * w * w * w) * 0.5 / gain;
-    store(run + j, select(absolute(x) < kSilence, x, y));
+    store(samples + j, select(absolute(x) < kSilence, x, y));
   }
 }
 
