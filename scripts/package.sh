@@ -18,7 +18,7 @@ package=$(find "$out" -name '*.deb')
 desktop-file-validate packaging/*.desktop
 appstreamcli validate --no-net "$built"/packaging/*.metainfo.xml
 lintian --fail-on error "$package"
-if git rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+if [ -e .git ]; then
   git archive --prefix="qlx-brezan-$version/" -o "$out/qlx-brezan-$version.tar.gz" HEAD
 else
   echo "No checkout here: no source archive is made."
