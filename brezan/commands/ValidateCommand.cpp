@@ -126,8 +126,10 @@ void addValidateCommand(CLI::App& program) {
       ->add_option("--limit", options->settings.limit,
                    "Seconds after which a call counts as hung (60)")
       ->check(CLI::Range(1.0, 86400.0));
-  command->add_option("--only", options->only,
-                      "A group (audio) or check (audio.rates); may be given several times");
+  command
+      ->add_option("--only", options->only,
+                   "A group (audio) or check (audio.rates); may be given several times")
+      ->allow_extra_args(false);
   command->add_option("--json", options->json,
                       "Write the results into this file, too; - is standard output");
   command->add_flag("--list", options->list, "List the checks and end");

@@ -45,6 +45,9 @@ class AudioRun {
   /// samples that are NaN, infinite or beyond 120 dB, too.
   void process(int frames, const Source& source, bool finite = true);
 
+  /// Outputs from this one on need not be written: the host has told that nobody listens.
+  void listenTo(int outputs) { m_heard = outputs; }
+
   /// Of the block processed last.
   const Sample* output(int channel) const { return m_out[static_cast<std::size_t>(channel)]; }
   int outputs() const { return static_cast<int>(m_out.size()); }
@@ -57,6 +60,7 @@ class AudioRun {
 
   const Effect& m_effect;
   Layout m_layout;
+  int m_heard;
   std::vector<GuardedMemory> m_inputs;
   std::vector<GuardedMemory> m_outputs;
   std::vector<Sample*> m_in;

@@ -30,6 +30,10 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPoll{5};
+// A whole check may take so many times the limit of one call, and so many times the seconds of
+// sound: far more than a machine that is busy with other things needs.
+constexpr double kCheckLimit = 20.0;
+constexpr double kSoundLimit = 200.0;
 
 /// Progress in memory that a forked process shares.
 class SharedProgress {
@@ -91,6 +95,10 @@ std::string endWords(int status) {
 void leave(Progress& progress, Outcome outcome, const char* reason) {
   std::strncpy(progress.reason.data(), reason, progress.reason.size() - 1);
   progress.outcome.store(outcome);
+}
+
+double secondsFrom(Clock::time_point begin, Clock::time_point end) {
+  return std::chrono::duration<double>(end - begin).count();
 }
 
 double seconds(const timeval& time) {
@@ -173,15 +181,20 @@ CheckResult CheckRunner::run(const Check& check, const std::function<void()>& wa
       calls = seen;
       lastNews = now;
     }
-    if (std::chrono::duration<double>(now - lastNews).count() > m_settings.limit) {
+    if (secondsFrom(lastNews, now) > m_settings.limit) {
       result.reason =
           "no return after " + tools::fixed(m_settings.limit, 0) + " s " + lastCall(*progress);
+      break;
+    }
+    if (const double whole = kCheckLimit * m_settings.limit + kSoundLimit * m_settings.seconds;
+        secondsFrom(begin, now) > whole) {
+      result.reason = "no end after " + tools::fixed(whole, 0) + " s, " + lastCall(*progress);
       break;
     }
     waiting();
     std::this_thread::sleep_for(kPoll);
   }
-  result.seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+  result.seconds = secondsFrom(begin, Clock::now());
   result.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
   return result;
 }

@@ -25,7 +25,11 @@ class Effect {
   Effect& operator=(const Effect&) = delete;
   Effect(Effect&& other) noexcept
       : m_run(other.m_run), m_record(std::exchange(other.m_record, nullptr)) {}
-  Effect& operator=(Effect&&) = delete;
+  Effect& operator=(Effect&& other) noexcept {
+    std::swap(m_run, other.m_run);
+    std::swap(m_record, other.m_record);
+    return *this;
+  }
 
   /// What the entry returns, null for a refusal; not opened. The caller sends Close.
   static sdk::EffectRecord* create(CheckRun& run);
