@@ -29,39 +29,6 @@ RotorMotion motor(Direction direction, double rate = 22050) {
   return m;
 }
 
-/// Seconds from 10 % to 90 % of the way from the current to the new target speed.
-double riseTime(RotorMotion& m, double rate) {
-  const double from = m.currentSpeedHz(), to = m.targetSpeedHz();
-  double t10 = -1, angle, speed;
-  for (int i = 1; i < 40 * rate; ++i) {
-    m.advance({&angle, 1}, {&speed, 1});
-    const double share = (m.currentSpeedHz() - from) / (to - from);
-    if (t10 < 0 && share >= 0.1) t10 = i / rate;
-    if (share >= 0.9) return i / rate - t10;
-  }
-  return -1;
-}
-
-TEST(RotorMotion, TenToNinetyPercentTakesTheSetTimes) {
-  for (const auto direction : {Direction::Horn, Direction::Drum}) {
-    for (const double rate : {11025.0, 22050.0, 48000.0}) {
-      for (const double seconds : {0.1, 0.62, 3.3}) {
-        RotorMotion m = motor(direction, rate);
-        m.setAccelTime(seconds);
-        m.setDecelTime(2 * seconds);
-        m.setLever(0.0);
-        EXPECT_NEAR(riseTime(m, rate), seconds, 0.01 * seconds);
-        for (int i = 0; i < 30 * rate; ++i) {
-          double a, s;
-          m.advance({&a, 1}, {&s, 1});
-        }
-        m.setLever(1.0);
-        EXPECT_NEAR(riseTime(m, rate), 2 * seconds, 0.02 * seconds);
-      }
-    }
-  }
-}
-
 TEST(RotorMotion, LeverAndStopSelectSpeedAndReportEvents) {
   struct Step {
     bool stop;
