@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "editor/RotaryEditor.h"
 
+#include "editor/ContextMenu.h"
 #include "editor/HostKey.h"
 #include "editor/MyFrame.h"
 #include "editor/ScaleChoice.h"
+#include "gui/dialogs/CMessageBox.h"
 #include "gui/drawing/CTypeface.h"
 #include "platform/offscreen/OffscreenWindow.h"
 #include "presets/panel/LoadBitmap.h"
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <utility>
@@ -77,7 +80,7 @@ double RotaryEditor::scaleToOpenWith() const {
   ScaleWishes wishes;
   if (const char* text = std::getenv("QLX_SCALE")) wishes.environment = scaleFromText(text);
   wishes.host = m_hostScale;
-  wishes.stored = scaleFromText(CPresetSystemEditor::settings().readScale());
+  wishes.stored = scaleFromText(settings().readScale());
   if (!wishes.environment && !wishes.host && !wishes.stored) wishes.desktop = m_windows.scale();
   return chosenScale(wishes);
 }
@@ -97,10 +100,27 @@ void RotaryEditor::followScale() {
   setRectangle(scale); // hosts ask for it meanwhile
   const bool roomy = presetStore().sizeWindow(m_rectangle.right, m_rectangle.bottom);
   if (getFrame() != frame) return; // a host may open the window anew instead
-  if (roomy)
-    frame->setScale(scale);
-  else
-    setRectangle(before);
+  if (roomy) return frame->setScale(scale);
+  setRectangle(before);
+  gui::CMessageBox::show(*frame, "Size of the window",
+                         "The new size shows when the window is opened again.", {"OK"},
+                         [](int /*button*/) {});
+}
+
+// --- Menu of the right button ---
+
+void RotaryEditor::openContextMenu(const gui::CPoint& where) {
+  std::vector<ContextMenu::Item> items;
+  for (const double scale : gui::kWindowScales) {
+    items.push_back({"Size: " + std::to_string(std::lround(scale * 100.0)) + " %",
+                     scale == getFrame()->getScale(), [this, scale] { chooseScale(scale); }});
+  }
+  m_contextMenu->openAt(where, std::move(items));
+}
+
+void RotaryEditor::chooseScale(double scale) {
+  storedSettings().writeScale(textOfScale(scale));
+  m_scaleToCome = scale;
 }
 
 bool RotaryEditor::getRect(sdk::EditRectangle** rectangle) {
@@ -127,6 +147,8 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, d
         return getEffect()->getParameter(index);
       });
   CPresetSystemEditor::open(parent);
+  m_contextMenu = &frame->addView(std::make_unique<ContextMenu>());
+  frame->onContextClick([this](const gui::CPoint& where) { openContextMenu(where); });
   frame->open();
   return true;
 }
@@ -139,6 +161,7 @@ void RotaryEditor::close() {
 void RotaryEditor::dropWindow() {
   CPresetSystemEditor::close();
   m_controls = nullptr;
+  m_scaleToCome.reset();
   setFrame(nullptr);
 }
 

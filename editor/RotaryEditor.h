@@ -13,6 +13,8 @@
 
 namespace qlx::editor {
 
+class ContextMenu;
+
 /// The plug-in's window. It exists as long as its effect, open or not; see sdk::AEffGUIEditor for
 /// threads.
 class RotaryEditor final : public presets::CPresetSystemEditor {
@@ -55,6 +57,8 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   double scaleToOpenWith() const;
   void setRectangle(double scale);
   void followScale();
+  void openContextMenu(const gui::CPoint& where);
+  void chooseScale(double scale);
   void dropWindow();
   void showMirrored();
   void showReadout();
@@ -69,6 +73,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   std::optional<double> m_scaleToCome; ///< of the open window
   plugin::ParameterFormatter* m_formatter = nullptr;
   ParameterMirror m_mirror;
+  ContextMenu* m_contextMenu = nullptr;       ///< the frame's
   std::unique_ptr<EditorControls> m_controls; ///< null while the window is closed
 };
 

@@ -3,6 +3,7 @@
 
 #include "gui/drawing/WindowScale.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -24,6 +25,12 @@ std::optional<double> scaleFromText(std::string_view text) {
   const auto read = std::from_chars(text.data(), end, scale);
   if (read.ec != std::errc() || read.ptr != end) return std::nullopt;
   return scale;
+}
+
+std::string textOfScale(double scale) {
+  std::array<char, 32> text{};
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), scale);
+  return {text.data(), written.ptr};
 }
 
 } // namespace qlx::editor

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace qlx::editor {
@@ -22,5 +23,6 @@ double chosenScale(const ScaleWishes& wishes);
 
 /// A decimal number with a point, in any locale; nothing for other texts.
 std::optional<double> scaleFromText(std::string_view text);
+std::string textOfScale(double scale);
 
 } // namespace qlx::editor

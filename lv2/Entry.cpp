@@ -114,9 +114,21 @@ int idle(LV2UI_Handle ui) {
   });
 }
 
+/// What the window is told it does not tell back.
+std::uint32_t getWindowOptions(LV2UI_Handle /*ui*/, LV2_Options_Option* options) {
+  return options->key == 0 ? LV2_OPTIONS_SUCCESS : LV2_OPTIONS_ERR_BAD_KEY;
+}
+
+std::uint32_t setWindowOptions(LV2UI_Handle ui, const LV2_Options_Option* options) {
+  return window(ui).setOptions(options);
+}
+
 const void* windowExtension(const char* uri) {
   static constexpr LV2UI_Idle_Interface kIdle{idle};
-  return std::string_view(uri) == LV2_UI__idleInterface ? &kIdle : nullptr;
+  static constexpr LV2_Options_Interface kOptions{getWindowOptions, setWindowOptions};
+  if (std::string_view(uri) == LV2_UI__idleInterface) return &kIdle;
+  if (std::string_view(uri) == LV2_OPTIONS__interface) return &kOptions;
+  return nullptr;
 }
 
 constexpr LV2_Descriptor kPlugin{qlx::lv2::kPluginUri, instantiate, connectPort,    activate, run,

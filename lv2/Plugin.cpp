@@ -73,31 +73,34 @@ std::intptr_t Plugin::call(EffectOpcode opcode, std::intptr_t value, void* ptr, 
 }
 
 std::intptr_t Plugin::hostCallback(sdk::EffectRecord* record, std::int32_t opcode,
-                                   std::int32_t index, std::intptr_t /*value*/, void* /*ptr*/,
+                                   std::int32_t index, std::intptr_t value, void* /*ptr*/,
                                    float /*opt*/) {
   if (static_cast<HostOpcode>(opcode) == HostOpcode::Version) return sdk::kVstVersion;
   auto* const plugin = record == nullptr ? nullptr : std::bit_cast<Plugin*>(record->hostReserved1);
-  if (plugin != nullptr) plugin->heard(static_cast<HostOpcode>(opcode), index);
-  return 0; // to PinConnected: yes
+  return plugin == nullptr ? 0 : plugin->heard(static_cast<HostOpcode>(opcode), index, value);
 }
 
-void Plugin::heard(HostOpcode opcode, std::int32_t index) {
+/// Answers 0 to all that need no answer; to PinConnected that is yes.
+std::intptr_t Plugin::heard(HostOpcode opcode, std::int32_t index, std::intptr_t value) {
   if (m_running.holdsThisThread()) {
     if (opcode == HostOpcode::Automate) m_controls.movedHere(index);
-    return;
+    return 0;
   }
   WindowListener* const window = m_window.load(std::memory_order_acquire);
   if (window == nullptr ||
       m_windowThread.load(std::memory_order_relaxed) != std::this_thread::get_id()) {
-    return;
+    return 0;
   }
   switch (opcode) {
   case HostOpcode::Automate: window->parameterMoved(index); break;
   case HostOpcode::BeginEdit: window->gesture(index, true); break;
   case HostOpcode::EndEdit: window->gesture(index, false); break;
   case HostOpcode::UpdateDisplay: window->presetSelected(); break;
+  case HostOpcode::SizeWindow:
+    return window->sizeWanted(index, static_cast<std::int32_t>(value)) ? 1 : 0;
   default: break;
   }
+  return 0;
 }
 
 bool Plugin::setWindow(WindowListener& window) {

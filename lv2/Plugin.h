@@ -30,6 +30,8 @@ class WindowListener {
   virtual void gesture(std::int32_t parameter, bool begins) = 0;
   /// Any parameter may have changed.
   virtual void presetSelected() = 0;
+  /// The editor wants this size, in pixels; answers whether it gets it.
+  virtual bool sizeWanted(std::int32_t width, std::int32_t height) = 0;
   /// The instance is going, though its window should have gone first.
   virtual void instanceGone() = 0;
 };
@@ -71,7 +73,7 @@ class Plugin {
 
   static std::intptr_t hostCallback(sdk::EffectRecord* record, std::int32_t opcode,
                                     std::int32_t index, std::intptr_t value, void* ptr, float opt);
-  void heard(sdk::HostOpcode opcode, std::int32_t index);
+  std::intptr_t heard(sdk::HostOpcode opcode, std::int32_t index, std::intptr_t value);
   std::intptr_t call(sdk::EffectOpcode opcode, std::intptr_t value = 0, void* ptr = nullptr,
                      float opt = 0.0F);
   void render(std::uint32_t from, std::uint32_t to);

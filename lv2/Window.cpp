@@ -6,6 +6,7 @@
 
 #include <lv2/instance-access/instance-access.h>
 
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -26,11 +27,21 @@ Plugin* instanceOf(const LV2_Feature* const* features) {
 Window::Window(LV2UI_Write_Function write, LV2UI_Controller controller,
                const LV2_Feature* const* features)
     : m_plugin(instanceOf(features)), m_write(write), m_controller(controller),
-      m_touch(static_cast<const LV2UI_Touch*>(featureData(features, LV2_UI__touch))) {
+      m_touch(static_cast<const LV2UI_Touch*>(featureData(features, LV2_UI__touch))),
+      m_resize(static_cast<const LV2UI_Resize*>(featureData(features, LV2_UI__resize))) {
   m_known.fill(std::numeric_limits<float>::quiet_NaN());
   const void* parent = featureData(features, LV2_UI__parent);
   if (parent == nullptr) throw std::runtime_error("the host gives no parent window");
   if (!m_plugin->setWindow(*this)) throw std::runtime_error("this instance has a window already");
+
+  const void* map = featureData(features, LV2_URID__map);
+  if (map != nullptr) {
+    const auto& urids = *static_cast<const LV2_URID_Map*>(map);
+    m_scaleFactor = urids.map(urids.handle, LV2_UI__scaleFactor);
+    m_float = urids.map(urids.handle, LV2_ATOM__Float);
+  }
+  if (const void* options = featureData(features, LV2_OPTIONS__options))
+    setOptions(static_cast<const LV2_Options_Option*>(options));
 
   // The effect's editor is this class.
   auto& editor = static_cast<presets::CPresetSystemEditor&>(*m_plugin->effect().getEditor());
@@ -42,11 +53,8 @@ Window::Window(LV2UI_Write_Function write, LV2UI_Controller controller,
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   m_widget = reinterpret_cast<LV2UI_Widget>(editor.getFrame()->getWindow().handle());
 
-  const auto* resize = static_cast<const LV2UI_Resize*>(featureData(features, LV2_UI__resize));
   sdk::EditRectangle* size = nullptr;
-  if (resize != nullptr && editor.getRect(&size)) {
-    resize->ui_resize(resize->handle, size->right - size->left, size->bottom - size->top);
-  }
+  if (editor.getRect(&size)) sizeWanted(size->right - size->left, size->bottom - size->top);
 }
 
 Window::~Window() { instanceGone(); }
@@ -56,6 +64,26 @@ void Window::instanceGone() {
   m_plugin->effect().getEditor()->close();
   m_plugin->forgetWindow();
   m_plugin = nullptr;
+}
+
+bool Window::sizeWanted(std::int32_t width, std::int32_t height) {
+  return m_resize != nullptr && m_resize->ui_resize(m_resize->handle, width, height) == 0;
+}
+
+std::uint32_t Window::setOptions(const LV2_Options_Option* options) {
+  std::uint32_t status = LV2_OPTIONS_SUCCESS;
+  for (; options->key != 0; ++options) {
+    float scale = 0.0F;
+    if (options->key != m_scaleFactor) {
+      status |= LV2_OPTIONS_ERR_BAD_KEY;
+    } else if (options->type != m_float || options->size != sizeof scale) {
+      status |= LV2_OPTIONS_ERR_BAD_VALUE;
+    } else {
+      std::memcpy(&scale, options->value, sizeof scale);
+      if (m_plugin != nullptr) m_plugin->effect().getEditor()->setHostScale(scale);
+    }
+  }
+  return status;
 }
 
 void Window::idle() {

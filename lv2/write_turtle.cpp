@@ -255,7 +255,7 @@ void writePlugin(const std::filesystem::path& folder, std::string_view minor,
        << "  lv2:optionalFeature ui:resize , ui:touch , ui:fixedSize , ui:noUserResize , "
           "opts:options , urid:map , log:log ;\n"
        << "  opts:supportedOption ui:scaleFactor ;\n"
-       << "  lv2:extensionData ui:idleInterface .\n";
+       << "  lv2:extensionData ui:idleInterface , opts:interface .\n";
   file.finish();
 }
 

@@ -45,6 +45,13 @@ void COptionMenu::addEntry(std::string_view title) {
   setDirty();
 }
 
+void COptionMenu::removeAllEntries() {
+  closePopup();
+  m_entries.clear();
+  setMax(0.0F);
+  setDirty();
+}
+
 const std::string& COptionMenu::getEntry(int index) const {
   return m_entries[static_cast<std::size_t>(index)];
 }

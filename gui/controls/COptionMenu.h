@@ -39,10 +39,15 @@ class COptionMenu : public CParamDisplay {
   void removed() override;
 
   void addEntry(std::string_view title);
+  void removeAllEntries();
   int getNbEntries() const { return static_cast<int>(m_entries.size()); }
   /// `index` in 0..getNbEntries() - 1, here and below.
   const std::string& getEntry(int index) const;
   void setEntryTitle(int index, std::string_view title);
+  /// Whether an entry has a check mark.
+  virtual bool isTicked(int index) const {
+    return (getStyle() & kCheckStyle) != 0 && index == getCurrentIndex();
+  }
   /// Makes an entry current without telling the listener.
   void setCurrent(int index);
   /// -1 when there are no entries.

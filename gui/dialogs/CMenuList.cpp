@@ -72,7 +72,7 @@ void CMenuList::draw(CDrawContext& context) {
     const bool lit = i == m_highlighted;
     if (lit) context.fillRect(entry, kDialogHighlight);
     const CColor& colour = lit ? kDialogHighlightText : kDialogText;
-    if ((m_menu.getStyle() & kCheckStyle) != 0 && i == m_menu.getCurrentIndex()) {
+    if (m_menu.isTicked(i)) {
       const CPoint middle{entry.left + kCheckWidth * 0.5, entry.centre().y};
       const std::array<CPoint, 3> mark{
           {middle + CPoint{-3.5, 0.0}, middle + CPoint{-1.0, 3.0}, middle + CPoint{4.0, -3.5}}};
@@ -109,7 +109,7 @@ CMouseEventResult CMenuList::onMouseExited(const CPoint& /*where*/,
 
 bool CMenuList::onKeyDown(const CKeyCode& key) {
   const int last = m_menu.getNbEntries() - 1;
-  const int from = m_highlighted < 0 ? std::max(0, m_menu.getCurrentIndex()) : m_highlighted;
+  const int from = m_highlighted < 0 ? m_menu.getCurrentIndex() : m_highlighted;
   const auto step = [&](int by) {
     const int to = from + by;
     if (to >= 0 && to <= last) highlight(to);

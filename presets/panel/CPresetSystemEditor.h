@@ -118,7 +118,7 @@ class CPresetSystemEditor : public sdk::AEffGUIEditor,
   void setPanel(PresetPanel* panel);
 
   CPresetSystemEffect& presetStore() const { return m_store; }
-  PersistentSettings& settings() { return m_settings; }
+  PersistentSettings& storedSettings() { return m_settings; }
 
   /// One that is taken away in the middle of its own events lives on until they are handled,
   /// without getting more of them.

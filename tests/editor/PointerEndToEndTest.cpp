@@ -27,8 +27,9 @@ constexpr int kLastCalibration = 119;
 /// `brezan edit --log` as a process of its own.
 class EditedPlugin {
  public:
-  EditedPlugin(const std::vector<std::string>& settings, std::string log) : m_log(std::move(log)) {
-    std::vector<std::string> words{BREZAN, "edit", "--plugin", PLUGIN, "--log"};
+  EditedPlugin(const std::vector<std::string>& settings, std::string log, const char* scale)
+      : m_log(std::move(log)) {
+    std::vector<std::string> words{BREZAN, "edit", "--plugin", PLUGIN, "--log", "--scale", scale};
     for (const std::string& setting : settings) words.insert(words.end(), {"--set", setting});
     m_process.emplace(words, m_log);
   }
@@ -93,7 +94,7 @@ class EditedPlugin {
 
 struct HandGesture {
   const char* what;
-  const char* moves; ///< of xdotool
+  const char* moves; ///< of xdotool, places in the layout's pixels
   const char* heard;
 };
 
@@ -107,6 +108,7 @@ constexpr HandGesture kGestures[] = {
      "(23 )23 (23 23=500 )23 23:500"},
     {"wheel", "mousemove 96 224 click 4", "(6 6=550 )6 6:550"},
     {"right button", "mousemove 186 224 mousedown 3 mousemove 196 204 mouseup 3", ""},
+    {"out of its menu", "key Escape", ""},
     {"stop", "mousemove 372 365 click 1", "(4 4=0 4=1000 )4 4:1000"},
     // The lever releases the brake.
     {"speed", "mousemove 343 366 click 1", "(3 (2 4=0 2=1000 )2 )3 2:1000 4:0"},
@@ -120,26 +122,47 @@ constexpr HandGesture kGestures[] = {
     {"after it", "mousemove 87 80 mousedown 1 mousemove 107 80 mouseup 1", "(18 18=550 )18 18:550"},
 };
 
-TEST(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
+/// The moves in a window of another scale.
+std::string scaled(const std::string& moves, double scale) {
+  std::istringstream words(moves);
+  std::string result;
+  for (std::string word; words >> word;) {
+    result += " " + word;
+    if (word != "mousemove") continue;
+    double x = 0.0;
+    double y = 0.0;
+    words >> x >> y;
+    result += " " + std::to_string(std::lround(x * scale));
+    result += " " + std::to_string(std::lround(y * scale));
+  }
+  return result;
+}
+
+class EditorByHand : public testing::TestWithParam<const char*> {};
+
+TEST_P(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
-  const VirtualDisplay display({"-screen", "0", "800x700x24"});
+  const VirtualDisplay display({"-screen", "0", "1000x1200x24"});
   ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
   EditedPlugin plugin({"HSlowSpd=norm:0.1", "HFastSpd=norm:0.5", "HDistance=norm:0.3",
                        "HGain=norm:0.2", "Bottom=norm:0.5", "LoMid=norm:0.5", "Drive=norm:0.5",
                        "Size=norm:0.5", "Lever=norm:0", "Stop=norm:0", "Bypass=norm:0",
                        "CPUmode=norm:0", "MIDIchl=norm:0"},
-                      std::filesystem::path(folder / "log").string());
+                      std::filesystem::path(folder / "log").string(), GetParam());
   ASSERT_EQ(plugin.heard("open"), "open");
   for (const HandGesture& gesture : kGestures) {
-    ASSERT_EQ(std::system((std::string("xdotool ") + gesture.moves).c_str()), 0) << gesture.what;
+    const std::string moves = scaled(gesture.moves, std::stod(GetParam()));
+    ASSERT_EQ(std::system(("xdotool" + moves).c_str()), 0) << gesture.what;
     EXPECT_EQ(plugin.heard(gesture.heard), gesture.heard) << gesture.what;
   }
   constexpr int kInterrupted = 128 + SIGTERM;
   EXPECT_EQ(plugin.end(), kInterrupted);
 }
 
-TEST(EditorByHand, ScreenshotsNeedNoDisplay) {
+INSTANTIATE_TEST_SUITE_P(Scales, EditorByHand, testing::Values("1", "1.5", "2"));
+
+TEST(EditorPictures, NeedNoDisplay) {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
   unsetenv("DISPLAY");
@@ -160,8 +183,8 @@ TEST(EditorByHand, ScreenshotsNeedNoDisplay) {
   readme << std::ifstream(README_PICTURE, std::ios::binary).rdbuf();
   EXPECT_TRUE(plain == readme.str())
       << "README shows another editor: brezan screenshot " README_PICTURE;
-  for (const char* options :
-       {"--about", "--set Lever=Tremolo", "--set Bypass=On", "--control 1=99"}) {
+  for (const char* options : {"--about", "--set Lever=Tremolo", "--set Bypass=On", "--control 1=99",
+                              "--scale 1.5", "--scale 3"}) {
     EXPECT_NE(pictureWith(options), plain) << options;
   }
 }

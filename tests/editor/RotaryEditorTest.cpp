@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: ISC
+#include "editor/ScaleChoice.h"
+#include "gui/controls/COptionMenu.h"
 #include "tests/support/CountingAllocator.h"
 #include "tests/support/EditorRig.h"
 
@@ -122,6 +124,96 @@ TEST(EditorWindow, DrawsItselfWithoutAWindowOnRequest) {
   rig.effect.onAutomate = [&rig] { rig.editor->close(); };
   request.width = 401;
   EXPECT_FALSE(rig.editor->picture(request)) << "closed in the middle";
+}
+
+// --- How large it is ---
+
+TEST(EditorScale, IsTheFirstWishsNearest) {
+  using editor::ScaleWishes;
+  constexpr double kNoSize = -2.0;
+  struct Case {
+    ScaleWishes wishes;
+    double scale;
+  };
+  for (const auto& [wishes, scale] :
+       {Case{{}, 1.0}, Case{{.desktop = 2.0}, 2.0}, Case{{.desktop = 1.25}, 1.0},
+        Case{{.desktop = 1.3}, 1.5}, Case{{.desktop = 9.0}, 3.0}, Case{{.desktop = 0.5}, 1.0},
+        Case{{.stored = 1.5, .desktop = 2.0}, 1.5},
+        Case{{.host = 2.0, .stored = 1.5, .desktop = 3.0}, 2.0},
+        Case{{.host = 1.0, .stored = 1.5, .desktop = 3.0}, 1.5},
+        Case{{.host = 1.0, .desktop = 3.0}, 1.0},
+        Case{{.environment = 1.0, .host = 2.0, .stored = 1.5}, 1.0},
+        Case{{.environment = kNoSize, .host = std::nan(""), .stored = 3.0}, 3.0}})
+    EXPECT_EQ(editor::chosenScale(wishes), scale);
+  for (const char* text : {"", "x", "2x", "1,5", " 2"})
+    EXPECT_EQ(editor::scaleFromText(text), std::nullopt) << text;
+  EXPECT_EQ(editor::scaleFromText(editor::textOfScale(1.5)), 1.5);
+}
+
+/// The menu of the right button at the given place of the layout, its entries as one text.
+std::string contextMenuAt(EditorRig& rig, int x, int y) {
+  const double scale = rig.frame().getScale();
+  rig.mouse(WindowEventType::kMouseDown, static_cast<int>(x * scale), static_cast<int>(y * scale),
+            platform::kPointerRight);
+  rig.mouse(WindowEventType::kMouseUp, static_cast<int>(x * scale), static_cast<int>(y * scale),
+            platform::kPointerRight);
+  rig.editor->idle();
+  if (rig.window().popup() == nullptr) return {};
+  const auto& views = rig.frame().getViews();
+  const auto& menu = dynamic_cast<const gui::COptionMenu&>(*views.back());
+  std::string text;
+  for (int i = 0; i < menu.getNbEntries(); ++i)
+    text += (menu.isTicked(i) ? "*" : "") + menu.getEntry(i) + "; ";
+  return text;
+}
+
+TEST_F(OpenEditor, ItsSizeIsChosenFromAMenu) {
+  const auto menu = [this](int x, int y) { return contextMenuAt(rig, x, y); };
+  EXPECT_EQ(menu(42, 75), "*Size: 100 %; Size: 150 %; Size: 200 %; Size: 300 %; ") << "on a knob";
+  rig.key(VirtualKey::kEscape);
+  rig.editor->idle();
+  EXPECT_EQ(menu(134, 561), "") << "the button uses it itself";
+  rig.selector->cancel();
+  rig.effect.log.clear();
+
+  // A name that is being typed is taken over, as by any press elsewhere.
+  rig.click(200, 561);
+  rig.key(VirtualKey::kNone, "Half");
+  rig.editor->idle();
+  const auto choose = [&](int times) {
+    EXPECT_NE(menu(200, 280), "");
+    for (int i = 0; i < times; ++i) rig.key(VirtualKey::kDown);
+    rig.key(VirtualKey::kReturn);
+    rig.editor->idle();
+    rig.editor->idle();
+  };
+  choose(3);
+  EXPECT_EQ(std::exchange(rig.effect.log, {}), "149=0 802x1140");
+  EXPECT_EQ(rig.effect.getPresetSlot(0).nameText(), "Half");
+  EXPECT_EQ(rig.settings->readText("Scale"), "2");
+  EXPECT_EQ(rig.window().picture().width, 802);
+  EXPECT_EQ(menu(200, 280), "Size: 100 %; Size: 150 %; *Size: 200 %; Size: 300 %; ");
+  rig.key(VirtualKey::kEscape);
+  rig.editor->idle();
+  rig.click(740, 730); // Stop
+  EXPECT_EQ(std::exchange(rig.effect.log, {}), "(4 4=0 4=1000 )4");
+
+  // Another window has the size that was chosen last.
+  rig.editor->close();
+  sdk::EditRectangle* size = nullptr;
+  ASSERT_TRUE(rig.editor->getRect(&size));
+  EXPECT_EQ(size->right, 802);
+  ASSERT_TRUE(rig.open());
+  EXPECT_EQ(rig.window().picture().width, 802);
+
+  // A host that makes no room.
+  rig.effect.makesRoom = false;
+  choose(2);
+  EXPECT_EQ(rig.window().picture().width, 802);
+  ASSERT_NE(rig.frame().getModalView(), nullptr);
+  ASSERT_TRUE(rig.editor->getRect(&size));
+  EXPECT_EQ(size->right, 802);
+  EXPECT_EQ(rig.settings->readText("Scale"), "1.5");
 }
 
 // --- What the user does ---
@@ -301,6 +393,7 @@ TEST_F(OpenEditor, AboutScreenStopsTheMarkersUntilItIsClosed) {
   rig.mouse(WindowEventType::kMouseDown, 100, 165, platform::kPointerRight);
   rig.editor->idle();
   EXPECT_EQ(rig.picture(), before);
+  rig.key(VirtualKey::kEscape); // out of the menu
   rig.click(100, 165);
   const auto about = rig.picture();
   EXPECT_NE(about, before);

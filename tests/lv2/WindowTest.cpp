@@ -11,6 +11,7 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <lv2/instance-access/instance-access.h>
+#include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
 
 #include <chrono>
@@ -41,14 +42,19 @@ class WindowOfBundle : public testing::Test {
     const LV2_Feature parentFeature{LV2_UI__parent, reinterpret_cast<void*>(parent)};
     const LV2_Feature accessFeature{LV2_INSTANCE_ACCESS_URI,
                                     lilv_instance_get_handle(instance.lilv)};
-    LV2UI_Resize resize{this, [](LV2UI_Feature_Handle self, int w, int h) {
-                          static_cast<WindowOfBundle*>(self)->size = {w, h};
-                          return 0;
-                        }};
     const LV2_Feature resizeFeature{LV2_UI__resize, &resize};
     const LV2_Feature touchFeature{LV2_UI__touch, &touch};
-    const LV2_Feature* features[] = {&parentFeature, &resizeFeature, &touchFeature,
-                                     access ? &accessFeature : nullptr, nullptr};
+    const LV2_Feature mapFeature{LV2_URID__map, &world.map};
+    const LV2_Options_Option options[] = {{LV2_OPTIONS_INSTANCE, 0,
+                                           world.number(LV2_UI__scaleFactor), sizeof wantedScale,
+                                           world.number(LV2_ATOM__Float), &wantedScale},
+                                          {}};
+    const LV2_Feature optionsFeature{LV2_OPTIONS__options,
+                                     const_cast<LV2_Options_Option*>(options)};
+    const LV2_Feature* features[] = {&parentFeature,  &resizeFeature,
+                                     &touchFeature,   &mapFeature,
+                                     &optionsFeature, access ? &accessFeature : nullptr,
+                                     nullptr};
     const auto write = [](LV2UI_Controller self, std::uint32_t port, std::uint32_t bytes,
                           std::uint32_t protocol, const void* value) {
       ASSERT_EQ(bytes, sizeof(float));
@@ -77,7 +83,12 @@ class WindowOfBundle : public testing::Test {
   LV2UI_Widget widget = nullptr;
   std::vector<Request> written;
   std::vector<Request> touched;
+  float wantedScale = 1.0F; ///< by the host
   std::pair<int, int> size;
+  LV2UI_Resize resize{this, [](LV2UI_Feature_Handle self, int w, int h) {
+                        static_cast<WindowOfBundle*>(self)->size = {w, h};
+                        return 0;
+                      }};
   LV2UI_Touch touch{
       this, [](LV2UI_Feature_Handle self, std::uint32_t port, bool grabbed) {
         static_cast<WindowOfBundle*>(self)->touched.push_back({port, grabbed ? 1.0F : 0.0F});
@@ -159,6 +170,36 @@ TEST_F(WindowOfBundle, WritesWhatTheUserDoesAndIsNotTurnedBackByEchoes) {
 
   lilv_instance_free(std::exchange(instance.lilv, nullptr)); // before its window
   EXPECT_EQ(idle->idle(ui), 0);
+}
+
+TEST_F(WindowOfBundle, HasTheSizeThatTheHostWants) {
+  const qlx::test::VirtualDisplay display({"-screen", "0", "1300x1800x24"});
+  ASSERT_TRUE(display.isRunning()) << "Xvfb is needed";
+  const auto host = platform::nativeWindowSystem().openTopLevel({"host"}, 1203, 1710);
+  host->show();
+  host->pump();
+  Instance instance(world);
+  wantedScale = 2.2F;
+  ui = open(instance, host->handle());
+  ASSERT_NE(ui, nullptr);
+  const std::unique_ptr<void, void (*)(LV2UI_Handle)> closing(ui, descriptor->cleanup);
+  EXPECT_EQ(size, std::make_pair(802, 1140));
+  const auto* options =
+      static_cast<const LV2_Options_Interface*>(descriptor->extension_data(LV2_OPTIONS__interface));
+  const float wanted = 1.5F;
+  LV2_Options_Option news[] = {{LV2_OPTIONS_INSTANCE, 0, world.number(LV2_UI__scaleFactor),
+                                sizeof wanted, world.number(LV2_ATOM__Float), &wanted},
+                               {}};
+  EXPECT_EQ(options->set(ui, news), LV2_OPTIONS_SUCCESS);
+  EXPECT_EQ(idle->idle(ui), 0);
+  EXPECT_EQ(size, std::make_pair(601, 855));
+  const auto robot = platform::openWindowRobot();
+  const std::uint32_t stop = kFirstControl + static_cast<std::uint32_t>(controlOf(plugin::kStop));
+  ASSERT_TRUE(robot->click(reinterpret_cast<std::uintptr_t>(widget), 555, 547));
+  waitForWrites();
+  EXPECT_THAT(written, testing::ElementsAre(Request{stop, 0.0F}, Request{stop, 1.0F}));
+  news[0].type = 0;
+  EXPECT_EQ(options->set(ui, news), LV2_OPTIONS_ERR_BAD_VALUE);
 }
 
 TEST_F(WindowOfBundle, RestoringWhileItPlaysLosesNothing) {

@@ -52,12 +52,13 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
   float modulation = 0.0F;
   double sustain = 0.0;
   std::string log;
+  bool makesRoom = true; ///< the host, for a window of another size
   std::function<void()> onAutomate = [] {};
   editor::RotaryEditor* window = nullptr;
 
  private:
   static std::intptr_t host(sdk::EffectRecord* record, std::int32_t opcode, std::int32_t index,
-                            std::intptr_t /*value*/, void* /*ptr*/, float opt) {
+                            std::intptr_t value, void* /*ptr*/, float opt) {
     if (record == nullptr || record->user == nullptr) return 0;
     auto& effect = *static_cast<SilentEffect*>(record->user);
     const std::string number = std::to_string(index);
@@ -69,6 +70,9 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
       break;
     case sdk::HostOpcode::BeginEdit: effect.log += gap + "(" + number; break;
     case sdk::HostOpcode::EndEdit: effect.log += gap + ")" + number; break;
+    case sdk::HostOpcode::SizeWindow:
+      effect.log += gap + number + "x" + std::to_string(value);
+      return effect.makesRoom ? 1 : 0;
     default: break;
     }
     return 0;

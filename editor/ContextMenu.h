@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "gui/controls/COptionMenu.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace qlx::editor {
+
+/// A menu that opens where the pointer is. It is no button: it draws nothing and takes no press.
+class ContextMenu final : public gui::COptionMenu {
+ public:
+  struct Item {
+    std::string title;
+    bool ticked = false;
+    std::function<void()> chosen; ///< called after the menu has closed
+  };
+
+  ContextMenu();
+
+  bool isTypeOf(std::string_view className) const override {
+    return className == "ContextMenu" || COptionMenu::isTypeOf(className);
+  }
+  /// Its items act on one window; there are no copies. Null.
+  std::unique_ptr<gui::CView> newCopy() const override { return nullptr; }
+
+  /// Shows the items with the menu's corner there. Nothing without items.
+  void openAt(const gui::CPoint& where, std::vector<Item> items);
+
+  bool isTicked(int index) const override {
+    return m_items[static_cast<std::size_t>(index)].ticked;
+  }
+  void valueChanged() override;
+
+ private:
+  std::vector<Item> m_items;
+};
+
+} // namespace qlx::editor
