@@ -65,17 +65,23 @@ void outside(CheckRun& run) {
   }
 }
 
+/// Others may be told: those that the effect changes with the one that is set.
 void echo(CheckRun& run) {
-  std::atomic<int> told{0};
-  setHost([&told](const HostCall& call) {
-    if (call.is(sdk::HostOpcode::Automate)) ++told;
+  std::atomic<int> set{-1};
+  std::atomic<bool> echoed{false};
+  setHost([&](const HostCall& call) {
+    if (call.is(sdk::HostOpcode::Automate) && call.index == set) echoed = true;
     return usualAnswer(call);
   });
   const Effect effect(run);
   effect.start(48000.0, 256);
-  effect.randomizeValues();
-  play<float>(effect, 1024, 256);
-  run.require(told == 0, "values that the host has set are told back to it as automation");
+  for (int i = run.rounds(2, 50) * effect.parameters(); i > 0; --i) {
+    set = run.random().below(effect.parameters());
+    run.trying("parameter " + std::to_string(set));
+    effect.set(set, run.random().value());
+    if (i % 16 == 0) play<float>(effect, 256, 256);
+    run.require(!echoed, "a value that the host has set is told back to it as automation");
+  }
 }
 
 void strings(CheckRun& run) {
