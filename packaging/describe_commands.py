@@ -105,7 +105,7 @@ def man_page(commands, version, date):
     return "\n".join(lines) + "\n"
 
 
-def completion(commands, template, presets, parameters):
+def completion(commands, template, presets, parameters, checks):
     def table(title, words_of):
         rows = []
         for words, said in commands.items():
@@ -119,7 +119,8 @@ def completion(commands, template, presets, parameters):
     subcommands = table("Subcommands", lambda heading: [heading])
     options = table("Options", lambda heading: re.findall(r"(?<![\w-])--?[A-Za-z][\w-]*", heading.split(" ")[0]))
     values = {"SUBCOMMANDS": subcommands, "OPTIONS": options,
-              "PRESETS": "\n".join("    " + shlex.quote(name) for name in presets), "PARAMETERS": " ".join(parameters)}
+              "PRESETS": "\n".join("    " + shlex.quote(name) for name in presets), "PARAMETERS": " ".join(parameters),
+              "CHECKS": " ".join(dict.fromkeys([check.split(".")[0] for check in checks] + checks))}
     return re.sub(r"@(\w+)@", lambda m: values[m[1]], template)
 
 
@@ -129,10 +130,11 @@ def main(brezan, version, date, template, folder):
         sys.exit("describe_commands: the help of brezan is not laid out as expected")
     presets = list(dict.fromkeys(preset["name"] for preset in json.loads(ask(brezan, "presets", "--json"))))
     parameters = [parameter["name"] for parameter in json.loads(ask(brezan, "params", "--json")) if parameter["name"]]
+    checks = [line.split()[0] for line in ask(brezan, "validate", "--list").splitlines()[1:]]
     out = pathlib.Path(folder)
     out.mkdir(parents=True, exist_ok=True)
     (out / "brezan.1").write_text(man_page(commands, version, date))
-    (out / "brezan.bash").write_text(completion(commands, pathlib.Path(template).read_text(), presets, parameters))
+    (out / "brezan.bash").write_text(completion(commands, pathlib.Path(template).read_text(), presets, parameters, checks))
 
 
 if __name__ == "__main__":

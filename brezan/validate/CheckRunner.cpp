@@ -136,8 +136,8 @@ void CheckRunner::runInChild(const Check& check, const fs::path& home, Progress&
        {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"})
     ::unsetenv(folder);
   if (check.opensWindow && !m_display.empty()) ::setenv("DISPLAY", m_display.c_str(), 1);
+  CheckRun run(m_settings, check, home, progress); // outlives a failure, with the library
   try {
-    CheckRun run(m_settings, check, home, progress);
     if (check.opensWindow && m_display.empty()) run.skip("there is neither Xvfb nor a display");
     check.run(run);
     run.unloadLibrary();

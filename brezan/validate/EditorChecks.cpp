@@ -174,7 +174,7 @@ void noDisplay(CheckRun& run) {
 }
 
 constexpr Check kChecks[] = {
-    {"editor", "size", 1, "the rectangle, without a window", size},
+    {"editor", "size", 1, "the rectangle, before there is a window", size, true},
     {"editor", "open", 2, "opened and closed again and again", opening, true},
     {"editor", "order", 3, "opened twice, closed twice, idle without a window", unordered, true},
     {"editor", "keys", 3, "any keys, open or closed", keys, true},

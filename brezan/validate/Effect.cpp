@@ -124,10 +124,6 @@ void scan(const Effect& effect) {
     effect.call(EffectOpcode::CanDo, 0, 0, words.data());
   }
   if (effect.has(sdk::kProgramChunks)) (void)effect.state();
-  if (effect.has(sdk::kHasEditor)) {
-    sdk::EditRectangle* rectangle = nullptr;
-    effect.call(EffectOpcode::EditGetRectangle, 0, 0, &rectangle);
-  }
   for (int i = 0; i < effect.parameters(); ++i) {
     (void)effect.text(EffectOpcode::GetParameterName, i);
     (void)effect.get(i);

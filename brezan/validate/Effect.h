@@ -6,6 +6,7 @@
 #include "sdk/VstTypes.h"
 
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,7 +21,10 @@ class Effect {
  public:
   /// Creates it and sends Open. Fails the check when the entry returns none.
   explicit Effect(CheckRun& run);
-  ~Effect() { close(); }
+  /// Closes it, unless the check has failed: what then comes would hide why.
+  ~Effect() {
+    if (std::uncaught_exceptions() == 0) close();
+  }
   Effect(const Effect&) = delete;
   Effect& operator=(const Effect&) = delete;
   Effect(Effect&& other) noexcept

@@ -111,8 +111,6 @@ void readsInside(CheckRun& run) {
     }
     void* data = nullptr;
     ask(EffectOpcode::GetChunk, 0, 0, &data, 0.0F);
-    sdk::EditRectangle* rectangle = nullptr;
-    ask(EffectOpcode::EditGetRectangle, 0, 0, &rectangle, 0.0F);
   });
   session(run);
 }
