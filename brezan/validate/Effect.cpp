@@ -3,6 +3,7 @@
 
 #include "brezan/Table.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <string_view>
@@ -91,8 +92,8 @@ std::intptr_t Effect::setState(const std::vector<char>& bytes, StateKind kind) c
 }
 
 std::vector<float> Effect::values() const {
-  std::vector<float> all;
-  for (int i = 0; i < parameters(); ++i) all.push_back(get(i));
+  std::vector<float> all(static_cast<std::size_t>(std::max(parameters(), 0)));
+  for (std::size_t i = 0; i < all.size(); ++i) all[i] = get(static_cast<int>(i));
   return all;
 }
 

@@ -3,7 +3,8 @@
 
 #include "brezan/validate/RealTimeWatch.h"
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace qlx::validate {
@@ -19,9 +20,9 @@ HostFunction& currentHost() {
 } // namespace
 
 std::intptr_t usualAnswer(const HostCall& call) {
-  const auto copy = [&call](const char* words) -> std::intptr_t {
+  const auto copy = [&call](std::string_view words) -> std::intptr_t {
     if (call.ptr == nullptr) return 0;
-    std::strcpy(static_cast<char*>(call.ptr), words);
+    *std::copy(words.begin(), words.end(), static_cast<char*>(call.ptr)) = '\0';
     return 1;
   };
   switch (static_cast<sdk::HostOpcode>(call.opcode)) {

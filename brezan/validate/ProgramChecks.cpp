@@ -58,7 +58,7 @@ void names(CheckRun& run) {
     const std::string given = name;
     effect.call(EffectOpcode::SetProgramName, 0, 0, name.data());
     run.require(name == given, "the host's text was changed");
-    const std::string got = effect.text(EffectOpcode::GetProgramName);
+    std::string got = effect.text(EffectOpcode::GetProgramName);
     run.require(got.size() < 64, "the name given back has 64 bytes or more");
     return got;
   };

@@ -52,7 +52,7 @@ std::string readText(const Effect& effect, const Text& text, int index, std::int
              std::to_string(text.room));
   char* const end = std::find(begin, begin + text.room, '\0');
   run.require(end != begin + text.room, "the text has no end");
-  const std::string words(begin, end);
+  std::string words(begin, end);
   run.require(std::none_of(words.begin(), words.end(),
                            [](unsigned char c) { return c < ' ' || c == 0x7F; }),
               "a control character is in the text");
