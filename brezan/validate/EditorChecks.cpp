@@ -61,7 +61,7 @@ void opening(CheckRun& run) {
     stage.idle(5);
     stage.close();
     stage.idle(1);
-    run.require(stage.parent.children() == 0, "the closed editor leaves a window behind");
+    run.require(stage.parent.becomesEmpty(), "the closed editor leaves a window behind");
   }
 }
 
@@ -129,7 +129,7 @@ void effectFirst(CheckRun& run) {
   stage.open();
   stage.idle(2);
   stage.effect.close();
-  run.require(stage.parent.children() == 0, "the destroyed effect leaves its window behind");
+  run.require(stage.parent.becomesEmpty(), "the destroyed effect leaves its window behind");
 }
 
 void whilePlaying(CheckRun& run) {

@@ -4,8 +4,10 @@
 #include "brezan/validate/CheckRun.h"
 
 #include <bit>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <thread>
 #include <xcb/xcb.h>
 
 namespace qlx::validate {
@@ -47,6 +49,14 @@ int ParentWindow::children() const {
       xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_window), nullptr),
       std::free);
   return tree == nullptr ? 0 : xcb_query_tree_children_length(tree.get());
+}
+
+bool ParentWindow::becomesEmpty() const {
+  for (int i = 0; i < 600; ++i) {
+    if (children() == 0) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return false;
 }
 
 } // namespace qlx::validate

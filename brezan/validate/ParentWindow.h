@@ -21,6 +21,9 @@ class ParentWindow {
   void destroy();
   /// Windows inside it.
   int children() const;
+  /// Whether there is none, if need be after a while: what an effect has asked the server to
+  /// destroy may still be there.
+  bool becomesEmpty() const;
 
  private:
   xcb_connection_t* m_connection;

@@ -23,10 +23,11 @@ std::size_t entries(const char* folder) {
 
 std::size_t threadCount() { return entries("/proc/self/task"); }
 
-// A thread that has been joined may stay in the system's list for a moment.
+// A thread that has been joined may stay in the system's list for a moment: up to two seconds where
+// the machine is busy.
 std::size_t settledThreadCount() {
   std::size_t count = threadCount();
-  for (int i = 0; i < 100 && count > 1; ++i) {
+  for (int i = 0; i < 1000 && count > 1; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     count = threadCount();
   }

@@ -30,8 +30,9 @@ void PrintTo(const Fault& fault, std::ostream* out) { *out << fault.name; }
 class ValidateFault : public testing::TestWithParam<Fault> {};
 
 TEST_P(ValidateFault, IsReportedByItsCheck) {
-  const Finished got =
-      validate(std::string("--limit 2 --only ") + GetParam().check, GetParam().name);
+  const bool hangs = std::string(GetParam().reason).starts_with("no return");
+  const Finished got = validate(
+      std::string(hangs ? "--limit 2" : "") + " --only " + GetParam().check, GetParam().name);
   EXPECT_EQ(got.status, 1) << got.errors;
   EXPECT_THAT(got.output, testing::StartsWith("FAIL"));
   EXPECT_THAT(got.output, HasSubstr(GetParam().reason));
