@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 
@@ -57,7 +58,14 @@ int parse(int argc, char** argv) {
 #endif
   addHelpCommand(program);
   try {
-    program.parse(argc, argv);
+#ifdef QLX_LIVE
+    // Session managers start programs without words.
+    const char* manager = std::getenv("NSM_URL");
+    if (argc == 1 && manager != nullptr && *manager != '\0')
+      program.parse("live");
+    else
+#endif
+      program.parse(argc, argv);
     if (program.get_subcommands().empty()) throw CLI::RequiredError("A command");
   } catch (const CLI::Success& wanted) { // --help
     return program.exit(wanted);

@@ -29,6 +29,8 @@ class ContextMenu final : public gui::COptionMenu {
 
   /// Shows the items with the menu's corner there. Nothing without items.
   void openAt(const gui::CPoint& where, std::vector<Item> items);
+  /// Called whenever the menu has closed, before an item's `chosen`.
+  void onClosed(std::function<void()> closed) { m_closed = std::move(closed); }
 
   bool isTicked(int index) const override {
     return m_items[static_cast<std::size_t>(index)].ticked;
@@ -36,7 +38,12 @@ class ContextMenu final : public gui::COptionMenu {
   void valueChanged() override;
 
  private:
+  void popupClosed() override {
+    if (m_closed) m_closed();
+  }
+
   std::vector<Item> m_items;
+  std::function<void()> m_closed;
 };
 
 } // namespace qlx::editor

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "editor/RotaryEditor.h"
 
-#include "editor/ContextMenu.h"
 #include "editor/HostKey.h"
 #include "editor/MyFrame.h"
 #include "editor/ScaleChoice.h"
@@ -110,12 +109,59 @@ void RotaryEditor::followScale() {
 // --- Menu of the right button ---
 
 void RotaryEditor::openContextMenu(const gui::CPoint& where) {
-  std::vector<ContextMenu::Item> items;
+  m_contextMenu->closePopup();
+  m_menuToCome.clear();
+  menuClosed();
+  const auto* control = dynamic_cast<const gui::CControl*>(getFrame()->getViewAt(where));
+  const std::int32_t tag = control == nullptr ? -1 : control->getTag();
+  m_menuPlace = where;
+  m_hostMenu.parameter = tag >= 0 && tag < plugin::kNumHostParameters ? tag : -1;
+  std::vector<ContextMenu::Item> items = askHost(sdk::EditorMenu::kOpening);
+  m_hostMenuOpen = !items.empty();
   for (const double scale : gui::kWindowScales) {
     items.push_back({"Size: " + std::to_string(std::lround(scale * 100.0)) + " %",
                      scale == getFrame()->getScale(), [this, scale] { chooseScale(scale); }});
   }
-  m_contextMenu->openAt(where, std::move(items));
+  showMenu(std::move(items));
+}
+
+void RotaryEditor::showMenu(std::vector<ContextMenu::Item> items) {
+  m_contextMenu->openAt(m_menuPlace, std::move(items));
+  if (!m_contextMenu->isPopupOpen()) menuClosed();
+}
+
+std::vector<ContextMenu::Item> RotaryEditor::askHost(sdk::EditorMenu::Event event,
+                                                     std::int32_t chosen) {
+  m_hostMenu.byteSize = sizeof m_hostMenu;
+  m_hostMenu.event = event;
+  m_hostMenu.chosen = chosen;
+  m_hostMenu.itemCount = 0;
+  std::vector<ContextMenu::Item> items;
+  if (!presetStore().askEditorMenu(m_hostMenu)) return items;
+  const std::int32_t count = std::min(m_hostMenu.itemCount, sdk::EditorMenu::kMostItems);
+  for (std::int32_t i = 0; i < count; ++i) {
+    const auto& title = m_hostMenu.titles[static_cast<std::size_t>(i)];
+    const auto end = std::ranges::find(title, '\0');
+    items.push_back({std::string(title.begin(), end), false, [this, i] { hostItemChosen(i); }});
+  }
+  return items;
+}
+
+// The menu that is closing is gone at the next idle.
+void RotaryEditor::hostItemChosen(std::int32_t item) {
+  m_menuToCome = askHost(sdk::EditorMenu::kChosen, item);
+  m_hostMenuOpen = !m_menuToCome.empty();
+}
+
+void RotaryEditor::menuClosed() {
+  if (std::exchange(m_hostMenuOpen, false)) askHost(sdk::EditorMenu::kClosed);
+}
+
+void RotaryEditor::watchHostMenu() {
+  if (m_contextMenu == nullptr || !m_hostMenuOpen) return;
+  if (!m_menuToCome.empty()) showMenu(std::exchange(m_menuToCome, {}));
+  m_hostMenu.event = sdk::EditorMenu::kIdle;
+  if (m_hostMenuOpen && !presetStore().askEditorMenu(m_hostMenu)) m_contextMenu->closePopup();
 }
 
 void RotaryEditor::chooseScale(double scale) {
@@ -148,6 +194,7 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, d
       });
   CPresetSystemEditor::open(parent);
   m_contextMenu = &frame->addView(std::make_unique<ContextMenu>());
+  m_contextMenu->onClosed([this] { menuClosed(); });
   frame->onContextClick([this](const gui::CPoint& where) { openContextMenu(where); });
   frame->open();
   return true;
@@ -162,6 +209,10 @@ void RotaryEditor::dropWindow() {
   CPresetSystemEditor::close();
   m_controls = nullptr;
   m_scaleToCome.reset();
+  if (m_contextMenu != nullptr) m_contextMenu->closePopup();
+  m_contextMenu = nullptr;
+  m_menuToCome.clear();
+  menuClosed();
   setFrame(nullptr);
 }
 
@@ -170,6 +221,7 @@ void RotaryEditor::idle() {
   showMirrored();
   CPresetSystemEditor::idle();
   if (m_controls != nullptr) showReadout();
+  watchHostMenu();
   followScale();
 }
 

@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "editor/ContextMenu.h"
 #include "editor/EditorControls.h"
 #include "editor/EffectReadout.h"
 #include "editor/ParameterMirror.h"
 #include "platform/NativeWindow.h"
 #include "presets/panel/CPresetSystemEditor.h"
+#include "sdk/EditorMenu.h"
 #include "sdk/VstTypes.h"
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace qlx::editor {
-
-class ContextMenu;
 
 /// The plug-in's window. It exists as long as its effect, open or not; see sdk::AEffGUIEditor for
 /// threads.
@@ -58,6 +59,11 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   void setRectangle(double scale);
   void followScale();
   void openContextMenu(const gui::CPoint& where);
+  std::vector<ContextMenu::Item> askHost(sdk::EditorMenu::Event event, std::int32_t chosen = 0);
+  void showMenu(std::vector<ContextMenu::Item> items);
+  void hostItemChosen(std::int32_t item);
+  void menuClosed();
+  void watchHostMenu();
   void chooseScale(double scale);
   void dropWindow();
   void showMirrored();
@@ -73,7 +79,11 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   std::optional<double> m_scaleToCome; ///< of the open window
   plugin::ParameterFormatter* m_formatter = nullptr;
   ParameterMirror m_mirror;
-  ContextMenu* m_contextMenu = nullptr;       ///< the frame's
+  ContextMenu* m_contextMenu = nullptr; ///< the frame's
+  gui::CPoint m_menuPlace;
+  sdk::EditorMenu m_hostMenu{};
+  std::vector<ContextMenu::Item> m_menuToCome;
+  bool m_hostMenuOpen = false;                ///< items of the host are shown
   std::unique_ptr<EditorControls> m_controls; ///< null while the window is closed
 };
 

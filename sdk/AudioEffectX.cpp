@@ -96,6 +96,9 @@ void AudioEffectX::endEdit(std::int32_t index) { callHost(HostOpcode::EndEdit, i
 bool AudioEffectX::sizeWindow(std::int32_t width, std::int32_t height) {
   return callHost(HostOpcode::SizeWindow, width, height) != 0;
 }
+bool AudioEffectX::askEditorMenu(EditorMenu& menu) {
+  return callHost(HostOpcode::VendorSpecific, kEditorMenuRequest, 0, &menu) == 1;
+}
 void AudioEffectX::updateDisplay() { callHost(HostOpcode::UpdateDisplay); }
 
 bool AudioEffectX::isInputConnected(std::int32_t pin) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sdk/AudioEffect.h"
+#include "sdk/EditorMenu.h"
 
 #include <cstdint>
 
@@ -48,6 +49,9 @@ class AudioEffectX : public AudioEffect {
 
   /// Asks the host for another size of the editor's window, in pixels. False when it won't.
   bool sizeWindow(std::int32_t width, std::int32_t height);
+
+  /// Asks the host what it has for the menu of the editor. False: nothing.
+  bool askEditorMenu(EditorMenu& menu);
 
   /// Names, displays or the program have changed.
   void updateDisplay();

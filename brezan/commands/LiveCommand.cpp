@@ -11,14 +11,17 @@
 #include "brezan/plugin/StartingPoint.h"
 #include "brezan/sound/PendingFile.h"
 #include "live/JackSystem.h"
+#include "live/LearnMenu.h"
 #include "live/Player.h"
 #include "live/RtSystem.h"
+#include "live/SessionClient.h"
 #include "platform/SettingsStore.h"
 #include "presets/store/PersistentSettings.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -39,6 +42,7 @@ constexpr std::chrono::microseconds kIdleTime{16667};
 constexpr std::chrono::milliseconds kStatusTime{200};
 constexpr const char* kClientName = "QLX Brezan";
 constexpr const char* kLever = "Lever";
+constexpr const char* kManagerVariable = "NSM_URL";
 // Value of the user's settings with the learned controllers.
 constexpr const char* kMapName = "midi-controllers";
 
@@ -170,14 +174,50 @@ std::string status(live::Player& player, PluginHost& host, int lever) {
   return words;
 }
 
-void play(const LiveOptions& options) {
-  if (options.list) {
-    for (const std::string& line : live::RtSystem::list()) std::cout << line << '\n';
-    return;
+/// A session manager that has started the program, and what it wants to have opened.
+class ManagedSession {
+ public:
+  /// Without a manager it does nothing. Waits until the manager has said what to open.
+  ManagedSession() {
+    const char* url = std::getenv(kManagerVariable);
+    if (url == nullptr || *url == '\0') return;
+    m_client.emplace(url, kClientName, "brezan");
+    while (!m_session) {
+      m_session = m_client->awaitSession(kStatusTime);
+      if (takeInterrupt()) throw std::runtime_error("ended before the session was open");
+    }
   }
+  bool isThere() const { return m_session.has_value(); }
+  /// The name for the audio system.
+  std::string clientName() const { return isThere() ? m_session->id : kClientName; }
+  std::string stateFile() const { return m_session->path + ".state"; }
+  /// The manager is told once, whichever comes first.
+  void tellOpened() {
+    if (isThere() && !std::exchange(m_answered, true)) m_client->tellOpened();
+  }
+  void tellFailed(const std::string& words) {
+    if (isThere() && !std::exchange(m_answered, true)) m_client->tellFailed(words);
+  }
+  void idle(PluginHost& host) {
+    if (!isThere()) return;
+    m_client->idle([this, &host] {
+      std::error_code error;
+      fs::create_directories(fs::path(stateFile()).parent_path(), error); // else writing says it
+      writeFile(stateFile(), host.state());
+    });
+  }
+
+ private:
+  std::optional<live::SessionClient> m_client;
+  std::optional<live::SessionClient::Session> m_session;
+  bool m_answered = false;
+};
+
+void play(const LiveOptions& options, ManagedSession& session) {
   PluginHost host(locatePlugin(options.plugin));
   const Names names(host);
   StartingPoint start = options.start;
+  if (session.isThere()) start.state = session.stateFile();
   std::error_code error;
   if (!fs::exists(start.state, error)) start.state.clear(); // saved there for the first time
   {
@@ -204,7 +244,7 @@ void play(const LiveOptions& options) {
   bool useJack = options.audio != "alsa";
   events.open = [&]() -> std::unique_ptr<live::AudioSystem> {
     if (useJack) {
-      std::unique_ptr<live::JackSystem> jack = live::JackSystem::open(kClientName, wishes);
+      std::unique_ptr<live::JackSystem> jack = live::JackSystem::open(session.clientName(), wishes);
       if (jack || options.audio == "jack" || !wishes.strict) return jack;
     }
     useJack = false;
@@ -252,14 +292,18 @@ void play(const LiveOptions& options) {
       std::cerr << "brezan: warning: this user may not lock memory; see 'ulimit -l'\n";
   }
 
+  live::LearnMenu menu(*player, [&names](int parameter) { return names[parameter]; });
+  host.setMenuListener([&menu](sdk::EditorMenu& shown) { return menu.answer(shown); });
   std::optional<EditorWindow> window;
   if (!options.noWindow) window.emplace(host);
+  session.tellOpened();
   const int lever = names.require(kLever);
   auto nextStatus = Clock::now();
   for (auto next = nextStatus; !takeInterrupt() && (!window || window->isOpen());
        next += kIdleTime) {
     player->idle();
     if (window) window->idle();
+    session.idle(host);
     if (Clock::now() >= nextStatus) {
       line.show(status(*player, host, lever));
       nextStatus = Clock::now() + kStatusTime;
@@ -268,12 +312,29 @@ void play(const LiveOptions& options) {
     std::this_thread::sleep_until(next);
   }
   window.reset();
+  host.setMenuListener({});
   const auto* jack = dynamic_cast<const live::JackSystem*>(player->system());
   say("played " + std::to_string(player->effect().blocks()) + " blocks" +
       (jack == nullptr ? "" : " since JACK frame " + std::to_string(jack->firstFrame())) + ", " +
       std::to_string(player->lateBlocks()) + " xruns");
   player.reset();
-  if (!options.start.state.empty()) writeFile(options.start.state, host.state());
+  // A session's is saved when its manager says so.
+  if (!session.isThere() && !options.start.state.empty())
+    writeFile(options.start.state, host.state());
+}
+
+void play(const LiveOptions& options) {
+  if (options.list) {
+    for (const std::string& line : live::RtSystem::list()) std::cout << line << '\n';
+    return;
+  }
+  ManagedSession session;
+  try {
+    play(options, session);
+  } catch (const std::exception& error) {
+    session.tellFailed(error.what());
+    throw;
+  }
 }
 
 } // namespace

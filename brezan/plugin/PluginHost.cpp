@@ -53,6 +53,13 @@ std::intptr_t PluginHost::answer(sdk::EffectRecord* effect, std::int32_t opcode,
                    host->m_sizeListener({index, static_cast<int>(value)})
                ? 1
                : 0;
+  case HostOpcode::VendorSpecific: {
+    auto* const menu = static_cast<sdk::EditorMenu*>(ptr);
+    const bool asked = host != nullptr && host->m_menuListener &&
+                       index == sdk::kEditorMenuRequest && menu != nullptr &&
+                       menu->byteSize == sizeof(sdk::EditorMenu);
+    return asked && host->m_menuListener(*menu) ? 1 : 0;
+  }
   case HostOpcode::Version: return sdk::kVstVersion;
   case HostOpcode::PinConnected:
     if (host == nullptr || (value != 0 && value != 1)) return 0;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "brezan/System.h"
+#include "sdk/EditorMenu.h"
 #include "sdk/EditorPicture.h"
 #include "sdk/VstTypes.h"
 
@@ -91,6 +92,10 @@ class PluginHost {
   void setSizeListener(std::function<bool(EditorSize)> listener) {
     m_sizeListener = std::move(listener);
   }
+  /// Has its say in the editor's menu; answers as sdk::EditorMenu says.
+  void setMenuListener(std::function<bool(sdk::EditorMenu&)> listener) {
+    m_menuListener = std::move(listener);
+  }
   /// Is told of gestures on the thread that they come on.
   void setEditListener(std::function<void(const HostEdit&)> listener) {
     m_editListener = std::move(listener);
@@ -126,6 +131,7 @@ class PluginHost {
   std::array<int, 2> m_channels{2, 2}; ///< inputs, outputs in use
   std::function<void(const HostEdit&)> m_editListener;
   std::function<bool(EditorSize)> m_sizeListener;
+  std::function<bool(sdk::EditorMenu&)> m_menuListener;
 };
 
 } // namespace qlx::tools

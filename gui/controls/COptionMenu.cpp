@@ -80,7 +80,11 @@ bool COptionMenu::popup() {
   }
   frame->takeKeyboardFocus();
   CMenuList* shown = list.get();
-  if (!frame->openPopup(std::move(list), corner, [this] { m_list = nullptr; })) return false;
+  if (!frame->openPopup(std::move(list), corner, [this] {
+        m_list = nullptr;
+        popupClosed();
+      }))
+    return false;
   m_list = shown;
   return true;
 }

@@ -70,6 +70,9 @@ class COptionMenu : public CParamDisplay {
   COptionMenu(const COptionMenu& other);
 
  private:
+  /// The list has closed; a choice has not been made yet.
+  virtual void popupClosed() {}
+
   std::vector<std::string> m_entries;
   int m_perColumn = 0;
   CMenuList* m_list = nullptr;

@@ -216,6 +216,64 @@ TEST_F(OpenEditor, ItsSizeIsChosenFromAMenu) {
   EXPECT_EQ(rig.settings->readText("Scale"), "1.5");
 }
 
+TEST_F(OpenEditor, HostAddsToTheMenuOfAControl) {
+  using Menu = sdk::EditorMenu;
+  std::string asked;
+  bool waiting = false;
+  rig.effect.onMenu = [&](Menu& menu) {
+    EXPECT_EQ(menu.byteSize, sizeof menu);
+    if (menu.event == Menu::kIdle) return waiting;
+    asked += std::to_string(menu.parameter) + "+-"[menu.event == Menu::kClosed];
+    if (menu.event == Menu::kChosen) asked += std::to_string(menu.chosen);
+    const bool shows = menu.event == Menu::kOpening || (menu.event == Menu::kChosen && waiting);
+    if (!shows) return false;
+    menu.itemCount = menu.event == Menu::kOpening ? 2 : 1000000;
+    for (auto& title : menu.titles) title.fill('A'); // of an unfriendly host: not terminated
+    menu.titles[0] = {"First"};
+    return menu.parameter >= 0;
+  };
+  const std::string sizes = "*Size: 100 %; Size: 150 %; Size: 200 %; Size: 300 %; ";
+  const std::string full = "First; " + std::string(64, 'A') + "; " + sizes;
+  const auto key = [this](VirtualKey which) {
+    rig.key(which);
+    rig.editor->idle();
+    rig.editor->idle();
+  };
+  waiting = true;
+  struct Place {
+    int x, y;
+    const char* control;
+  };
+  for (const auto& [x, y, control] :
+       {Place{42, 75, "17"}, {357, 187, "2"}, {372, 365, "4"}, {343, 366, "3"}, {369, 543, "0"}}) {
+    EXPECT_EQ(contextMenuAt(rig, x, y), full) << control;
+    key(VirtualKey::kEscape);
+    EXPECT_EQ(std::exchange(asked, {}), std::string(control) + "+" + control + "-");
+  }
+  EXPECT_EQ(contextMenuAt(rig, 200, 280), sizes) << "a free place";
+  key(VirtualKey::kEscape);
+  EXPECT_EQ(std::exchange(asked, {}), "-1+");
+
+  // A menu after the menu, until the host has had enough of it.
+  contextMenuAt(rig, 42, 75);
+  rig.key(VirtualKey::kDown);
+  rig.key(VirtualKey::kDown);
+  key(VirtualKey::kReturn);
+  EXPECT_EQ(std::exchange(asked, {}), "17+17-17+1");
+  const auto& menu = dynamic_cast<const gui::COptionMenu&>(*rig.frame().getViews().back());
+  EXPECT_TRUE(menu.isPopupOpen());
+  EXPECT_EQ(menu.getNbEntries(), Menu::kMostItems);
+  waiting = false;
+  rig.editor->idle();
+  EXPECT_FALSE(menu.isPopupOpen());
+  EXPECT_EQ(std::exchange(asked, {}), "17-");
+
+  waiting = true;
+  contextMenuAt(rig, 42, 75);
+  rig.editor->close();
+  EXPECT_EQ(asked, "17+17-") << "the window's end is the menu's";
+}
+
 // --- What the user does ---
 
 TEST_F(OpenEditor, EachKnobTurnsItsParameter) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "live/Player.h"
+#include "live/LearnMenu.h"
 
 #include "tests/live/RecordingEffect.h"
 
@@ -97,6 +98,53 @@ TEST(PlayerTest, FollowsRateProgramsAndControllersAndFindsTheSystemAgain) {
   EXPECT_EQ(machine.processor, nullptr);
   machine.running = false;
   EXPECT_THROW(live::Player(host, {}, events), std::runtime_error);
+}
+
+TEST(LearnMenuTest, LearnsUntilAControllerMovesOrTheSignIsClosed) {
+  using Menu = sdk::EditorMenu;
+  Machine machine;
+  Host host;
+  live::Player::Events events;
+  events.open = [&] { return std::make_unique<MachineSystem>(machine); };
+  live::Player player(host, {}, events);
+  live::LearnMenu learn(player, [](int parameter) { return "P" + std::to_string(parameter); });
+  Menu menu{};
+  const auto tell = [&](Menu::Event event, std::int32_t chosen = 0) {
+    menu.event = event;
+    menu.chosen = chosen;
+    std::string shown = learn.answer(menu) ? "yes" : "no";
+    if (event != Menu::kIdle)
+      for (std::int32_t i = 0; i < menu.itemCount; ++i)
+        shown += std::string("; ") + menu.titles[static_cast<std::size_t>(i)].data();
+    return shown;
+  };
+  const auto choose = [&](std::int32_t item) {
+    tell(Menu::kClosed);
+    return tell(Menu::kChosen, item);
+  };
+  menu.parameter = -1;
+  EXPECT_EQ(tell(Menu::kOpening), "no");
+  menu.parameter = 5;
+  EXPECT_EQ(tell(Menu::kOpening), "yes; Learn: P5");
+  EXPECT_EQ(choose(0), "yes; Move a MIDI controller for P5");
+  EXPECT_EQ(tell(Menu::kIdle), "yes");
+  send(machine, {{0, {0xB2, 20, 1}}});
+  EXPECT_EQ(tell(Menu::kIdle), "no");
+  player.idle();
+  EXPECT_EQ(tell(Menu::kOpening), "yes; Learn: P5; Forget controller 20 of channel 3");
+  EXPECT_EQ(choose(1), "no");
+  EXPECT_EQ(player.map().controllerOf(5), std::nullopt);
+
+  for (const bool byClick : {false, true}) {
+    tell(Menu::kOpening);
+    choose(0);
+    EXPECT_EQ(player.effect().learning(), 5);
+    if (byClick)
+      EXPECT_EQ(choose(0), "no") << "the sign itself";
+    else
+      tell(Menu::kClosed);
+    EXPECT_EQ(player.effect().learning(), live::EffectPlayer::kNoParameter);
+  }
 }
 
 } // namespace qlx::test

@@ -54,11 +54,12 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
   std::string log;
   bool makesRoom = true; ///< the host, for a window of another size
   std::function<void()> onAutomate = [] {};
+  std::function<bool(sdk::EditorMenu&)> onMenu = [](sdk::EditorMenu&) { return false; };
   editor::RotaryEditor* window = nullptr;
 
  private:
   static std::intptr_t host(sdk::EffectRecord* record, std::int32_t opcode, std::int32_t index,
-                            std::intptr_t value, void* /*ptr*/, float opt) {
+                            std::intptr_t value, void* ptr, float opt) {
     if (record == nullptr || record->user == nullptr) return 0;
     auto& effect = *static_cast<SilentEffect*>(record->user);
     const std::string number = std::to_string(index);
@@ -73,6 +74,10 @@ class SilentEffect : public presets::CPresetSystemEffect, public editor::EffectR
     case sdk::HostOpcode::SizeWindow:
       effect.log += gap + number + "x" + std::to_string(value);
       return effect.makesRoom ? 1 : 0;
+    case sdk::HostOpcode::VendorSpecific:
+      return index == sdk::kEditorMenuRequest && effect.onMenu(*static_cast<sdk::EditorMenu*>(ptr))
+                 ? 1
+                 : 0;
     default: break;
     }
     return 0;
