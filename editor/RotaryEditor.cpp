@@ -151,6 +151,7 @@ std::vector<ContextMenu::Item> RotaryEditor::askHost(sdk::EditorMenu::Event even
 void RotaryEditor::hostItemChosen(std::int32_t item) {
   m_menuToCome = askHost(sdk::EditorMenu::kChosen, item);
   m_hostMenuOpen = !m_menuToCome.empty();
+  if (m_hostMenuOpen) getFrame()->takeKeyboardFocus(); // else its loss closes the next menu
 }
 
 void RotaryEditor::menuClosed() {

@@ -148,7 +148,10 @@ void CFrame::setFocusView(CView* view) {
   if (m_focusView != nullptr && m_focusView == view) m_focusView->onFocusGained();
 }
 
-void CFrame::takeKeyboardFocus() { m_window->takeFocus(); }
+void CFrame::takeKeyboardFocus() {
+  m_pointerLeft = false; // it is wanted now, wherever the pointer is
+  m_window->takeFocus();
+}
 void CFrame::giveKeyboardFocusBack() { m_window->giveFocusBack(); }
 
 // The host's own keys are to work again once the pointer is elsewhere, unless what the user has
