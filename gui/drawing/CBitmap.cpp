@@ -59,6 +59,46 @@ bool isPng(Bytes bytes) {
          std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin());
 }
 
+/// One and a half times as many pixels as `count`, an even number, those of either row or column
+/// `stride` words apart: Catmull-Rom's cubic through their middles. Channels stay within 0 and the
+/// pixel's alpha.
+void resample(const std::uint32_t* from, std::uint32_t* to, int count, int fromStride,
+              int toStride) {
+  // Every two pixels make three, whose middles lie 1/6 before the first's, midway, and 1/6 behind
+  // the second's. Weights of four neighbours in units of 1/432.
+  constexpr std::array<std::array<int, 4>, 3> kWeights{
+      {{-5, 57, 405, -25}, {-27, 243, 243, -27}, {-25, 405, 57, -5}}};
+  constexpr std::array<int, 3> kFirst{-2, -1, 0};
+  constexpr int kUnit = 432;
+  for (int i = 0; i < count / 2 * 3; ++i) {
+    const auto phase = static_cast<std::size_t>(i % 3);
+    const int first = i / 3 * 2 + kFirst[phase];
+    std::array<int, 4> sums{};
+    for (int tap = 0; tap < 4; ++tap) {
+      const std::uint32_t pixel = from[std::clamp(first + tap, 0, count - 1) * fromStride];
+      const int weight = kWeights[phase][static_cast<std::size_t>(tap)];
+      for (std::size_t c = 0; c < 4; ++c)
+        sums[c] += weight * static_cast<int>(pixel >> (8 * c) & 0xFFU);
+    }
+    const int alpha = std::clamp((sums[3] + kUnit / 2) / kUnit, 0, 255);
+    std::uint32_t pixel = static_cast<std::uint32_t>(alpha) << 24;
+    for (std::size_t c = 0; c < 3; ++c)
+      pixel |= static_cast<std::uint32_t>(std::clamp((sums[c] + kUnit / 2) / kUnit, 0, alpha))
+               << (8 * c);
+    to[i * toStride] = pixel;
+  }
+}
+
+PixelBuffer halfAsLargeAgain(const PixelBuffer& picture) {
+  PixelBuffer wide(picture.width / 2 * 3, picture.height);
+  for (int y = 0; y < picture.height; ++y)
+    resample(picture.row(y), wide.row(y), picture.width, 1, 1);
+  PixelBuffer large(wide.width, picture.height / 2 * 3);
+  for (int x = 0; x < wide.width; ++x)
+    resample(wide.row(0) + x, large.row(0) + x, picture.height, wide.width, wide.width);
+  return large;
+}
+
 } // namespace
 
 CBitmap::CBitmap(PixelBuffer pixels)
@@ -87,26 +127,29 @@ CBitmapRef CBitmap::load(Files files) {
 }
 
 // Without pixels where the files don't fit.
-CBitmap::Pieces CBitmap::piecesOf(int scale) const {
-  const Bytes bytes = m_files == nullptr ? Bytes{} : m_files(scale);
-  const int width = m_width * scale;
-  const int height = m_height * scale;
+CBitmap::Pieces CBitmap::piecesOf(int scale, int from) const {
+  const Bytes bytes = m_files == nullptr ? Bytes{} : m_files(from);
+  const int width = m_width * from;
+  const int height = m_height * from;
   if (bytes.empty()) return {};
-  Pieces pieces{scale, height, {}, {}};
+  Pieces pieces{scale, height, from, {}, {}};
   if (!isPng(bytes)) {
     auto pixels = decodeDib(bytes);
-    if (!pixels || pixels->width != width || pixels->height != height) return {};
+    if (scale != from || !pixels || pixels->width != width || pixels->height != height) return {};
     pieces.pixels.push_back(std::move(*pixels));
     return pieces;
   }
   pieces.files = partedPngFiles(bytes);
   const int count = static_cast<int>(pieces.files.size());
-  pieces.height = height / count;
+  const int drawn = height / count;
   const auto fits = [&](Bytes file) {
     const auto size = pngSize(file);
-    return size && size->width == width && size->height == pieces.height;
+    return size && size->width == width && size->height == drawn;
   };
-  if (pieces.height * count != height || !std::ranges::all_of(pieces.files, fits)) return {};
+  pieces.height = drawn * scale / from;
+  if (drawn * count != height || pieces.height * from != drawn * scale ||
+      !std::ranges::all_of(pieces.files, fits))
+    return {};
   pieces.pixels.resize(pieces.files.size());
   return pieces;
 }
@@ -118,7 +161,7 @@ CBitmap::Pieces CBitmap::enlarged(int scale) const {
     std::uint32_t* to = large.row(y);
     for (int x = 0; x < large.width; ++x) to[x] = from[x / scale];
   }
-  Pieces pieces{scale, large.height, {}, {}};
+  Pieces pieces{scale, large.height, scale, {}, {}};
   pieces.pixels.push_back(std::move(large));
   return pieces;
 }
@@ -126,15 +169,18 @@ CBitmap::Pieces CBitmap::enlarged(int scale) const {
 const std::uint32_t* CBitmap::row(int scale, int y) const {
   if (m_files == nullptr && scale == 1) return m_plain.row(y);
   if (m_pieces.scale != scale) {
-    Pieces pieces = piecesOf(scale);
+    Pieces pieces = piecesOf(scale, scale);
+    if (pieces.pixels.empty() && scale == 3) pieces = piecesOf(scale, 2);
     if (pieces.pixels.empty() && scale > 1) pieces = enlarged(scale);
-    if (pieces.pixels.empty()) pieces = {scale, m_height, {}, {PixelBuffer(m_width, m_height)}};
+    if (pieces.pixels.empty())
+      pieces = {scale, m_height, scale, {}, {PixelBuffer(m_width, m_height)}};
     m_pieces = std::move(pieces);
   }
   const auto index = static_cast<std::size_t>(y / m_pieces.height);
   PixelBuffer& piece = m_pieces.pixels[index];
   if (piece.pixels.empty()) {
     auto pixels = decodePng(m_pieces.files[index]);
+    if (pixels && m_pieces.from != scale) pixels = halfAsLargeAgain(*pixels);
     piece = pixels ? std::move(*pixels) : PixelBuffer(m_width * scale, m_pieces.height);
   }
   return piece.row(y % m_pieces.height);

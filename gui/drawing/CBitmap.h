@@ -27,8 +27,9 @@ class CBitmap {
 
   /// A picture that is decoded when it is drawn, at the scale and as far as it is drawn then. Its
   /// files are those that decode() takes, or several PNG files of one size behind each other, which
-  /// stand below each other in the picture: of a strip, only what is shown is decoded. A larger
-  /// size without a file is made of the plain one by repeating pixels. Null without a plain file.
+  /// stand below each other in the picture: of a strip, only what is shown is decoded. Three times
+  /// the size without a file is made of the double one, piece by piece; every other size of the
+  /// plain one by repeating pixels. Null without a plain file.
   static std::shared_ptr<const CBitmap> load(Files files);
 
   int width() const { return m_width; }
@@ -47,12 +48,13 @@ class CBitmap {
   struct Pieces {
     int scale = 0;
     int height = 0;
+    int from = 0;                                     ///< the scale that the files were drawn at
     std::vector<std::span<const std::uint8_t>> files; ///< none where it was decoded at once
     std::vector<PixelBuffer> pixels;                  ///< empty ones aren't decoded yet
   };
 
   CBitmap(Files files, int width, int height);
-  Pieces piecesOf(int scale) const;
+  Pieces piecesOf(int scale, int from) const;
   Pieces enlarged(int scale) const;
 
   Files m_files;

@@ -9,8 +9,7 @@ namespace qlx::presets {
 
 gui::CBitmapRef loadBitmap(int number) {
   return gui::CBitmap::load([number](int scale) -> std::span<const std::uint8_t> {
-    if (scale != 1) return {};
-    const std::span<const std::byte> file = resources::findImage(number);
+    const std::span<const std::byte> file = resources::findImage(number, scale);
     return {reinterpret_cast<const std::uint8_t*>(file.data()), file.size()};
   });
 }

@@ -5,6 +5,8 @@
 #include "resources/artwork/Materials.h"
 #include "resources/artwork/Palette.h"
 
+#include <numbers>
+
 /// The about screen: the cabinet from the front, its rotors behind the louvres in warm light.
 namespace qlx::artwork {
 namespace {
@@ -19,7 +21,7 @@ constexpr PixelRect kDrumWindow{62, 266, 338, 470};
 constexpr PixelRect kPlate{52, 162, 348, 246};
 // A well around the field of the version text.
 constexpr PixelRect kVersion{layout::kAboutVersion.left - 6, layout::kAboutVersion.top - 3,
-                             layout::kAboutVersion.right + 2, layout::kAboutVersion.bottom + 4};
+                             layout::kAboutVersion.left + 46, layout::kAboutVersion.bottom + 4};
 constexpr double kSlatPitch = 14.0;
 constexpr double kSlatHeight = 6.5;
 
@@ -97,30 +99,57 @@ Seen hornAt(Point p) {
   return {};
 }
 
-/// The drum: a wide cylinder on an upright shaft with its scoop turned half towards us.
+/// The drum: a wide cylinder on an upright shaft, seen from a little above, with its scoop turned
+/// towards us: a wall that curves from the mouth's near edge back up to the upper rim, its hollow
+/// lit from the loudspeaker above.
 Seen drumAt(Point p) {
   constexpr double kX = 200.0;
-  constexpr double kTop = 296.0;
-  constexpr double kBottom = 446.0;
+  constexpr double kTop = 302.0;
+  constexpr double kBottom = 440.0;
   constexpr double kRadius = 112.0;
+  constexpr double kOval = 0.13; // height of a rim's ellipse over its width
+  constexpr double kRim = 9.0;
   const double u = (p.x - kX) / kRadius;
-  if (p.y > kTop && p.y < kBottom && std::abs(u) < 1.0) {
-    const bool rim = p.y < kTop + 9.0 || p.y > kBottom - 9.0;
-    // The scoop: a curved wall that runs from the near left edge back to the far right.
-    const double v = (p.y - kTop - 9.0) / (kBottom - kTop - 18.0);
-    const double mouthX = (p.x - 168.0) / 66.0;
-    if (!rim && std::abs(mouthX) < 1.0) {
-      const double bend = mouthX * 0.9;
-      const double depth = smoothstep(-1.0, 0.35, mouthX);
-      return {true, unit({-bend - 0.2, 0.25 * (v - 0.5), 1.0}), mix(0.10, 0.95, depth)};
-    }
-    return {true, unit({u, 0.0, std::sqrt(1.0 - u * u)}), rim ? 1.1 : 0.85};
+  const double shaft = (p.x - kX) / 5.0;
+  const Seen rod{true, unit({shaft, 0.0, std::sqrt(std::max(0.0, 1.0 - shaft * shaft))}), 0.7};
+  if (std::abs(u) >= 1.0) return {};
+  const double sag = kOval * kRadius * std::sqrt(1.0 - u * u);
+  if (p.y > kBottom + sag) return std::abs(shaft) < 1.0 ? rod : Seen{};
+  if (p.y < kTop + sag) {
+    // The lid: its ellipse, with the shaft rising from the middle.
+    if (std::abs(shaft) < 1.0 && p.y < kTop + 2.0) return rod;
+    if (p.y < kTop - sag) return {};
+    const double v = (p.y - kTop) / (kOval * kRadius);
+    const double r = std::hypot(u, v);
+    return {true, unit({0.1 * u, -0.75, 0.66}), r > 0.90 ? 1.35 : mix(0.75, 0.5, r)};
   }
-  if (std::abs(p.x - kX) < 5.0) {
-    const double w = (p.x - kX) / 5.0;
-    return {true, unit({w, 0.0, std::sqrt(1.0 - w * w)}), 0.7};
+  const Direction side{u, 0.0, std::sqrt(1.0 - u * u)};
+  const double below = p.y - kTop - sag; // from the upper rim down the wall
+  const double height = kBottom - kTop;
+  if (below < kRim || below > height - kRim) {
+    const double edge = below < kRim ? below : height - below;
+    const double bulge = 2.0 * edge / kRim - 1.0;
+    return {true, unit({side.x, 0.5 * bulge * (below < kRim ? 1.0 : -1.0), side.z}), 1.15};
   }
-  return {};
+  // The scoop's mouth: from the near upright edge on the left to the cut edge, which sweeps down
+  // the wall from the upper right to the lower middle.
+  const double t = (below - kRim) / (height - 2.0 * kRim);
+  const double left = -0.74;
+  const double right = 0.70 - 0.62 * t * t;
+  const double w = (2.0 * u - left - right) / (right - left);
+  if (std::abs(w) > 1.0) {
+    const bool cut = w > 1.0 && u - right < 0.045;
+    return {true, unit(side), cut ? 1.7 : 0.80};
+  }
+  // Inside, a wall curves from the back, under the upper rim, down to the cut edge; it is lit where
+  // it lies open to the loudspeaker above and dark under the rim and behind the near edge.
+  const double bend = t * std::numbers::pi / 2.0;
+  const double behind = smoothstep(-1.0, -0.15, w);
+  const double overhang = smoothstep(0.0, 0.22, t);
+  const double lamp =
+      std::exp(-std::pow((t - 0.55) / 0.33, 2.0) - std::pow((w - 0.35) / 0.55, 2.0));
+  return {true, unit({-0.5 - 0.3 * w, -std::sin(bend), 0.25 + std::cos(bend)}),
+          mix(0.06, 0.35 + 1.9 * lamp, behind * overhang)};
 }
 
 void drawWindowOf(Canvas& canvas, const PixelRect& window, Seen (*seenAt)(Point),
@@ -185,9 +214,10 @@ void drawTitle(Frame& frame) {
     cairo_rectangle(cr, 72.0, 208.0, 256.0, 1.0);
     cairo_fill(cr);
   }));
-  engrave(canvas,
-          frame.lettering.line(canvas, "Rotary speaker: horn, drum, cabinet and room",
-                               {Face::Text, 11.5, 0.15, false}, Align::Centre, 200.0, 227.0));
+  // Letters this small are inlaid, not cut: a cut's lit edge would double their stems.
+  canvas.fill(frame.lettering.line(canvas, "Rotary speaker: horn, drum, cabinet and room",
+                                   {Face::Text, 11.5, 0.15, true}, Align::Centre, 200.0, 227.0),
+              srgb(0x241704), 0.94);
   sinkWell(canvas, slab(kVersion, 3.0).mask(canvas), srgb(palette::kWell));
 }
 

@@ -51,13 +51,17 @@ const Artwork& artwork(int number) {
   return *found;
 }
 
+Picture drawnFrame(const Artwork& artwork, const Lettering& lettering, int scale, int index) {
+  Canvas canvas(artwork.width, artwork.frameHeight, scale);
+  Frame frame{canvas, lettering, index};
+  artwork.draw(frame);
+  return canvas.finished();
+}
+
 Picture drawn(const Artwork& artwork, const Lettering& lettering, int scale) {
   Picture strip(artwork.width * scale, artwork.frameHeight * artwork.frames * scale);
   for (int i = 0; i < artwork.frames; ++i) {
-    Canvas canvas(artwork.width, artwork.frameHeight, scale);
-    Frame frame{canvas, lettering, i};
-    artwork.draw(frame);
-    strip.place(canvas.finished(), 0, i * artwork.frameHeight * scale);
+    strip.place(drawnFrame(artwork, lettering, scale, i), 0, i * artwork.frameHeight * scale);
   }
   return strip;
 }

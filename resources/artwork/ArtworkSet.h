@@ -33,6 +33,9 @@ std::span<const Artwork> artworkSet();
 /// The image with this number; throws std::out_of_range when there is none.
 const Artwork& artwork(int number);
 
+/// Draws one frame, 0 to frames - 1, at `scale` times the layout's size.
+Picture drawnFrame(const Artwork& artwork, const Lettering& lettering, int scale, int index);
+
 /// Draws the whole strip at `scale` times the layout's size.
 Picture drawn(const Artwork& artwork, const Lettering& lettering, int scale);
 

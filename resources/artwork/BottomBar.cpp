@@ -47,7 +47,7 @@ void lampWithWord(Frame& frame, double lampX, std::string_view word, double word
   const Mask letters =
       frame.lettering.line(frame.canvas, word, captionStyle(tracking), Align::Left, wordX, 11.0);
   if (on) frame.canvas.fill(letters.blurred(1.0), srgb(palette::kLampOn), 0.35);
-  print(frame.canvas, letters, srgb(on ? 0xffe9c4 : palette::kIvoryDim));
+  print(frame.canvas, letters, srgb(on ? 0xffe9c4 : palette::kUnlit));
 }
 
 /// A cap for a whole button: stands proud at rest, sunk and lit when on.
@@ -145,7 +145,7 @@ void drawMode(Frame& frame) {
     const Mask letters = frame.lettering.line(canvas, half.word, headingStyle(0.0), Align::Centre,
                                               half.centre, 11.0);
     if (half.on) canvas.fill(letters.blurred(1.2), srgb(palette::kAmber), 0.35);
-    print(canvas, letters, half.on ? srgb(0xffdf9e) : srgb(0x8a8070));
+    print(canvas, letters, srgb(half.on ? 0xffdf9e : palette::kUnlit));
   }
 }
 
@@ -157,7 +157,7 @@ void drawBypass(Frame& frame) {
   const Mask letters =
       frame.lettering.line(canvas, "BYPASS", headingStyle(0.0), Align::Centre, 33.0, 11.0);
   if (on) canvas.fill(letters.blurred(1.2), srgb(palette::kLampOn), 0.35);
-  print(canvas, letters, on ? srgb(0xffd9b8) : srgb(palette::kIvory));
+  print(canvas, letters, srgb(on ? 0xffd9b8 : palette::kUnlit));
 }
 
 } // namespace qlx::artwork

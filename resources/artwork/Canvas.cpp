@@ -11,6 +11,15 @@ namespace {
 
 constexpr std::uint32_t kDitherField = 7001;
 
+/// What is added before rounding down to 8 bits, 0..1: random at the plain size, where single
+/// pixels show; a small pattern in larger pictures, which disappears there and packs far better.
+double ditherAt(int x, int y, int scale) {
+  constexpr std::array<std::array<int, 4>, 4> kPattern{
+      {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}}};
+  if (scale == 1) return hashed(x, y, kDitherField);
+  return (kPattern[static_cast<std::size_t>(y % 4)][static_cast<std::size_t>(x % 4)] + 0.5) / 16.0;
+}
+
 std::uint8_t quantised(double linear, double dither) {
   return static_cast<std::uint8_t>(
       std::clamp(std::floor(srgbFromLinear(clamp01(linear)) * 255.0 + dither), 0.0, 255.0));
@@ -65,7 +74,7 @@ Picture Canvas::finished() const {
       const double alpha = a / (kOversampling * kOversampling);
       const int alpha8 = static_cast<int>(std::lround(clamp01(alpha) * 255.0));
       if (alpha8 == 0) continue;
-      const double dither = hashed(x, y, kDitherField);
+      const double dither = ditherAt(x, y, m_scale);
       picture.at(x, y) = {quantised(r / a, dither), quantised(g / a, dither),
                           quantised(b / a, dither), static_cast<std::uint8_t>(alpha8)};
     }

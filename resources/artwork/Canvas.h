@@ -24,6 +24,9 @@ class Canvas {
   int width() const { return m_width; }
   int height() const { return m_height; }
   int scale() const { return m_scale; }
+  /// Width of a bevel's edge: a pixel at the plain size, finer than the layout's in larger
+  /// pictures.
+  double hairline() const { return 0.5 + 0.5 / m_scale; }
   /// Samples per layout pixel along each axis; the density of masks for this canvas.
   int density() const { return m_scale * kOversampling; }
   PixelRect box() const { return {0, 0, m_width, m_height}; }

@@ -35,10 +35,10 @@ void print(Canvas& canvas, const Mask& letters, const Colour& colour, double opa
 
 void sinkWell(Canvas& canvas, const Mask& shape, const Colour& floor) {
   // Lip: the lower right edge turns towards the lamp, the upper left one away from it.
-  canvas.fill(shape.moved(0, 1).without(shape), srgb(palette::kSteelLit), 0.9);
+  canvas.fill(shape.moved(0, canvas.hairline()).without(shape), srgb(palette::kSteelLit), 0.9);
   canvas.fill(shape.moved(0.5, 0.5).without(shape), srgb(palette::kSteelLit), 0.5);
-  canvas.fill(shape.moved(0, -1).without(shape), {}, 0.75);
-  canvas.fill(shape.moved(-1, 0).without(shape), {}, 0.5);
+  canvas.fill(shape.moved(0, -canvas.hairline()).without(shape), {}, 0.75);
+  canvas.fill(shape.moved(-canvas.hairline(), 0).without(shape), {}, 0.5);
   canvas.fill(shape, floor);
   // What the upper and left edge keep from the floor.
   const Mask cast = shape.without(shape.moved(1.0, 1.5)).blurred(1.1).within(shape);
@@ -60,15 +60,16 @@ void pushCap(Canvas& canvas, const Slab& place, CapState state, const Mask& mark
     return srgb(palette::kBakelite) * (slope * lift);
   });
   if (!pressed) {
-    canvas.fill(inner.without(inner.moved(0, 1)), srgb(palette::kBakeliteLit), 0.9);
-    canvas.fill(inner.without(inner.moved(1, 0)), srgb(palette::kBakeliteLit), 0.45);
-    canvas.fill(inner.without(inner.moved(0, -1)), {}, 0.45);
+    canvas.fill(inner.without(inner.moved(0, canvas.hairline())), srgb(palette::kBakeliteLit), 0.9);
+    canvas.fill(inner.without(inner.moved(canvas.hairline(), 0)), srgb(palette::kBakeliteLit),
+                0.45);
+    canvas.fill(inner.without(inner.moved(0, -canvas.hairline())), {}, 0.45);
   } else {
-    canvas.fill(inner.without(inner.moved(0, 1)), {}, 0.6);
+    canvas.fill(inner.without(inner.moved(0, canvas.hairline())), {}, 0.6);
   }
   const Colour colour =
       pressed ? srgb(palette::kAmber) : srgb(state == CapState::Hover ? 0xfffaf0 : palette::kIvory);
-  canvas.fill(mark.moved(0, 1).within(inner), {}, 0.55);
+  canvas.fill(mark.moved(0, canvas.hairline()).within(inner), {}, 0.55);
   if (pressed) canvas.glow(mark.blurred(1.2).within(inner), srgb(palette::kAmber), 0.35);
   canvas.fill(mark, colour);
 }
@@ -138,7 +139,7 @@ void screw(Canvas& canvas, Point centre, double radius, double slotDegrees) {
 void layPlate(Canvas& canvas, const Slab& place, double shineTop, double shineBottom) {
   const Mask plate = place.mask(canvas);
   canvas.fill(plate.moved(1.2, 1.8).blurred(1.4), {}, 0.8);
-  canvas.fill(plate.moved(0, 1).without(plate), {}, 0.6);
+  canvas.fill(plate.moved(0, canvas.hairline()).without(plate), {}, 0.6);
   const double height = place.bottom - place.top;
   const double width = place.right - place.left;
   canvas.paint(plate, [&](Point p) {
@@ -148,16 +149,17 @@ void layPlate(Canvas& canvas, const Slab& place, double shineTop, double shineBo
     const double sheen = std::exp(-std::pow((slant - 0.22) / 0.20, 2.0));
     return brushedBrass(p, mix(shineTop, shineBottom, t) + 0.22 * sheen);
   });
-  canvas.fill(plate.without(plate.moved(0, 1)), srgb(0xffe9b0), 0.75);
-  canvas.fill(plate.without(plate.moved(1, 0)), srgb(0xffe9b0), 0.40);
-  canvas.fill(plate.without(plate.moved(0, -1)), srgb(0x2c1e08), 0.75);
-  canvas.fill(plate.without(plate.moved(-1, 0)), srgb(0x2c1e08), 0.55);
+  canvas.fill(plate.without(plate.moved(0, canvas.hairline())), srgb(0xffe9b0), 0.75);
+  canvas.fill(plate.without(plate.moved(canvas.hairline(), 0)), srgb(0xffe9b0), 0.40);
+  canvas.fill(plate.without(plate.moved(0, -canvas.hairline())), srgb(0x2c1e08), 0.75);
+  canvas.fill(plate.without(plate.moved(-canvas.hairline(), 0)), srgb(0x2c1e08), 0.55);
 }
 
 void engrave(Canvas& canvas, const Mask& letters) {
-  canvas.fill(letters.moved(0.5, 1.0).without(letters), srgb(0xfff0bd), 0.75);
+  canvas.fill(letters.moved(0.5 * canvas.hairline(), canvas.hairline()).without(letters),
+              srgb(0xfff0bd), 0.75);
   canvas.fill(letters, srgb(0x241704), 0.94);
-  canvas.fill(letters.without(letters.moved(0.5, 1.0)), {}, 0.5);
+  canvas.fill(letters.without(letters.moved(0.5 * canvas.hairline(), canvas.hairline())), {}, 0.5);
 }
 
 } // namespace qlx::artwork

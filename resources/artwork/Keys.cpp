@@ -10,9 +10,23 @@
 namespace qlx::artwork {
 namespace {
 
+/// The mark as a lens in the key with a lamp behind it: its light falls on the bone around.
+void lightMark(Canvas& canvas, const Mask& mark, const Mask& key) {
+  canvas.fill(key, srgb(0x2a1404), 0.45);
+  canvas.fill(mark.blurred(3.0).within(key), srgb(0x5a2604), 0.95);
+  canvas.fill(mark.blurred(1.6).within(key), srgb(0xff9a2a), 0.8);
+  Mask rim = mark.blurred(0.55);
+  for (int y = 0; y < rim.rows(); ++y)
+    for (int x = 0; x < rim.columns(); ++x) rim.at(x, y) = std::min(1.0F, 3.0F * rim.at(x, y));
+  canvas.fill(rim.within(key), srgb(0x3a1a04), 0.95);
+  canvas.fill(mark, srgb(palette::kAmber));
+  canvas.fill(mark.blurred(0.5).within(mark), srgb(palette::kAmberCore), 0.35);
+}
+
 /// A key of 24 x 31 whose resting top left corner is at `origin`. Pressed it sinks, loses its
 /// shadow and shows a lit edge.
-void drawKey(Frame& frame, Point origin, const std::function<void(cairo_t*)>& traceMark) {
+void drawKey(Frame& frame, Point origin, const std::function<void(cairo_t*)>& traceMark,
+             bool lamp = false) {
   constexpr double kWidth = 24.0;
   constexpr double kHeight = 31.0;
   Canvas& canvas = frame.canvas;
@@ -47,8 +61,12 @@ void drawKey(Frame& frame, Point origin, const std::function<void(cairo_t*)>& tr
     cairo_translate(cr, 0.0, sink);
     traceMark(cr);
   });
-  canvas.fill(mark.moved(0.25, 0.75).without(mark), srgb(0xfffaf0), 0.55);
-  canvas.fill(mark, srgb(0x2a1c12), 0.92);
+  if (pressed && lamp) {
+    lightMark(canvas, mark, top);
+  } else {
+    canvas.fill(mark.moved(0.25, 0.75).without(mark), srgb(0xfffaf0), 0.55);
+    canvas.fill(mark, srgb(0x2a1c12), 0.92);
+  }
   if (pressed) {
     const Mask line = Slab{key.left + 2, key.top, key.right - 2, key.top + 1.0, 0.4}.mask(canvas);
     canvas.fill(line.blurred(1.6).within(frameSlab.mask(canvas)), srgb(palette::kAmber), 0.8);
@@ -75,16 +93,19 @@ void drawSpeedKey(Frame& frame) {
 }
 
 void drawStopKey(Frame& frame) {
-  drawKey(frame, {1.0, 2.0}, [](cairo_t* cr) {
-    // A brake drum between its two shoes.
-    cairo_set_line_width(cr, 1.6);
-    cairo_arc(cr, 13.0, 17.0, 3.6, 0.0, 6.2831853);
-    cairo_stroke(cr);
-    cairo_arc(cr, 13.0, 17.0, 6.9, -0.95, 0.95);
-    cairo_stroke(cr);
-    cairo_arc(cr, 13.0, 17.0, 6.9, 3.14159265 - 0.95, 3.14159265 + 0.95);
-    cairo_stroke(cr);
-  });
+  drawKey(
+      frame, {1.0, 2.0},
+      [](cairo_t* cr) {
+        // A brake drum between its two shoes.
+        cairo_set_line_width(cr, 1.6);
+        cairo_arc(cr, 13.0, 17.0, 3.6, 0.0, 6.2831853);
+        cairo_stroke(cr);
+        cairo_arc(cr, 13.0, 17.0, 6.9, -0.95, 0.95);
+        cairo_stroke(cr);
+        cairo_arc(cr, 13.0, 17.0, 6.9, 3.14159265 - 0.95, 3.14159265 + 0.95);
+        cairo_stroke(cr);
+      },
+      true);
 }
 
 } // namespace qlx::artwork

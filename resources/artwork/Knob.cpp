@@ -18,6 +18,12 @@ constexpr double kFluteDepth = 0.22;
 constexpr double kPointerFrom = 7.0;
 constexpr double kPointerTo = 17.0;
 constexpr double kPointerHalfWidth = 1.0;
+constexpr double kGrooveWidth = 1.1; // the groove that the inlay lies in, beside it
+// The lamp's image on the dome: its distance from the middle and its half axes, across and along
+// the line to the lamp.
+constexpr double kSparkRadius = 10.4;
+constexpr double kSparkHalfLength = 2.5;
+constexpr double kSparkHalfWidth = 1.5;
 constexpr double kTravelDegrees = 270.0;
 constexpr int kFrames = 101;
 
@@ -50,6 +56,17 @@ double pointerDistance(double x, double y, double angle) {
   return std::hypot(along - end, aside) - kPointerHalfWidth;
 }
 
+/// Brightness of the lamp's image, 0..1.
+double spark(double x, double y) {
+  const double level = std::hypot(kLamp.x, kLamp.y);
+  const double towards = (x * kLamp.x + y * kLamp.y) / level - kSparkRadius;
+  // It bends with the dome.
+  const double across = (x * kLamp.y - y * kLamp.x) / level;
+  const double bent = towards + across * across / (2.0 * kSparkRadius);
+  const double r = std::hypot(across / kSparkHalfLength, bent / kSparkHalfWidth);
+  return 1.0 - smoothstep(0.35, 1.25, r);
+}
+
 } // namespace
 
 void drawKnob(Frame& frame) {
@@ -57,9 +74,10 @@ void drawKnob(Frame& frame) {
   const double turn = degrees * std::numbers::pi / 180.0;
   const double edge = frame.canvas.density();
   Material body = bakelite();
-  body.roughness = 0.13;
-  body.mirror = {0.10, 0.095, 0.088};
+  body.roughness = 0.45;
+  body.mirror = {0.055, 0.050, 0.044};
   Material inlay = ivory();
+  inlay.body = srgb(palette::kIvory) * 0.98;
   inlay.mirror = {0.02, 0.02, 0.02};
 
   frame.canvas.shade(frame.canvas.box(), [&](Point p, Colour& colour, double& cover) {
@@ -82,7 +100,13 @@ void drawKnob(Frame& frame) {
     const Direction normal = unit({std::sin(at.fall) * outX - at.lean * outY,
                                    std::sin(at.fall) * outY + at.lean * outX, std::cos(at.fall)});
     colour = lit(body, normal, at.open);
-    colour = colour * (1.0 - 0.55 * clamp01(0.5 - pointerDistance(x - 0.6, y - 0.7, turn)));
+    colour = mix(colour, Colour{0.62, 0.46, 0.28}, 0.58 * spark(x, y));
+    // The pointer's shadow, then its groove, which sets it off where the dome shines.
+    const double shadow = pointerDistance(x - 0.8, y - 1.1, turn);
+    colour = colour * (1.0 - 0.80 * (1.0 - smoothstep(-0.6, 1.2, shadow)));
+    const double groove = pointerDistance(x, y, turn) - kGrooveWidth;
+    if (radius < kBodyRadius)
+      colour = colour * (1.0 - 0.72 * (1.0 - smoothstep(-0.7, 0.3, groove)));
     const double inlaid = clamp01(-pointerDistance(x, y, turn) * edge + 0.5);
     if (inlaid > 0.0 && radius < kBodyRadius) {
       // The inlay is flat across and follows the dome only in part, so that it reads evenly.

@@ -39,18 +39,27 @@ void drawSeat(Canvas& canvas, const PixelRect& knob) {
 }
 
 void drawTicks(Canvas& canvas, const layout::KnobPlace& place) {
-  const Mask ticks = canvas.mask(place.knob.grown(1), [&](cairo_t* cr) {
-    cairo_set_line_width(cr, 1.5);
-    cairo_translate(cr, place.knob.centreX(), place.knob.centreY());
-    for (int i = 0; i < place.marks; ++i) {
-      const double turn = mix(place.low, place.high, static_cast<double>(i) / (place.marks - 1));
-      const double angle = (turn - 0.5) * 1.5 * std::numbers::pi;
-      cairo_move_to(cr, kTickFrom * std::sin(angle), -kTickFrom * std::cos(angle));
-      cairo_line_to(cr, kTickTo * std::sin(angle), -kTickTo * std::cos(angle));
-    }
-    cairo_stroke(cr);
-  });
-  canvas.fill(ticks, srgb(palette::kIvory));
+  // A stepped knob stops at each of its ticks; of the others only both ends and the middle stand
+  // out, so that the rings of neighbours don't meet as colons.
+  const auto standsOut = [&](int i) {
+    return place.marks != layout::kPlainMarks || i % (layout::kPlainMarks / 2) == 0;
+  };
+  const auto ticks = [&](bool main) {
+    return canvas.mask(place.knob.grown(1), [&](cairo_t* cr) {
+      cairo_set_line_width(cr, main ? 1.5 : 1.0);
+      cairo_translate(cr, place.knob.centreX(), place.knob.centreY());
+      for (int i = 0; i < place.marks; ++i) {
+        if (standsOut(i) != main) continue;
+        const double turn = mix(place.low, place.high, static_cast<double>(i) / (place.marks - 1));
+        const double angle = (turn - 0.5) * 1.5 * std::numbers::pi;
+        cairo_move_to(cr, kTickFrom * std::sin(angle), -kTickFrom * std::cos(angle));
+        cairo_line_to(cr, kTickTo * std::sin(angle), -kTickTo * std::cos(angle));
+      }
+      cairo_stroke(cr);
+    });
+  };
+  canvas.fill(ticks(false), srgb(palette::kIvoryDim), 0.5);
+  canvas.fill(ticks(true), srgb(palette::kIvory));
 }
 
 /// The wells: displays that overlap share one.
@@ -132,9 +141,9 @@ void drawGroups(Frame& frame) {
       {20, 109, 36, nullptr},
       {134, 223, 36, nullptr},
       {248, 382, 36, nullptr},
-      {16, 60, 184, nullptr},
-      {74, 253, 184, "TONE"},
-      {265, 313, 184, "MICS", 0.5},
+      {16, 60, 183, nullptr},
+      {74, 253, 183, "TONE"},
+      {265, 313, 183, "MICS", 0.5},
       {20, 154, 283, "AMPLIFIER"},
       {178, 312, 283, "ROOM"},
       {20, 109, 428, nullptr},

@@ -26,8 +26,11 @@ struct KnobPlace {
   double high;
 };
 
-constexpr KnobPlace knobPlace(int tag, const char* caption, const Knob& place, int marks = 11,
-                              double low = 0.0, double high = 1.0) {
+/// Ticks of a knob without steps.
+inline constexpr int kPlainMarks = 11;
+
+constexpr KnobPlace knobPlace(int tag, const char* caption, const Knob& place,
+                              int marks = kPlainMarks, double low = 0.0, double high = 1.0) {
   return {tag, caption, place.knob, place.display, marks, low, high};
 }
 

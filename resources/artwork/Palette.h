@@ -14,6 +14,8 @@ inline constexpr std::uint32_t kSteelShade = 0x0a0909;
 
 inline constexpr std::uint32_t kIvory = 0xece2c8;
 inline constexpr std::uint32_t kIvoryDim = 0xb9ad92;
+inline constexpr std::uint32_t kUnlit = 0x9a8f79; // a word whose lamp is off
+inline constexpr std::uint32_t kPaper = 0xcbbf9f;
 inline constexpr std::uint32_t kInk = 0x242420; // the name field's text colour
 
 inline constexpr std::uint32_t kBrassDark = 0x6f5523;

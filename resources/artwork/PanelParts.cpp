@@ -50,8 +50,10 @@ Mask pressedSlot(Canvas& canvas, const Slab& place) {
   return opening;
 }
 
-void drawRotorWindow(Frame& frame, const PixelRect& slot, const char* name) {
+void drawRotorWindow(Frame& frame, const PixelRect& place, const char* name) {
   Canvas& canvas = frame.canvas;
+  // The marker shows all but the last column of its place.
+  const PixelRect slot{place.left, place.top, place.right - 1, place.bottom};
   // The bezel with its end caps, then the same cavity that the marker's strip shows.
   const Slab bezel{slot.left - 3.0, slot.top - 2.0, slot.right + 3.0, slot.bottom + 2.0, 3.0};
   const Mask outer = bezel.mask(canvas);
@@ -199,9 +201,11 @@ void drawPresetStrip(Frame& frame) {
   const Mask paper = Slab{145.0, 554.0, 263.0, 568.0, 1.5}.mask(canvas);
   canvas.fill(paper.moved(0, 1).without(paper), srgb(palette::kSteelLit));
   canvas.paint(paper, [](Point p) {
-    return mix(srgb(0xd9cda9), srgb(0xefe6cc), smoothstep(554.0, 563.0, p.y));
+    return mix(srgb(0xb8ab88), srgb(palette::kPaper), smoothstep(554.0, 561.0, p.y));
   });
-  canvas.fill(paper.without(paper.moved(0.5, 1.0)).blurred(0.7).within(paper), srgb(0x2a1c0c), 0.6);
+  canvas.fill(paper.without(paper.moved(1.0, 2.0)).blurred(1.0).within(paper), srgb(0x1a1006),
+              0.85);
+  canvas.fill(paper.without(paper.moved(-0.5, -0.5)).within(paper), srgb(0x1a1006), 0.25);
   const Mask arrow = canvas.mask([](cairo_t* cr) {
     cairo_move_to(cr, 266.0, 559.5);
     cairo_line_to(cr, 272.0, 559.5);

@@ -101,6 +101,13 @@ Bytes encodeBitmap(const Picture& picture) {
   return file;
 }
 
+void write(const std::filesystem::path& file, const Bytes& encoded) {
+  std::ofstream out(file, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(encoded.data()),
+            static_cast<std::streamsize>(encoded.size()));
+  if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
+}
+
 } // namespace
 
 Picture::Picture(int width, int height)
@@ -132,11 +139,19 @@ void Picture::composite(const Picture& source, int sourceTop, int width, int hei
 }
 
 void Picture::save(const std::filesystem::path& file) const {
-  const Bytes encoded = file.extension() == ".bmp" ? encodeBitmap(*this) : encodePng(*this);
-  std::ofstream out(file, std::ios::binary);
-  out.write(reinterpret_cast<const char*>(encoded.data()),
-            static_cast<std::streamsize>(encoded.size()));
-  if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
+  write(file, file.extension() == ".bmp" ? encodeBitmap(*this) : encodePng(*this));
+}
+
+void Picture::saveParted(const std::filesystem::path& file, int parts) const {
+  Bytes all;
+  const int height = m_height / parts;
+  for (int i = 0; i < parts; ++i) {
+    Picture part(m_width, height);
+    std::copy_n(&at(0, i * height), part.m_pixels.size(), part.m_pixels.begin());
+    const Bytes encoded = encodePng(part);
+    all.insert(all.end(), encoded.begin(), encoded.end());
+  }
+  write(file, all);
 }
 
 Picture Picture::decode(std::span<const std::byte> png) {

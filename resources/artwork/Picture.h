@@ -34,6 +34,10 @@ class Picture {
   /// bits. Throws std::runtime_error when the file cannot be written, or a bitmap would lose alpha.
   void save(const std::filesystem::path& file) const;
 
+  /// Writes `parts` PNG files of equal height behind each other into one file, the upper parts
+  /// first: who shows one part need not decode the others.
+  void saveParted(const std::filesystem::path& file, int parts) const;
+
   /// Reads any PNG as 8-bit RGBA. Throws std::runtime_error when it is not one.
   static Picture decode(std::span<const std::byte> png);
 

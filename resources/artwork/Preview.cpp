@@ -5,9 +5,11 @@
 #include "resources/artwork/Layout.h"
 #include "resources/artwork/Palette.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
+#include <vector>
 
 namespace qlx::artwork {
 namespace {
@@ -89,6 +91,51 @@ Picture previewed(const Lettering& lettering, const Pose& pose) {
   put(989, cap, layout::kManual);
   writeTexts(window, lettering);
   return window;
+}
+
+Picture contactSheet(const Lettering& lettering, int scale) {
+  constexpr int kWidth = 960;
+  constexpr int kGap = 4;
+  constexpr int kLargestWidth = 300; // wider ones are backgrounds, not controls
+  std::vector<const Artwork*> controls;
+  for (const Artwork& art : artworkSet())
+    if (art.width < kLargestWidth) controls.push_back(&art);
+  // Low rows first: the small caps together, the lever last.
+  std::ranges::stable_sort(controls, {}, &Artwork::frameHeight);
+  struct Place {
+    const Artwork* art;
+    int frame;
+    int x;
+    int y;
+  };
+  std::vector<Place> places;
+  int x = kGap;
+  int y = kGap;
+  int rowHeight = 0;
+  for (const Artwork* art : controls) {
+    for (int i = 0; i < art->frames; ++i) {
+      if (x + art->width + kGap > kWidth ||
+          (i == 0 && art->frameHeight > 2 * rowHeight && x > kGap)) {
+        x = kGap;
+        y += rowHeight + kGap;
+        rowHeight = 0;
+      }
+      places.push_back({art, i, x, y});
+      x += art->width + kGap;
+      rowHeight = std::max(rowHeight, art->frameHeight);
+    }
+  }
+  Canvas panel(kWidth, y + rowHeight + kGap, scale);
+  panel.shade(panel.box(), [](Point, Colour& colour, double& cover) {
+    cover = 1.0;
+    colour = srgb(palette::kSteel);
+  });
+  Picture sheet = panel.finished();
+  for (const Place& place : places) {
+    const Picture frame = drawnFrame(*place.art, lettering, scale, place.frame);
+    sheet.composite(frame, 0, frame.width(), frame.height(), place.x * scale, place.y * scale);
+  }
+  return sheet;
 }
 
 } // namespace qlx::artwork

@@ -17,4 +17,7 @@ struct Pose {
 /// The window as the editor would show it, at the layout's size.
 Picture previewed(const Lettering& lettering, const Pose& pose);
 
+/// Every frame of every control on a panel, in rows, at `scale` times the layout's size.
+Picture contactSheet(const Lettering& lettering, int scale);
+
 } // namespace qlx::artwork

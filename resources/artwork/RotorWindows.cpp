@@ -9,6 +9,9 @@ namespace {
 
 constexpr double kSlotHeight = 12.0;
 constexpr double kLouvrePitch = 6.0;
+constexpr double kLip = 0.82;       // of a pitch, where a louvre's lip is lightest
+constexpr double kFirstLip = 4.5;   // as far from the left end as the last one from the right
+constexpr double kShownWidth = 297; // the marker leaves the strip's last column out
 
 /// The light that a passing rotor throws through its window: `edge` colour at the fringe, `core`
 /// in the middle. It swells and fades as a raised cosine, so that passing looks like turning.
@@ -28,14 +31,14 @@ void drawRotorLight(Frame& frame, const Colour& fringe, const Colour& core) {
 } // namespace
 
 void drawRotorSlot(Frame& frame) {
-  const double width = frame.canvas.width();
   frame.canvas.shade(frame.canvas.box(), [&](Point p, Colour& colour, double& cover) {
     cover = 1.0;
     // A dark cavity behind slanted louvres; their lower lips catch a little light.
-    const double phase = p.x / kLouvrePitch - std::floor(p.x / kLouvrePitch);
+    const double turns = (p.x - kFirstLip) / kLouvrePitch + kLip;
+    const double phase = turns - std::floor(turns);
     const double lip = smoothstep(0.62, 0.80, phase) * (1.0 - smoothstep(0.86, 1.0, phase));
     const double depth = smoothstep(0.0, 0.5 * kSlotHeight, p.y);
-    const double ends = smoothstep(0.0, 10.0, std::min(p.x, width - p.x));
+    const double ends = smoothstep(0.0, 10.0, std::min(p.x, kShownWidth - p.x));
     const double tone = mix(0.25, 1.0, depth) * mix(0.45, 1.0, ends);
     colour = mix(srgb(0x0a0908), srgb(0x2a221b), lip * 0.8 + 0.12) * tone;
   });

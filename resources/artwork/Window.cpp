@@ -61,10 +61,10 @@ void drawCarcass(Canvas& canvas) {
   });
   // The outer edge is rounded over: lit at the top and left, in shade at the bottom and right.
   const Mask whole = slab(layout::kWindow, 0.1).mask(canvas);
-  canvas.fill(whole.without(whole.moved(0, 1)), srgb(0xc9a06a), 0.35);
-  canvas.fill(whole.without(whole.moved(1, 0)), srgb(0xc9a06a), 0.25);
-  canvas.fill(whole.without(whole.moved(0, -1)), {}, 0.6);
-  canvas.fill(whole.without(whole.moved(-1, 0)), {}, 0.6);
+  canvas.fill(whole.without(whole.moved(0, canvas.hairline())), srgb(0xc9a06a), 0.35);
+  canvas.fill(whole.without(whole.moved(canvas.hairline(), 0)), srgb(0xc9a06a), 0.25);
+  canvas.fill(whole.without(whole.moved(0, -canvas.hairline())), {}, 0.6);
+  canvas.fill(whole.without(whole.moved(-canvas.hairline(), 0)), {}, 0.6);
   for (const PixelRect& panel : layout::kPanels) drawPanel(canvas, panel);
 }
 

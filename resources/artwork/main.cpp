@@ -3,9 +3,12 @@
 #include "resources/artwork/Icon.h"
 #include "resources/artwork/Preview.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -13,16 +16,27 @@ namespace {
 
 constexpr const char* kUsage =
     "Draws the editor's images.\n"
-    "  draw_artwork FONTS images FOLDER [SCALE]     every image under its number\n"
+    "  draw_artwork FONTS images FOLDER [SCALE [NUMBER...]]\n"
+    "                    every image, or those of these numbers, under its number\n"
     "  draw_artwork FONTS icons FOLDER              the program's icons under their sides in "
     "pixels\n"
-    "  draw_artwork FONTS preview FILE.png [KNOBS LEVER ROTORS [lit]]   the window put together\n";
+    "  draw_artwork FONTS preview FILE.png [KNOBS LEVER ROTORS [lit]]   the window put together\n"
+    "  draw_artwork FONTS sheet FILE.png [SCALE]    every frame of every control\n";
 
 void drawAll(const qlx::artwork::Lettering& lettering, const std::filesystem::path& folder,
-             int scale) {
+             int scale, const std::vector<std::string>& numbers) {
+  // Longer strips are parted in their large form: decoding all of their frames takes too long.
+  constexpr int kWholeStrip = 20;
+  std::filesystem::create_directories(folder);
   for (const auto& artwork : qlx::artwork::artworkSet()) {
-    qlx::artwork::drawn(artwork, lettering, scale)
-        .save(folder / (std::to_string(artwork.number) + artwork.extension));
+    const std::string number = std::to_string(artwork.number);
+    if (!numbers.empty() && std::ranges::find(numbers, number) == numbers.end()) continue;
+    const auto picture = qlx::artwork::drawn(artwork, lettering, scale);
+    if (scale == 1)
+      picture.save(folder / (number + artwork.extension));
+    else
+      picture.saveParted(folder / (number + ".png"),
+                         artwork.frames > kWholeStrip ? artwork.frames : 1);
   }
 }
 
@@ -34,7 +48,9 @@ int main(int count, char** values) {
   try {
     if (command == "images") {
       const qlx::artwork::Lettering lettering(arguments[0]);
-      drawAll(lettering, arguments[2], arguments.size() > 3 ? std::stoi(arguments[3]) : 1);
+      drawAll(lettering, arguments[2], arguments.size() > 3 ? std::stoi(arguments[3]) : 1,
+              {arguments.begin() + std::min<std::ptrdiff_t>(4, std::ssize(arguments)),
+               arguments.end()});
       return 0;
     }
     if (command == "icons") {
@@ -42,6 +58,12 @@ int main(int count, char** values) {
       for (const int side : qlx::artwork::kIconSides)
         qlx::artwork::drawnIcon(lettering, side)
             .save(std::filesystem::path(arguments[2]) / (std::to_string(side) + ".png"));
+      return 0;
+    }
+    if (command == "sheet") {
+      const qlx::artwork::Lettering lettering(arguments[0]);
+      qlx::artwork::contactSheet(lettering, arguments.size() > 3 ? std::stoi(arguments[3]) : 1)
+          .save(arguments[2]);
       return 0;
     }
     if (command == "preview") {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 /* The editor's images as read-only data, where libraries have no resources: a directory of (number, distance of the file from the
-   directory, length), then the files: two device-independent bitmaps, PNG all others. The assembler finds them in the include path. */
+   directory, length), then the files: two device-independent bitmaps, PNG all others, and all twice as large by number + 100000. The assembler finds them in the include path. */
 
         .section .rodata, "a", @progbits
         .hidden qlxImageDirectory, qlxImageDirectoryEnd
@@ -34,10 +34,24 @@
 .Lend\number:
         .endm
 
+        .macro  large_entry number
+        .long   \number + 100000
+        .long   .Llarge\number - qlxImageDirectory
+        .long   .LlargeEnd\number - .Llarge\number
+        .endm
+
+        .macro  large_file number
+.Llarge\number:
+        .incbin "resources/images/2x/\number\().png"
+.LlargeEnd\number:
+        .endm
+
         .balign 16
 qlxImageDirectory:
         forEachImage entry
+        forEachImage large_entry
 qlxImageDirectoryEnd:
         forEachImage file
+        forEachImage large_file
 
         .section .note.GNU-stack, "", @progbits

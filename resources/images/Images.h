@@ -8,10 +8,11 @@
 /// is loaded, any thread.
 namespace qlx::resources {
 
-/// The file of an image by its resource number, for example 4000; empty when there is no such
-/// image. 19899 and 19990 are device-independent bitmaps, with or without a file header, all others
-/// PNG.
-std::span<const std::byte> findImage(int number);
+/// The file of an image by its resource number, for example 4000, at its plain size (factor 1) or
+/// twice as large (factor 2); empty when there is no such image, as for every other factor.
+/// 19899 and 19990 at factor 1 are device-independent bitmaps, with or without a file header, all
+/// others PNG. The strips 2002 and 2005 at factor 2 are one PNG file a frame, behind each other.
+std::span<const std::byte> findImage(int number, int factor = 1);
 
 /// The glyphs of the editor's text, a sans serif with the metrics of Arial, in the form that
 /// gui/drawing/GlyphPack.h describes, for a window of the scale of this index in

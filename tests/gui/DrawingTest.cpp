@@ -79,6 +79,13 @@ TEST(Bitmap, IsDecodedAsFarAsItIsDrawn) {
   twice.insert(twice.end(), png.begin(), png.end());
   ByteVector cut = twice;
   cut.resize(cut.size() - 30);
+  // Twice as large, of one colour.
+  std::vector<std::uint8_t> rows;
+  for (int y = 0; y < 10; ++y) {
+    rows.push_back(0);
+    for (int x = 0; x < 4; ++x) rows.insert(rows.end(), {0x10, 0x20, 0x30, 0xFF});
+  }
+  const ByteVector even = qlx::test::pngFile(4, 10, rows);
   const ByteVector wide = qlx::test::pngFile(4, 1, std::vector<std::uint8_t>(17, 0));
   struct Case {
     const char* what;
@@ -97,6 +104,7 @@ TEST(Bitmap, IsDecodedAsFarAsItIsDrawn) {
       {"the second is broken", {cut}, 10, 1, std::vector<std::uint32_t>(10)},
       {"no larger file", {twice}, 10, 2, two},
       {"a larger file of another size", {png, wide}, 5, 2, one},
+      {"three times from twice", {png, even}, 5, 3, std::vector<std::uint32_t>(5, 0xFF102030U)},
       {"no file", {}, 0, 1, {}},
   };
   for (const Case& c : cases) {
