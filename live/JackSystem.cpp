@@ -4,6 +4,7 @@
 #include <jack/jack.h>
 #include <jack/midiport.h>
 
+#include <cerrno>
 #include <stdexcept>
 
 namespace qlx::live {
@@ -99,7 +100,8 @@ void JackSystem::start(BlockProcessor& processor) {
   if (jack_activate(m_client) != 0)
     throw std::runtime_error("the JACK server did not start the client");
   m_active = true;
-  for (const Connection& one : m_wishes.connections) connect(one);
+  m_awaited = std::move(m_wishes.connections);
+  connectAwaited();
   for (const Connection& one : m_connections) connect(one);
   std::vector<std::string> names;
   if (m_wishes.physical)
@@ -139,22 +141,30 @@ int JackSystem::process(jack_nframes_t frames) noexcept {
 }
 
 void JackSystem::idle() {
-  if (!isAlive() || !m_connectionsChanged.exchange(false, std::memory_order_relaxed)) return;
+  if (!isAlive()) return;
+  connectAwaited();
+  if (!m_connectionsChanged.exchange(false, std::memory_order_relaxed)) return;
   std::vector<Connection> now;
   for (std::size_t i = 0; i < m_ports.size(); ++i)
     for (std::string& other : taken(jack_port_get_all_connections(m_client, m_ports[i])))
       now.push_back({i, std::move(other)});
+  now.insert(now.end(), m_awaited.begin(), m_awaited.end());
   if (isAlive()) m_connections = std::move(now);
 }
 
-void JackSystem::connect(const Connection& one) {
+void JackSystem::connectAwaited() {
+  std::erase_if(m_awaited, [this](const Connection& one) {
+    return jack_port_by_name(m_client, one.other.c_str()) != nullptr && connect(one);
+  });
+}
+
+// Fails when the other port has gone or its client has not begun, which is no fault.
+bool JackSystem::connect(const Connection& one) {
   const char* own = jack_port_name(m_ports[one.port]);
   const bool isOutput = one.port >= kOut && one.port < kMidi;
-  // Fails when the other port has gone, which is no fault.
-  if (isOutput)
-    jack_connect(m_client, own, one.other.c_str());
-  else
-    jack_connect(m_client, one.other.c_str(), own);
+  const int failure = isOutput ? jack_connect(m_client, own, one.other.c_str())
+                               : jack_connect(m_client, one.other.c_str(), own);
+  return failure == 0 || failure == EEXIST;
 }
 
 std::vector<std::string> JackSystem::portsOf(const std::string& name) const {

@@ -27,7 +27,7 @@ class JackSystem final : public AudioSystem {
     /// Ports, or clients with all their ports. Audio goes in the order given, left then right; one
     /// source alone feeds both inputs.
     std::vector<std::string> names;
-    std::vector<Connection> connections; ///< as far as such ports are there
+    std::vector<Connection> connections; ///< each as soon as there is such a port
     bool strict = true;                  ///< a name that is not there is an error
   };
 
@@ -49,7 +49,7 @@ class JackSystem final : public AudioSystem {
   void idle() override;
 
   std::string name() const;
-  /// What stands connected, also after the server has gone.
+  /// What stands connected or is still to be, also after the server has gone.
   const std::vector<Connection>& connections() const { return m_connections; }
   /// Frame of the server's clock at the first block; 0 before it.
   unsigned firstFrame() const { return m_firstFrame.load(std::memory_order_relaxed); }
@@ -59,7 +59,8 @@ class JackSystem final : public AudioSystem {
   int process(jack_nframes_t frames) noexcept;
   std::vector<std::string> portsOf(const std::string& name) const;
   void connect(const std::vector<std::string>& names);
-  void connect(const Connection& one);
+  bool connect(const Connection& one);
+  void connectAwaited();
 
   jack_client_t* m_client;
   Wishes m_wishes;
@@ -67,6 +68,7 @@ class JackSystem final : public AudioSystem {
   BlockProcessor* m_processor = nullptr;
   bool m_active = false;
   std::vector<Connection> m_connections;
+  std::vector<Connection> m_awaited; ///< their ports are not there yet
   std::atomic<bool> m_connectionsChanged{true};
   std::atomic<bool> m_alive{true};
   std::atomic<bool> m_freewheeling{false};
