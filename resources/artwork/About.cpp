@@ -71,26 +71,31 @@ struct Seen {
 Seen hornAt(Point p) {
   constexpr double kX = 200.0;
   constexpr double kY = 99.0;
+  constexpr double kReach = 112.0;
+  constexpr double kMouth = 34.0;
   const double along = std::abs(p.x - kX);
   const double aside = p.y - kY;
-  // The mouths, turned a little towards us.
-  const double mouth = std::hypot((along - 112.0) / 9.0, aside / 34.0);
+  const double outwards = p.x < kX ? -1.0 : 1.0;
+  // The mouths, turned a little towards us: a rolled rim, and light that comes up the throat.
+  const double across = (along - kReach) / 9.0;
+  const double mouth = std::hypot(across, aside / kMouth);
   if (mouth < 1.0) {
-    return {true, unit({p.x < kX ? 0.7 : -0.5, -0.5 * aside / 34.0, 0.8}),
-            mouth > 0.86 ? 1.4 : 0.15 + 0.35 * mouth};
+    if (mouth > 0.84) return {true, unit({0.6 * across, 0.8 * aside / kMouth, 0.7}), 1.7};
+    return {true, unit({-0.4 * across, -0.5 * aside / kMouth, 0.8}),
+            mix(2.6, 0.50, smoothstep(0.0, 0.8, mouth))};
   }
-  if (along < 112.0) {
-    const double t = along / 112.0;
-    const double half = 6.5 + 2.5 * t + 26.0 * std::pow(t, 3.2);
+  // The hub, a ball on the shaft, before the bells' throats.
+  const double hub = std::hypot((p.x - kX) / 16.0, aside / 19.0);
+  if (hub < 1.0)
+    return {true, unit({(p.x - kX) / 16.0, aside / 19.0, std::sqrt(1.0 - hub * hub) + 0.1}), 1.05};
+  if (along < kReach) {
+    const double t = along / kReach;
+    const double half = 6.5 + 2.5 * t + 24.4 * std::pow(t, 3.2);
     if (std::abs(aside) < half) {
       const double u = aside / half;
-      const double flare = (p.x < kX ? 1.0 : -1.0) * std::min(1.2, 2.6 * t * t) * 0.6;
-      return {true, unit({flare, u, std::sqrt(1.0 - u * u) + 0.05}), 1.0};
+      const double flare = -outwards * std::min(1.2, 2.6 * t * t) * 0.35;
+      return {true, unit({flare, 0.8 * u, std::sqrt(1.0 - u * u) + 0.15}), 1.0};
     }
-  }
-  if (along < 15.0 && std::abs(aside) < 20.0) {
-    const double u = (p.x - kX) / 15.0;
-    return {true, unit({u, 0.0, std::sqrt(1.0 - u * u)}), 0.9};
   }
   if (along < 4.0) {
     const double u = (p.x - kX) / 4.0;

@@ -87,7 +87,7 @@ void drawSpeedKey(Frame& frame) {
     cairo_line_to(cr, 18.0, 19.0);
     cairo_line_to(cr, 9.0, 19.0);
     cairo_close_path(cr);
-    cairo_rectangle(cr, 12.5, 12.5, 2.0, 7.0);
+    cairo_rectangle(cr, 12.5, 13.0, 2.0, 6.0);
     cairo_fill(cr);
   });
 }
