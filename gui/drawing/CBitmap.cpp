@@ -59,43 +59,64 @@ bool isPng(Bytes bytes) {
          std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin());
 }
 
-/// One and a half times as many pixels as `count`, an even number, those of either row or column
-/// `stride` words apart: Catmull-Rom's cubic through their middles. Channels stay within 0 and the
-/// pixel's alpha.
-void resample(const std::uint32_t* from, std::uint32_t* to, int count, int fromStride,
-              int toStride) {
-  // Every two pixels make three, whose middles lie 1/6 before the first's, midway, and 1/6 behind
-  // the second's. Weights of four neighbours in units of 1/432.
-  constexpr std::array<std::array<int, 4>, 3> kWeights{
-      {{-5, 57, 405, -25}, {-27, 243, 243, -27}, {-25, 405, 57, -5}}};
-  constexpr std::array<int, 3> kFirst{-2, -1, 0};
-  constexpr int kUnit = 432;
-  for (int i = 0; i < count / 2 * 3; ++i) {
-    const auto phase = static_cast<std::size_t>(i % 3);
-    const int first = i / 3 * 2 + kFirst[phase];
-    std::array<int, 4> sums{};
-    for (int tap = 0; tap < 4; ++tap) {
-      const std::uint32_t pixel = from[std::clamp(first + tap, 0, count - 1) * fromStride];
-      const int weight = kWeights[phase][static_cast<std::size_t>(tap)];
-      for (std::size_t c = 0; c < 4; ++c)
-        sums[c] += weight * static_cast<int>(pixel >> (8 * c) & 0xFFU);
-    }
-    const int alpha = std::clamp((sums[3] + kUnit / 2) / kUnit, 0, 255);
-    std::uint32_t pixel = static_cast<std::uint32_t>(alpha) << 24;
-    for (std::size_t c = 0; c < 3; ++c)
-      pixel |= static_cast<std::uint32_t>(std::clamp((sums[c] + kUnit / 2) / kUnit, 0, alpha))
-               << (8 * c);
-    to[i * toStride] = pixel;
+// One and a half times as large by Catmull-Rom's cubic through the pixels' middles: every two make
+// three, whose middles lie 1/6 of a pixel before the first's, midway, and 1/6 behind the second's.
+// Of each of the three: the first of its four neighbours from the pair's first, and their weights.
+struct Phase {
+  int first;
+  std::array<int, 4> weights; ///< in units of 1 / 4096
+};
+constexpr int kWeightBits = 12;
+constexpr std::array<Phase, 3> kPhases{
+    {{-2, {-47, 540, 3840, -237}}, {-1, {-256, 2304, 2304, -256}}, {0, {-237, 3840, 540, -47}}}};
+
+/// Means of four lines of `bytes` bytes, pixels of little-endian words: no colour exceeds the alpha
+/// behind it.
+void mixLines(const std::array<const std::uint8_t*, 4>& from, const std::array<int, 4>& weights,
+              std::uint8_t* to, int bytes) {
+  constexpr int kHalf = 1 << (kWeightBits - 1);
+  for (int i = 0; i < bytes; ++i) {
+    const int sum = weights[0] * from[0][i] + weights[1] * from[1][i] + weights[2] * from[2][i] +
+                    weights[3] * from[3][i] + kHalf;
+    to[i] = static_cast<std::uint8_t>(std::clamp(sum >> kWeightBits, 0, 255));
+  }
+  for (int i = 0; i < bytes; i += 4) {
+    const std::uint8_t alpha = to[i + 3];
+    for (int c = 0; c < 3 && alpha < 255; ++c) to[i + c] = std::min(to[i + c], alpha);
   }
 }
 
+const std::uint8_t* bytesOf(const std::uint32_t* pixels) {
+  return reinterpret_cast<const std::uint8_t*>(pixels);
+}
+
+/// Both sides of `picture` are even.
 PixelBuffer halfAsLargeAgain(const PixelBuffer& picture) {
   PixelBuffer wide(picture.width / 2 * 3, picture.height);
-  for (int y = 0; y < picture.height; ++y)
-    resample(picture.row(y), wide.row(y), picture.width, 1, 1);
   PixelBuffer large(wide.width, picture.height / 2 * 3);
-  for (int x = 0; x < wide.width; ++x)
-    resample(wide.row(0) + x, large.row(0) + x, picture.height, wide.width, wide.width);
+  // A row's ends are repeated, so that its pixels all have four neighbours.
+  constexpr int kMargin = 2;
+  std::vector<std::uint32_t> line(static_cast<std::size_t>(picture.width + 2 * kMargin));
+  for (int y = 0; y < picture.height; ++y) {
+    const std::uint32_t* row = picture.row(y);
+    std::fill_n(std::copy_n(row, picture.width, std::fill_n(line.begin(), kMargin, row[0])),
+                kMargin, row[picture.width - 1]);
+    for (int x = 0; x < wide.width; ++x) {
+      const Phase& phase = kPhases[static_cast<std::size_t>(x % 3)];
+      const std::uint8_t* first = bytesOf(line.data() + kMargin + x / 3 * 2 + phase.first);
+      mixLines({first, first + 4, first + 8, first + 12}, phase.weights,
+               reinterpret_cast<std::uint8_t*>(wide.row(y) + x), 4);
+    }
+  }
+  for (int y = 0; y < large.height; ++y) {
+    const Phase& phase = kPhases[static_cast<std::size_t>(y % 3)];
+    std::array<const std::uint8_t*, 4> rows{};
+    for (int i = 0; i < 4; ++i) {
+      const int from = std::clamp(y / 3 * 2 + phase.first + i, 0, wide.height - 1);
+      rows[static_cast<std::size_t>(i)] = bytesOf(wide.row(from));
+    }
+    mixLines(rows, phase.weights, reinterpret_cast<std::uint8_t*>(large.row(y)), 4 * large.width);
+  }
   return large;
 }
 
