@@ -25,18 +25,22 @@ constexpr const char* kUsage =
 
 void drawAll(const qlx::artwork::Lettering& lettering, const std::filesystem::path& folder,
              int scale, const std::vector<std::string>& numbers) {
-  // Longer strips are parted in their large form: decoding all of their frames takes too long.
+  // Long strips are parted, since decoding all of their frames takes too long; at the plain size
+  // only those whose frames are larger than the packer's reach, others pack far better together.
   constexpr int kWholeStrip = 20;
+  constexpr int kReach = 32768;
   std::filesystem::create_directories(folder);
   for (const auto& artwork : qlx::artwork::artworkSet()) {
     const std::string number = std::to_string(artwork.number);
     if (!numbers.empty() && std::ranges::find(numbers, number) == numbers.end()) continue;
     const auto picture = qlx::artwork::drawn(artwork, lettering, scale);
-    if (scale == 1)
-      picture.save(folder / (number + artwork.extension));
+    const bool small = 4 * artwork.width * artwork.frameHeight < kReach;
+    const bool parted = artwork.frames > kWholeStrip && (scale > 1 || !small);
+    const auto file = folder / (number + (scale == 1 ? artwork.extension : ".png"));
+    if (parted)
+      picture.saveParted(file, artwork.frames);
     else
-      picture.saveParted(folder / (number + ".png"),
-                         artwork.frames > kWholeStrip ? artwork.frames : 1);
+      picture.save(file);
   }
 }
 
