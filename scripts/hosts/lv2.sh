@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: ISC
-# lv2.sh BUNDLE OUTDIR: the bundle in jalv, under a JACK server without a sound card, and in Ardour 7, on a screen of its own:
-# editor opened and worked, a factory preset, session saved and loaded. Pictures and logs go to OUTDIR; they are to be
-# looked at. Needs the packages jalv jackd2 xvfb openbox xdotool imagemagick x11-utils, and ardour for its half.
+# lv2.sh BUNDLE OUTDIR: the bundle in jalv and Qtractor, under a JACK server without a sound card, and in Ardour 7, on a
+# screen of its own: editor opened and worked, a factory preset, automation recorded, sessions saved and loaded. Pictures
+# and logs go to OUTDIR; they are to be looked at. Needs the packages jalv jackd2 xvfb openbox xdotool imagemagick
+# x11-utils, and qtractor gcc and ardour for their parts.
 set -euo pipefail
 [ $# -eq 2 ] || { echo "usage: lv2.sh BUNDLE OUTDIR" >&2; exit 2; }
 bundle=$(readlink -f "$1")
@@ -74,6 +75,49 @@ wait "${started[-1]}" || true # it writes its log when it ends
 grep -q '^horn_slow_speed = 0\.998' "$out/jalv.log" || fail "the preset did not reach jalv's ports"
 echo "jalv: editor, knob and preset"
 
+qtractor_part() {
+  local s=$work/session.qtr main shown values
+  gcc -shared -fPIC -o "$work/no_sequencer.so" "$here/no_sequencer.c"
+  cat >"$s" <<X
+<!DOCTYPE qtractorSession>
+<session version="Qtractor 0.9.31" name="session">
+ <properties><directory>$work</directory><sample-rate>48000</sample-rate><tempo>120</tempo></properties>
+ <devices><audio-engine><audio-bus name="Master" mode="duplex"><monitor>0</monitor><channels>2</channels></audio-bus></audio-engine></devices>
+ <tracks><track type="audio" name="in">
+  <properties><input-bus>Master</input-bus><output-bus>Master</output-bus></properties>
+  <state><mute>0</mute><solo>0</solo><record>0</record><monitor>0</monitor><gain>1</gain><panning>0</panning></state>
+  <view><height>96</height></view>
+  <plugins><plugin type="LV2"><filename>https://meridane.example/lv2/qlx-brezan</filename><index>0</index><label>QLX Brezan</label><activated>1</activated></plugin></plugins>
+ </track></tracks>
+</session>
+X
+  for round in saved loaded; do
+    LD_PRELOAD=$work/no_sequencer.so background qtractor.log qtractor "$s"
+    for _ in $(seq 80); do
+      main=$(xwininfo -root -tree | awk '/ Qtractor":/ && !n++ { print $1 }') # xdotool does not find its name
+      [ -z "$main" ] || break
+      sleep 0.5
+    done
+    [ -n "$main" ] || fail "no window of Qtractor"
+    sleep 3
+    xdotool windowactivate --sync "$main" mousemove --window "$main" 182 180 click --repeat 2 --delay 100 1
+    shown=$(window '^QLX Brezan - in')
+    sleep 2
+    if [ $round = saved ]; then drag "$shown" qtractor; else import -window "$shown" "$out/qtractor-loaded.png"; fi
+    xdotool windowactivate --sync "$main" mousemove --window "$main" 600 450 click 1 key ctrl+s
+    sleep 2
+    alive Qtractor
+    values=$(grep -o '<param[^>]*>[^<]*' "$s" | sort) # the order is of no meaning
+    [ -n "$values" ] && echo "$values" >"$out/qtractor-$round.txt"
+    kill "${started[-1]}"
+    wait "${started[-1]}" || true
+  done
+  diff "$out/qtractor-saved.txt" "$out/qtractor-loaded.txt" || fail "Qtractor: values changed over save and load"
+  grep -q '"10"[^>]*>8\.' "$out/qtractor-loaded.txt" || fail "Qtractor: the knob did not reach the host"
+  echo "Qtractor: editor, knob, values kept"
+}
+if command -v qtractor >/dev/null; then qtractor_part; else echo "Qtractor is not installed"; fi
+
 command -v ardour7-lua >/dev/null || { echo "Ardour is not installed"; exit 0; }
 values() { timeout 90 ardour7-lua "$here/lv2_ardour.lua" "$@" 2>"$out/ardour-lua.log" | grep '^value'; }
 values create "$work/session" >"$out/created.txt"
@@ -120,8 +164,27 @@ sleep 3
 import -window root "$out/ardour-screen.png"
 drag "$shown" ardour
 main=$(window 'session - Ardour$')
-xdotool windowactivate --sync "$main" key ctrl+s
-sleep 3
-alive Ardour
+save() {
+  xdotool windowactivate --sync "$main" key ctrl+s
+  sleep 3
+  alive Ardour
+}
+save
 [ "$(port motor_noise)" != "$before" ] || fail "Ardour: the knob did not reach the host's port"
 echo "Ardour: knob reached the port, $before -> $(port motor_noise) dB"
+xdotool windowactivate --sync "$main" key space sleep 1 # plays
+drag "$shown" ardour-playing
+xdotool windowactivate --sync "$main" key space sleep 1
+save
+import -window root "$out/ardour-recorded.png"
+events=$(python3 - "$work/session/session.ardour" <<'P'
+import sys
+import xml.etree.ElementTree as ET
+for a in ET.parse(sys.argv[1]).getroot().iter("AutomationList"):
+    if a.get("automation-id") == "parameter-10":
+        print(len((a.findtext("events") or "").split("\n")))
+        break
+P
+)
+[ "${events:-0}" -gt 3 ] || fail "Ardour: the knob's moves were not recorded"
+echo "Ardour: $events moments of the knob recorded"

@@ -14,6 +14,9 @@ if mode == "create" then
 	assert (track:add_processor_by_index (proc, 0, nil, true) == 0, "the track refused the plug-in")
 	ARDOUR.LuaAPI.set_processor_param (proc, 17, 1.25) -- slow speed of the horn, Hz
 	ARDOUR.LuaAPI.set_processor_param (proc, 2, 100) -- lever, %
+	local port = proc:to_plugininsert ():plugin (0):nth_parameter (5, 0) -- motor noise: its moves are recorded
+	local noise = proc:to_automatable ():automation_control (Evoral.Parameter (ARDOUR.AutomationType.PluginAutomation, 0, port), true)
+	noise:set_automation_state (ARDOUR.AutoState.Touch)
 else
 	session = load_session (dir, "session")
 	for route in session:get_routes ():iter () do
