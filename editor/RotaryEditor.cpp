@@ -7,7 +7,6 @@
 #include "gui/dialogs/CMessageBox.h"
 #include "gui/drawing/CTypeface.h"
 #include "platform/offscreen/OffscreenWindow.h"
-#include "presets/panel/LoadBitmap.h"
 #include "presets/store/CPresetSystemEffect.h"
 #include "resources/images/Images.h"
 

@@ -7,6 +7,7 @@
 #include "editor/ParameterMirror.h"
 #include "platform/NativeWindow.h"
 #include "presets/panel/CPresetSystemEditor.h"
+#include "presets/panel/LoadBitmap.h"
 #include "sdk/EditorMenu.h"
 #include "sdk/VstTypes.h"
 
@@ -73,6 +74,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
 
   const EffectReadout& m_readout;
   const platform::WindowSystem& m_windows;
+  presets::KeptImages m_images = presets::keepImages();
   gui::CBitmapRef m_background;
   sdk::EditRectangle m_rectangle{};
   std::optional<double> m_hostScale;

@@ -153,7 +153,7 @@ CBitmap::Pieces CBitmap::piecesOf(int scale, int from) const {
   const int width = m_width * from;
   const int height = m_height * from;
   if (bytes.empty()) return {};
-  Pieces pieces{scale, height, from, {}, {}};
+  Pieces pieces{height, from, {}, {}};
   if (!isPng(bytes)) {
     auto pixels = decodeDib(bytes);
     if (scale != from || !pixels || pixels->width != width || pixels->height != height) return {};
@@ -178,33 +178,42 @@ CBitmap::Pieces CBitmap::piecesOf(int scale, int from) const {
 CBitmap::Pieces CBitmap::enlarged(int scale) const {
   PixelBuffer large(m_width * scale, m_height * scale);
   for (int y = 0; y < large.height; ++y) {
-    const std::uint32_t* from = m_files == nullptr ? m_plain.row(y / scale) : row(1, y / scale);
+    const std::uint32_t* from =
+        m_files == nullptr ? m_plain.row(y / scale) : decodedRow(1, y / scale);
     std::uint32_t* to = large.row(y);
     for (int x = 0; x < large.width; ++x) to[x] = from[x / scale];
   }
-  Pieces pieces{scale, large.height, scale, {}, {}};
+  Pieces pieces{large.height, scale, {}, {}};
   pieces.pixels.push_back(std::move(large));
+  return pieces;
+}
+
+CBitmap::Pieces CBitmap::made(int scale) const {
+  Pieces pieces = piecesOf(scale, scale);
+  if (pieces.pixels.empty() && scale == 3) pieces = piecesOf(scale, 2);
+  if (pieces.pixels.empty() && scale > 1) pieces = enlarged(scale);
+  if (pieces.pixels.empty()) pieces = {m_height, scale, {}, {PixelBuffer(m_width, m_height)}};
   return pieces;
 }
 
 const std::uint32_t* CBitmap::row(int scale, int y) const {
   if (m_files == nullptr && scale == 1) return m_plain.row(y);
-  if (m_pieces.scale != scale) {
-    Pieces pieces = piecesOf(scale, scale);
-    if (pieces.pixels.empty() && scale == 3) pieces = piecesOf(scale, 2);
-    if (pieces.pixels.empty() && scale > 1) pieces = enlarged(scale);
-    if (pieces.pixels.empty())
-      pieces = {scale, m_height, scale, {}, {PixelBuffer(m_width, m_height)}};
-    m_pieces = std::move(pieces);
-  }
-  const auto index = static_cast<std::size_t>(y / m_pieces.height);
-  PixelBuffer& piece = m_pieces.pixels[index];
+  const std::scoped_lock lock(m_decoding);
+  return decodedRow(scale, y);
+}
+
+const std::uint32_t* CBitmap::decodedRow(int scale, int y) const {
+  auto found = m_pieces.find(scale);
+  if (found == m_pieces.end()) found = m_pieces.emplace(scale, made(scale)).first;
+  Pieces& pieces = found->second;
+  const auto index = static_cast<std::size_t>(y / pieces.height);
+  PixelBuffer& piece = pieces.pixels[index];
   if (piece.pixels.empty()) {
-    auto pixels = decodePng(m_pieces.files[index]);
-    if (pixels && m_pieces.from != scale) pixels = halfAsLargeAgain(*pixels);
-    piece = pixels ? std::move(*pixels) : PixelBuffer(m_width * scale, m_pieces.height);
+    auto pixels = decodePng(pieces.files[index]);
+    if (pixels && pieces.from != scale) pixels = halfAsLargeAgain(*pixels);
+    piece = pixels ? std::move(*pixels) : PixelBuffer(m_width * scale, pieces.height);
   }
-  return piece.row(y % m_pieces.height);
+  return piece.row(y % pieces.height);
 }
 
 PixelBuffer CBitmap::pixels(int scale) const {

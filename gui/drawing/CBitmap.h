@@ -4,7 +4,9 @@
 #include "gui/drawing/PixelBuffer.h"
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <vector>
 
@@ -12,7 +14,7 @@ namespace qlx::gui {
 
 /// A picture that several controls share; what it shows never changes. A strip is a bitmap of
 /// frames of equal height, frame 0 at the top. Its size is that of the layout; it may be drawn from
-/// files that are two or three times as large. User-interface thread only.
+/// files that are two or three times as large. Any thread.
 class CBitmap {
  public:
   /// The bytes of the picture's file at so many times its size (1, 2 or 3), which stay where they
@@ -36,8 +38,7 @@ class CBitmap {
   int height() const { return m_height; }
 
   /// Row `y` of the picture `scale` times as large, width() x scale pixels; y in 0..height() x
-  /// scale - 1. Good until a row of another scale is asked for. What can't be decoded is
-  /// transparent.
+  /// scale - 1. Stays as long as the bitmap. What can't be decoded is transparent.
   const std::uint32_t* row(int scale, int y) const;
 
   /// All of the picture.
@@ -46,7 +47,6 @@ class CBitmap {
  private:
   /// The picture at one scale: pieces of equal height from the top.
   struct Pieces {
-    int scale = 0;
     int height = 0;
     int from = 0;                                     ///< the scale that the files were drawn at
     std::vector<std::span<const std::uint8_t>> files; ///< none where it was decoded at once
@@ -56,12 +56,15 @@ class CBitmap {
   CBitmap(Files files, int width, int height);
   Pieces piecesOf(int scale, int from) const;
   Pieces enlarged(int scale) const;
+  Pieces made(int scale) const;
+  const std::uint32_t* decodedRow(int scale, int y) const;
 
   Files m_files;
   int m_width;
   int m_height;
   PixelBuffer m_plain; ///< of a picture without files
-  mutable Pieces m_pieces;
+  mutable std::mutex m_decoding;
+  mutable std::map<int, Pieces> m_pieces; ///< by scale; under m_decoding, as what they hold
 };
 
 using CBitmapRef = std::shared_ptr<const CBitmap>;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "editor/ScaleChoice.h"
 #include "gui/controls/COptionMenu.h"
+#include "presets/panel/LoadBitmap.h"
 #include "tests/support/CountingAllocator.h"
 #include "tests/support/EditorRig.h"
 
@@ -72,6 +73,31 @@ TEST(EditorWindow, SurvivesWhatHostsDo) {
   rig.effect.log.clear();
   rig.editor->close(); // in the middle of a gesture, which ends
   EXPECT_EQ(rig.effect.log, ")17");
+}
+
+// Whose windows may be drawn by several threads of a host, at several scales.
+TEST(EditorWindow, SharesItsImagesUntilTheLastInstanceIsGone) {
+  std::weak_ptr<const gui::CBitmap> seen;
+  const auto draw = [](double scale) {
+    EditorRig rig;
+    rig.editor->setHostScale(scale);
+    rig.open();
+    return rig.picture();
+  };
+  const std::array<double, 3> scales{1.0, 1.5, 2.0};
+  std::array<std::vector<std::uint32_t>, 3> alone, together;
+  for (std::size_t i = 0; i < scales.size(); ++i) alone[i] = draw(scales[i]);
+  {
+    const EditorRig first;
+    seen = presets::loadBitmap(4000);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < scales.size(); ++i)
+      threads.emplace_back([&, i] { together[i] = draw(scales[i]); });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(seen.lock(), presets::loadBitmap(4000));
+  }
+  EXPECT_TRUE(seen.expired());
+  EXPECT_TRUE(together == alone);
 }
 
 TEST(EditorWindow, MayBeClosedFromInsideItsOwnNotification) {
