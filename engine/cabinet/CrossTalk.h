@@ -48,7 +48,7 @@ class CrossTalk {
 
  private:
   static constexpr int kRingSize = 1024;
-  using Ring = MirroredRing<kRingSize>;
+  using Ring = ContinuedRing<kRingSize>;
 
   /// A path from one of the lines to a microphone.
   struct Path {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace qlx::engine {
 
@@ -29,9 +30,20 @@ constexpr double kLongestPathDb = -20.0;
 
 } // namespace
 
-Room::Room(const kernels::Kernels& kernels) : m_kernels(kernels) {
-  m_left.line.resize(kLineSize + kContinued);
-  m_right.line.resize(kLineSize + kContinued);
+Room::Room(const kernels::Kernels& kernels) : m_kernels(kernels) {}
+
+Room::Side::Side()
+    : line(static_cast<double*>(std::calloc(kLongestLine + kContinued, sizeof(double)))),
+      size(lineSize(0.0)) {
+  if (line == nullptr) throw std::bad_alloc();
+}
+
+int Room::lineSize(double engineRate) noexcept {
+  const double metres = kLargestRoom * std::max(kLeftPath.back(), kRightPath.back());
+  const double longest = metres * engineRate * kInverseSpeedOfSound + kSubBlock + 1;
+  int size = 1024;
+  while (size < longest && size < kLongestLine) size *= 2;
+  return size;
 }
 
 void Room::Side::compute(const Paths& path, const Paths& cutoff, const RoomSettings& settings,
@@ -58,12 +70,17 @@ void Room::computeTaps(const RoomSettings& settings, double engineRate) noexcept
     }
   }
   const double dbPerMetre = kLongestPathDb / longest;
+  if (const int size = lineSize(engineRate); size != m_left.size) {
+    m_left.size = m_right.size = size;
+    m_writeIndex = 0;
+    clear();
+  }
   m_left.compute(kLeftPath, kLeftCutoff, settings, dbPerMetre, engineRate);
   m_right.compute(kRightPath, kRightCutoff, settings, dbPerMetre, engineRate);
 }
 
 void Room::Side::clear() noexcept {
-  std::fill(line.begin(), line.end(), 0.0);
+  std::fill_n(line.get(), size + kContinued, 0.0);
   std::fill(std::begin(taps.state), std::end(taps.state), 0.0);
 }
 
@@ -74,9 +91,9 @@ void Room::clear() noexcept {
 
 void Room::Side::write(const SubBlock& send, int writeIndex, int n) noexcept {
   for (int j = 0; j < n; ++j) {
-    const auto i = static_cast<std::size_t>((writeIndex + j) & (kLineSize - 1));
+    const auto i = static_cast<std::size_t>((writeIndex + j) & (size - 1));
     line[i] = send[static_cast<std::size_t>(j)];
-    if (i < kContinued) line[i + kLineSize] = line[i];
+    if (i < kContinued) line[i + static_cast<std::size_t>(size)] = line[i];
   }
 }
 
@@ -84,7 +101,7 @@ void Room::process(Side& side, const SubBlock& send, const SubBlock& returnGain,
                    SubBlock& out) const noexcept {
   side.write(send, m_writeIndex, n);
   for (std::size_t i = 0; i < kTapCount; ++i)
-    side.taps.first[i] = side.line.data() + ((m_writeIndex - side.delay[i]) & (kLineSize - 1));
+    side.taps.first[i] = side.line.get() + ((m_writeIndex - side.delay[i]) & (side.size - 1));
   m_kernels.roomSide(side.taps, out.data(), n);
   for (std::size_t k = 0; k < static_cast<std::size_t>(n); ++k) out[k] *= returnGain[k];
 }
@@ -93,7 +110,7 @@ void Room::process(const SubBlock& sendLeft, const SubBlock& sendRight, const Su
                    int n, SubBlock& left, SubBlock& right) noexcept {
   process(m_left, sendLeft, returnGain, n, left);
   process(m_right, sendRight, returnGain, n, right);
-  m_writeIndex = (m_writeIndex + n) & (kLineSize - 1);
+  m_writeIndex = (m_writeIndex + n) & (m_left.size - 1);
 }
 
 } // namespace qlx::engine

@@ -5,9 +5,13 @@
 #include "engine/signal/SubBlock.h"
 
 #include <array>
-#include <vector>
+#include <cstdlib>
+#include <memory>
 
 namespace qlx::engine {
+
+/// Largest RoomSettings::size.
+inline constexpr double kLargestRoom = 8.0;
 
 struct RoomSettings {
   double size = 1.0;        ///< scale of all paths
@@ -22,7 +26,8 @@ class Room {
  public:
   explicit Room(const kernels::Kernels& kernels);
 
-  /// Recomputes delays, levels and filters for an engine rate; the memory of the lines stays.
+  /// Recomputes delays, levels and filters for an engine rate; the memory of the lines stays unless
+  /// the rate asks for lines of another length.
   void computeTaps(const RoomSettings& settings, double engineRate) noexcept;
   void clear() noexcept;
 
@@ -32,15 +37,26 @@ class Room {
 
  private:
   static constexpr std::size_t kTapCount = kernels::RoomSide::kTaps;
-  static constexpr int kLineSize = 65536;
+  static constexpr int kLongestLine = 65536;
   static constexpr int kContinued =
       kSubBlock + 8; ///< samples of the begin that follow the end again
+
+  /// Length of the lines, a power of two, for the largest room at an engine rate.
+  static int lineSize(double engineRate) noexcept;
+
+  struct Free {
+    void operator()(double* memory) const noexcept { std::free(memory); }
+  };
 
   struct Side {
     std::array<int, kTapCount> delay{};
     kernels::RoomSide taps{};
-    std::vector<double> line;
+    /// Memory for the longest line. It comes zeroed from the system, which takes no page of it
+    /// before a line that long is cleared or written.
+    std::unique_ptr<double[], Free> line;
+    int size = 0; ///< in use
 
+    Side();
     void compute(const std::array<double, kTapCount>& path,
                  const std::array<double, kTapCount>& cutoff, const RoomSettings& settings,
                  double dbPerMetre, double engineRate) noexcept;

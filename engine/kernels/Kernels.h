@@ -10,7 +10,8 @@ namespace qlx::engine::kernels {
 
 /// Longest sub-block, samples; the buffers have room for whole groups of four beyond it.
 inline constexpr int kLongestSubBlock = 64;
-/// Samples of the lines of sound and of angles, which are stored twice in a row.
+/// Samples of the lines of sound and of angles, which are followed by the first of them again:
+/// eight more than the longest sub-block.
 inline constexpr int kLineSize = 4096;
 /// Pieces of a level law, four coefficients each, from the constant up.
 inline constexpr int kLevelPieces = 511;
@@ -41,7 +42,7 @@ struct RayLanes {
   double reflection[N];     ///< state
   const double* angles[N];  ///< the rotor's angles in a line as the sound's
   int angleLag[N];          ///< whole samples from the oldest angle to the one that arrives now
-  const double* line[N];    ///< 2 x kLineSize samples: the same kLineSize twice
+  const double* line[N];    ///< kLineSize samples and the first again
   const double* levels[N];  ///< kLevelPieces x 4 coefficients
 };
 

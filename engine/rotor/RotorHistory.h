@@ -18,7 +18,7 @@ inline constexpr int kUpdateInterval = 16;
 /// Length of the delay lines in which rotors and their sound are remembered: 4096 engine samples,
 /// over 27 m of air.
 inline constexpr int kHistorySize = kernels::kLineSize;
-using DelayLine = MirroredRing<kHistorySize>;
+using DelayLine = ContinuedRing<kHistorySize>;
 
 /// A rotor as its models see it: the motion, the angles of the recent past (a ray that arrives now
 /// left the mouth some time ago), and the clock by which what follows the angle slowly is updated.
@@ -64,7 +64,7 @@ class RotorHistory {
   double samplesPerMetre() const noexcept { return m_sampleRate * kInverseSpeedOfSound; }
 
  private:
-  MirroredRing<kHistorySize> m_angles;
+  ContinuedRing<kHistorySize> m_angles;
   SubBlock m_speeds{};
   int m_writeIndex = 0;
   int m_counter = 0;

@@ -213,7 +213,7 @@ constexpr SettingRow kRows[] = {
 
     {S::RoomReturnGain, -0.03, 0.03 * g, smooth<Sm::RoomReturnGain>},
     {S::NoiseSendGain, -0.2, 1, mix<&MicrophoneMix::noiseSendGain>},
-    {S::RoomSize, 0.1, 8, room<&RoomSettings::size>, kPendingRoomTaps},
+    {S::RoomSize, 0.1, kLargestRoom, room<&RoomSettings::size>, kPendingRoomTaps},
     {S::VirtualRoomSize, 0.1, 8, room<&RoomSettings::virtualSize>, kPendingRoomTaps},
     {S::RoomLeftRightDelay, 0, 5, room<&RoomSettings::leftRightDelay>, kPendingRoomTaps},
     {S::RoomMainCutoffHz, 20, kHighestHz, room<&RoomSettings::mainCutoffHz>, kPendingRoomTaps},

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "engine/signal/SubBlock.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -27,28 +29,29 @@ struct CubicWeights {
   }
 };
 
-/// A delay line of Size samples stored twice in a row, so that a four-point read or a samples never
-/// wraps.
+/// A delay line of Size samples that is continued behind its end by its first samples, so that
+/// reading four neighbours or a sub-block never wraps.
 template <int Size>
-class MirroredRing {
+class ContinuedRing {
  public:
   static constexpr int kSize = Size;
+  static constexpr int kContinued = kSubBlock + 8; ///< samples of the begin that follow the end
   static_assert((Size & (Size - 1)) == 0, "the index is masked");
+  static_assert(Size >= kContinued);
 
   void clear() noexcept { m_samples.fill(0.0); }
 
   void write(int index, double x) noexcept {
     const auto i = static_cast<std::size_t>(index & (Size - 1));
     m_samples[i] = x;
-    m_samples[i + Size] = x;
+    if (i < kContinued) m_samples[i + Size] = x;
   }
 
   /// Writes a block of samples from `index` on.
   void write(int index, std::span<const double> samples) noexcept {
     const auto begin = static_cast<std::size_t>(index & (Size - 1));
-    if (begin + samples.size() <= std::size_t{Size}) {
+    if (begin >= kContinued && begin + samples.size() <= std::size_t{Size}) {
       std::copy(samples.begin(), samples.end(), m_samples.begin() + begin);
-      std::copy(samples.begin(), samples.end(), m_samples.begin() + begin + Size);
       return;
     }
     for (const double x : samples) write(index++, x);
@@ -61,7 +64,7 @@ class MirroredRing {
   const double* data() const noexcept { return m_samples.data(); }
 
  private:
-  std::array<double, 2 * std::size_t{Size}> m_samples{};
+  std::array<double, std::size_t{Size} + kContinued> m_samples{};
 };
 
 /// Reads table[0 .. last] at x; below 0 and above `last` the end values hold.
