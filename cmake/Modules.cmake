@@ -33,7 +33,7 @@ endfunction()
 
 # qlx_test(name SOURCES ... [LINKS ...] [SLOW pattern ...] [EVERY_PROCESSOR]): one GoogleTest program; each of its tests is a
 # ctest entry with the label quick, those whose names match a pattern of GoogleTest's with the label slow.
-# EVERY_PROCESSOR: once more with the kernels that run on any x86-64; these are slow.
+# EVERY_PROCESSOR: once more with the kernels that run on any x86-64, and with those of four lanes; these are slow.
 function(qlx_test name)
   cmake_parse_arguments(ARG "EVERY_PROCESSOR" "" "SOURCES;LINKS;SLOW" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
@@ -58,7 +58,9 @@ function(qlx_test name)
   gtest_discover_tests(test_${name} TEST_PREFIX "${name}." TEST_FILTER "-${slow}"
     DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS quick)
   if(ARG_EVERY_PROCESSOR)
-    gtest_discover_tests(test_${name} TEST_PREFIX "baseline.${name}." TEST_LIST test_${name}_BASELINE_TESTS
-      DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS slow ENVIRONMENT QLX_ISA=baseline)
+    foreach(set baseline avx2)
+      gtest_discover_tests(test_${name} TEST_PREFIX "${set}.${name}." TEST_LIST test_${name}_${set}_TESTS
+        DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS slow ENVIRONMENT QLX_ISA=${set})
+    endforeach()
   endif()
 endfunction()

@@ -97,7 +97,7 @@ def man_page(commands, version, date):
     lines += [".SH EXIT STATUS", ".TP", "0", "Done.", ".TP", "1", "It failed; standard error says why.", ".TP", "2",
               "The command line was wrong.", ".TP", "130", r"Interrupted by Ctrl\-C.",
               ".SH ENVIRONMENT", ".TP", r"\fBVST_PATH\fR", "Folders of plug-ins, separated by colons.", ".TP",
-              r"\fBQLX_ISA\fR", r"\fBbaseline\fR: the code for every x86\-64 processor even where a faster one could run.",
+              r"\fBQLX_ISA\fR", r"\fBbaseline\fR: the code for every x86\-64 processor even where a faster one could run; \fBavx2\fR, \fBavx512\fR: those, where they can.",
               ".TP", r"\fBXDG_CONFIG_HOME\fR", r"Where settings are kept, instead of \fI~/.config\fR.",
               ".SH FILES", ".TP", r"\fI~/.config/Meridane/QLXBRZ1\fR", "Stored defaults, memories and the last folders.",
               ".SH SEE ALSO", r"The user manual, \fImanual.pdf\fR and \fImanual.html\fR in \fI/usr/share/doc/qlx\-brezan\fR",

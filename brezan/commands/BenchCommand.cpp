@@ -132,8 +132,9 @@ void addBenchCommand(CLI::App& program) {
                             ->excludes(json);
   command->add_option("--picture", options->picture, "With --growth: draw it into this PNG file")
       ->needs(growth);
-  command->footer("QLX_ISA=baseline in the environment makes the plug-in use the code for every "
-                  "x86-64 processor instead of the best for this one.");
+  command->footer(
+      "QLX_ISA=baseline in the environment makes the plug-in use the code for every "
+      "x86-64 processor instead of the best for this one; avx2 and avx512 name others.");
   command->callback([options] { bench(*options); });
 }
 

@@ -278,11 +278,15 @@ struct Kernels {
   void (*transistor)(const double* drive, double* samples, int n);
 };
 
-/// The kernels for the processor at hand, or for any x86-64 where the environment variable QLX_ISA
-/// is "baseline".
+/// The fastest kernels for the processor at hand, or those that the environment variable QLX_ISA
+/// names ("avx512", "avx2", "baseline") if the processor and the operating system can run them.
 const Kernels& chooseKernels() noexcept;
+
+/// Whether processor and operating system have all that these kernels need.
+bool canRun(const Kernels& kernels) noexcept;
 
 extern const Kernels kBaselineKernels;
 extern const Kernels kAvx2Kernels;
+extern const Kernels kAvx512Kernels;
 
 } // namespace qlx::engine::kernels

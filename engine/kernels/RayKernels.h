@@ -185,9 +185,10 @@ inline void tuneDrum(DrumBank& bank, int lane) {
                           lowPassWarp(hz * (1.0 / bank.lowPass.edgeHz))}));
 }
 
-void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
+/// What the horn's lanes from `first` to before `end` add up to; whole vectors.
+inline void hornLanes(HornBank& bank, int first, int end, const RayPass& pass, double* pairs) {
   Lanes sum[kBuffer] = {};
-  for (int lane = 0; lane < lanes; lane += kWidth) {
+  for (int lane = first; lane < end; lane += kWidth) {
     Lanes x[kBuffer], level[kBuffer];
     const RayStart start(pass.writeIndex);
     trace(bank.rays, lane, start, pass.n, -1.0, x, level);
@@ -202,6 +203,10 @@ void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
     applyReflection(bank.rays, lane, pass.n, x, level, sum);
   }
   for (int j = 0; j < pass.n; ++j) storePair(pairs + 2 * j, sum[j]);
+}
+
+void hornRays(HornBank& bank, int lanes, const RayPass& pass, double* pairs) {
+  hornLanes(bank, 0, lanes, pass, pairs);
 }
 
 /// Ends all glides of one vector at once.

@@ -148,7 +148,8 @@ inline void addParallel(ParallelSections<Sections, Channels>& s, int lane, int n
 }
 
 void body(BodySections& s, double* pairs, int n) {
-  constexpr int kVectors = 2;
+  // Eight lanes have 32 registers: all sections go side by side.
+  constexpr int kVectors = kWidth == 8 ? 7 : 2;
   static_assert(BodySections::kLanes % (kVectors * kWidth) == 0);
   Lanes sum[kLongestSubBlock] = {};
   for (int lane = 0; lane < s.kLanes; lane += kVectors * kWidth)

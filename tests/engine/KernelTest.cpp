@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "tests/engine/KernelTest.h"
 
+#include "engine/kernels/Kernels.h"
+
 #include <gtest/gtest.h>
 
 namespace qlx::test {
@@ -18,9 +20,13 @@ void expectExact(const KernelErrors& e) {
 TEST(KernelMathematics, IsExactOnEveryProcessor) { expectExact(measureBaseline()); }
 
 TEST(KernelMathematics, IsExactWithAvx2) {
-  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma"))
-    GTEST_SKIP() << "the processor has no AVX2";
+  if (!canRun(engine::kernels::kAvx2Kernels)) GTEST_SKIP() << "the processor has no AVX2";
   expectExact(measureAvx2());
+}
+
+TEST(KernelMathematics, IsExactWithAvx512) {
+  if (!canRun(engine::kernels::kAvx512Kernels)) GTEST_SKIP() << "the processor has no AVX-512";
+  expectExact(measureAvx512());
 }
 
 } // namespace

@@ -12,5 +12,6 @@ struct KernelErrors {
 
 KernelErrors measureBaseline();
 KernelErrors measureAvx2();
+KernelErrors measureAvx512();
 
 } // namespace qlx::test

@@ -28,9 +28,7 @@ struct KernelTwin : testing::TestWithParam<const Kernels*> {
   std::mt19937 random{7};
 
   void SetUp() override {
-    if (GetParam() == &kAvx2Kernels &&
-        !(__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")))
-      GTEST_SKIP() << "the processor has no AVX2";
+    if (!canRun(kernels)) GTEST_SKIP() << "not for this processor";
   }
   double between(double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(random);
@@ -677,7 +675,8 @@ TEST_P(KernelTwin, Transistor) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, KernelTwin, testing::Values(&kBaselineKernels, &kAvx2Kernels),
+INSTANTIATE_TEST_SUITE_P(Every, KernelTwin,
+                         testing::Values(&kBaselineKernels, &kAvx2Kernels, &kAvx512Kernels),
                          [](const auto& set) { return std::string(set.param->name); });
 
 } // namespace
