@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace qlx::live {
 
@@ -30,7 +29,7 @@ void SessionClient::FreeServer::operator()(lo_server server) const { lo_server_f
 void SessionClient::FreeAddress::operator()(lo_address address) const { lo_address_free(address); }
 
 SessionClient::SessionClient(const std::string& url, const std::string& name,
-                             const std::string& executable)
+                             const std::string& executable, int processId)
     : m_manager(lo_address_new_from_url(url.c_str())),
       m_server(lo_server_new_with_proto(nullptr, LO_UDP, nullptr)) {
   if (!m_manager || !m_server)
@@ -51,7 +50,7 @@ SessionClient::SessionClient(const std::string& url, const std::string& name,
             });
   if (lo_send_from(m_manager.get(), m_server.get(), LO_TT_IMMEDIATE, kAnnounce, "sssiii",
                    name.c_str(), "", executable.c_str(), kVersionMajor, kVersionMinor,
-                   static_cast<int>(::getpid())) < 0)
+                   processId) < 0)
     throw std::runtime_error("cannot reach the session manager at '" + url + "'");
 }
 
@@ -71,8 +70,7 @@ void SessionClient::replyError(const char* request, int code, const char* words)
 }
 
 void SessionClient::opens(const char* path, const char* id) {
-  if (m_session)
-    return replyError(kOpen, kNotNow, "one session is open; start again");
+  if (m_session) return replyError(kOpen, kNotNow, "one session is open; start again");
   if (!std::filesystem::path(path).is_absolute())
     return replyError(kOpen, kBadProject, "the session's path is not absolute");
   m_session = Session{path, id};

@@ -23,8 +23,9 @@ class SessionClient {
   };
 
   /// Announces the program to the manager at `url`, as $NSM_URL gives it. `executable` is what the
-  /// manager starts to have it again. Throws std::runtime_error.
-  SessionClient(const std::string& url, const std::string& name, const std::string& executable);
+  /// manager starts to have it again, `processId` what it ends. Throws std::runtime_error.
+  SessionClient(const std::string& url, const std::string& name, const std::string& executable,
+                int processId);
   ~SessionClient();
   SessionClient(const SessionClient&) = delete;
   SessionClient& operator=(const SessionClient&) = delete;

@@ -29,6 +29,7 @@
 #include <optional>
 #include <stdexcept>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace qlx::tools {
@@ -181,7 +182,7 @@ class ManagedSession {
   ManagedSession() {
     const char* url = std::getenv(kManagerVariable);
     if (url == nullptr || *url == '\0') return;
-    m_client.emplace(url, kClientName, "brezan");
+    m_client.emplace(url, kClientName, "brezan", static_cast<int>(::getpid()));
     while (!m_session) {
       m_session = m_client->awaitSession(kStatusTime);
       if (takeInterrupt()) throw std::runtime_error("ended before the session was open");

@@ -8,7 +8,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <unistd.h>
 #include <utility>
 
 namespace qlx::test {
@@ -61,9 +60,8 @@ constexpr auto kPatience = 10000ms;
 
 TEST(SessionClientTest, OpensOneSessionAndSavesIt) {
   Manager manager;
-  live::SessionClient client(manager.url(), "Name", "program");
-  EXPECT_EQ(manager.heard(),
-            "/nsm/server/announce Name  program 1 2 " + std::to_string(::getpid()));
+  live::SessionClient client(manager.url(), "Name", "program", 7);
+  EXPECT_EQ(manager.heard(), "/nsm/server/announce Name  program 1 2 7");
   const auto open = [&](const char* path) {
     manager.send("/nsm/client/open", "sss", path, "Session", "name.nAAAA");
     const auto session = client.awaitSession(kPatience);
@@ -100,9 +98,9 @@ TEST(SessionClientTest, OpensOneSessionAndSavesIt) {
 
 TEST(SessionClientTest, ManagersMayBeAbsentOrRefuse) {
   for (const char* url : {"nowhere", "osc.udp://", ""})
-    EXPECT_THROW(live::SessionClient(url, "Name", "program"), std::runtime_error) << url;
+    EXPECT_THROW(live::SessionClient(url, "Name", "program", 7), std::runtime_error) << url;
   Manager manager;
-  live::SessionClient client(manager.url(), "Name", "program");
+  live::SessionClient client(manager.url(), "Name", "program", 7);
   manager.heard();
   manager.send("/error", "sis", "/nsm/server/announce", -2, "too old");
   EXPECT_THROW(client.awaitSession(kPatience), std::runtime_error);
