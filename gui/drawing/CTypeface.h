@@ -52,10 +52,8 @@ class CTypeface {
     double enlarged = 1.0; ///< what there is of a glyph drawn for a smaller window only
 
     std::uint8_t coverageAt(int x, int y) const {
-      if (enlarged == 1.0) return coverage[static_cast<std::size_t>(y * width + x)];
-      const auto at = [this](int place) { return static_cast<int>(place / enlarged); };
-      const int rowBytes = at(width - 1) + 1;
-      return coverage[static_cast<std::size_t>(at(y) * rowBytes + at(x))];
+      const auto at = [this](int place) { return static_cast<std::size_t>(place / enlarged); };
+      return coverage[at(y) * (at(width - 1) + 1) + at(x)];
     }
   };
 

@@ -17,6 +17,7 @@ using Spectrum = std::vector<std::complex<double>>;
 // loops' lengths are primes or have large factors. The inverse is not divided by the length.
 Spectrum transformed(const Spectrum& in, bool inverse) {
   const std::size_t length = in.size();
+  if (length == 0) return {};
   const std::size_t padded = std::bit_ceil(2 * length);
   const double step = (inverse ? 1.0 : -1.0) * std::numbers::pi / static_cast<double>(length);
   Spectrum chirp(length), product(padded), mirrored(padded), out(padded);
