@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: ISC
 #include "editor/EditorControls.h"
 
-#include "editor/CAbout.h"
-#include "editor/CBrezanParamDisplay.h"
-#include "editor/CClickKickButton.h"
-#include "editor/QLXOnOffButton.h"
-#include "editor/QLXVerticalSwitch.h"
+#include "editor/controls/CAbout.h"
+#include "editor/controls/CBrezanParamDisplay.h"
+#include "editor/controls/CClickKickButton.h"
+#include "editor/controls/QLXOnOffButton.h"
+#include "editor/controls/QLXVerticalSwitch.h"
 #include "gui/controls/CMovieBitmap.h"
 #include "plugin/parameters/ParameterFormatter.h"
 #include "presets/panel/CPSRockerSwitch.h"

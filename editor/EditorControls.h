@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editor/Layout.h"
-#include "editor/QLXMarker.h"
+#include "editor/controls/QLXMarker.h"
 #include "gui/CFrame.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "editor/CAnimKnob3.h"
 #include "editor/DisplayConverters.h"
+#include "editor/controls/CAnimKnob3.h"
 #include "gui/controls/CParamDisplay.h"
 #include "plugin/parameters/ParameterIndex.h"
 #include "resources/images/WindowLayout.h"

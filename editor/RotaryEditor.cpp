@@ -192,8 +192,8 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, d
       std::make_unique<EditorControls>(*frame, *this, m_formatter, [this](std::int32_t index) {
         return getEffect()->getParameter(index);
       });
-  CPresetSystemEditor::open(parent);
   m_contextMenu = &frame->addView(std::make_unique<ContextMenu>());
+  CPresetSystemEditor::open(parent); // the preset panel lies on top
   m_contextMenu->onClosed([this] { menuClosed(); });
   frame->onContextClick([this](const gui::CPoint& where) { openContextMenu(where); });
   frame->open();

@@ -17,6 +17,9 @@ constexpr int kNotNow = -8;
 constexpr int kBadProject = -9;
 constexpr int kCreateFailed = -10;
 
+// The time stamp of a message that is to act at once; liblo's own is not C++.
+constexpr lo_timetag kAtOnce{0U, 1U};
+
 constexpr const char* kAnnounce = "/nsm/server/announce";
 constexpr const char* kOpen = "/nsm/client/open";
 constexpr const char* kSave = "/nsm/client/save";
@@ -48,9 +51,8 @@ SessionClient::SessionClient(const std::string& url, const std::string& name,
               if (std::string(&words[0]->s) == kAnnounce) self(data).m_refusal = &words[2]->s;
               return 0;
             });
-  if (lo_send_from(m_manager.get(), m_server.get(), LO_TT_IMMEDIATE, kAnnounce, "sssiii",
-                   name.c_str(), "", executable.c_str(), kVersionMajor, kVersionMinor,
-                   processId) < 0)
+  if (lo_send_from(m_manager.get(), m_server.get(), kAtOnce, kAnnounce, "sssiii", name.c_str(), "",
+                   executable.c_str(), kVersionMajor, kVersionMinor, processId) < 0)
     throw std::runtime_error("cannot reach the session manager at '" + url + "'");
 }
 
@@ -61,12 +63,11 @@ void SessionClient::addMethod(const char* path, const char* types, lo_method_han
 }
 
 void SessionClient::reply(const char* request, const char* words) {
-  lo_send_from(m_manager.get(), m_server.get(), LO_TT_IMMEDIATE, "/reply", "ss", request, words);
+  lo_send_from(m_manager.get(), m_server.get(), kAtOnce, "/reply", "ss", request, words);
 }
 
 void SessionClient::replyError(const char* request, int code, const char* words) {
-  lo_send_from(m_manager.get(), m_server.get(), LO_TT_IMMEDIATE, "/error", "sis", request, code,
-               words);
+  lo_send_from(m_manager.get(), m_server.get(), kAtOnce, "/error", "sis", request, code, words);
 }
 
 void SessionClient::opens(const char* path, const char* id) {

@@ -6,7 +6,7 @@
 #include "brezan/plugin/PluginLocation.h"
 #include "brezan/sound/PendingFile.h"
 #include "brezan/validate/Report.h"
-#include "brezan/validate/VirtualScreen.h"
+#include "brezan/validate/host/VirtualScreen.h"
 
 #include <algorithm>
 #include <iostream>

@@ -2,7 +2,7 @@
 #include "brezan/validate/CheckRunner.h"
 
 #include "brezan/Table.h"
-#include "brezan/validate/OpcodeNames.h"
+#include "brezan/validate/host/OpcodeNames.h"
 
 #include <array>
 #include <cerrno>

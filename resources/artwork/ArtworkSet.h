@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "resources/artwork/Canvas.h"
-#include "resources/artwork/Lettering.h"
-#include "resources/artwork/Picture.h"
+#include "resources/artwork/drawing/Canvas.h"
+#include "resources/artwork/drawing/Lettering.h"
+#include "resources/artwork/drawing/Picture.h"
 
 #include <span>
 

@@ -2,8 +2,8 @@
 #include "resources/artwork/Drawings.h"
 #include "resources/artwork/Fittings.h"
 #include "resources/artwork/Layout.h"
-#include "resources/artwork/Materials.h"
-#include "resources/artwork/Palette.h"
+#include "resources/artwork/drawing/Materials.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <array>
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "resources/artwork/Fittings.h"
 
-#include "resources/artwork/Materials.h"
-#include "resources/artwork/Palette.h"
+#include "resources/artwork/drawing/Materials.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <numbers>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "resources/artwork/ArtworkSet.h"
-#include "resources/artwork/Canvas.h"
-#include "resources/artwork/Lettering.h"
+#include "resources/artwork/drawing/Canvas.h"
+#include "resources/artwork/drawing/Lettering.h"
 
 #include <functional>
 

@@ -3,7 +3,7 @@
 
 #include "resources/artwork/Drawings.h"
 #include "resources/artwork/Fittings.h"
-#include "resources/artwork/Materials.h"
+#include "resources/artwork/drawing/Materials.h"
 
 #include <numeric>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "resources/artwork/Lettering.h"
-#include "resources/artwork/Picture.h"
+#include "resources/artwork/drawing/Lettering.h"
+#include "resources/artwork/drawing/Picture.h"
 
 namespace qlx::artwork {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
-#include "resources/artwork/Materials.h"
-#include "resources/artwork/Palette.h"
 #include "resources/artwork/Panels.h"
+#include "resources/artwork/drawing/Materials.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <array>
 #include <numbers>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "resources/artwork/Geometry.h"
+#include "resources/artwork/drawing/Geometry.h"
 #include "resources/images/WindowLayout.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "resources/artwork/Drawings.h"
-#include "resources/artwork/Materials.h"
-#include "resources/artwork/Palette.h"
 #include "resources/artwork/Panels.h"
+#include "resources/artwork/drawing/Materials.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <numbers>
 

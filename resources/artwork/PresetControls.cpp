@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "resources/artwork/Drawings.h"
 #include "resources/artwork/Fittings.h"
-#include "resources/artwork/Palette.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <string_view>
 

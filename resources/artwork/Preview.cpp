@@ -3,7 +3,7 @@
 
 #include "resources/artwork/ArtworkSet.h"
 #include "resources/artwork/Layout.h"
-#include "resources/artwork/Palette.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "resources/artwork/Drawings.h"
-#include "resources/artwork/Palette.h"
+#include "resources/artwork/drawing/Palette.h"
 
 #include <numbers>
 

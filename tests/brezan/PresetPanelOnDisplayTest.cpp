@@ -3,8 +3,8 @@
 // outside.
 #include "platform/WindowRobot.h"
 #include "tests/support/CommandRun.h"
-#include "tests/support/FakeDesktop.h"
-#include "tests/support/VirtualDisplay.h"
+#include "tests/support/desktop/FakeDesktop.h"
+#include "tests/support/desktop/VirtualDisplay.h"
 
 #include <chrono>
 #include <functional>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
-#include "editor/CAnimKnob3.h"
-#include "editor/CClickKickButton.h"
-#include "editor/QLXMarker.h"
-#include "editor/QLXOnOffButton.h"
-#include "editor/QLXVerticalSwitch.h"
+#include "editor/controls/CAnimKnob3.h"
+#include "editor/controls/CClickKickButton.h"
+#include "editor/controls/QLXMarker.h"
+#include "editor/controls/QLXOnOffButton.h"
+#include "editor/controls/QLXVerticalSwitch.h"
 #include "tests/support/ControlPictures.h"
 #include "tests/support/RecordingListener.h"
 

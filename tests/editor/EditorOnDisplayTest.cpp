@@ -2,7 +2,7 @@
 #include "platform/WindowRobot.h"
 #include "tests/support/EditorRig.h"
 #include "tests/support/ProcessResources.h"
-#include "tests/support/VirtualDisplay.h"
+#include "tests/support/desktop/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
 
@@ -63,6 +63,11 @@ TEST_F(EditorOnDisplay, ScreenShowsExactlyWhatIsDrawn) {
 }
 
 TEST_F(EditorOnDisplay, OpeningsUnderAutomationLeaveNothingBehind) {
+  // Frames are decoded when they are first shown, and kept.
+  for (int step = 0; step <= 100; ++step) {
+    for (int i = 0; i < 36; ++i) shown.effect.setParameter(i, static_cast<float>(step) / 100.0F);
+    shown.editor->idle();
+  }
   std::atomic<bool> stop{false};
   std::thread audio([&] {
     for (int i = 0; !stop.load(std::memory_order_relaxed); ++i) {

@@ -4,8 +4,8 @@
 // click.
 #include "tests/support/EditorRig.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/VirtualDisplay.h"
-#include "tests/support/X11Host.h"
+#include "tests/support/desktop/VirtualDisplay.h"
+#include "tests/support/desktop/X11Host.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // The editor as its user meets it: in a window on a display, worked with a real pointer and
 // keyboard, while a host listens and another thread plays.
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/VirtualDisplay.h"
+#include "tests/support/desktop/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
 

@@ -99,7 +99,7 @@ Played& played() {
 }
 
 /// Events of all kinds and lengths, also none where the list promises one.
-void sendEvents(Reader& in) {
+void sendEvents(Played& to, Reader& in) {
   constexpr std::size_t kMost = 8;
   std::array<sdk::Event, kMost> events{};
   // The list as hosts lay it out: pointers behind the head.
@@ -117,7 +117,7 @@ void sendEvents(Reader& in) {
     std::copy(message.begin(), message.end(), events[i].data + 8); // behind note length and offset
     list.events[i] = (kind & 0x80) != 0 ? nullptr : &events[i];
   }
-  played().call(EffectOpcode::ProcessEvents, 0, 0, &list);
+  to.call(EffectOpcode::ProcessEvents, 0, 0, &list);
 }
 
 void dispatchOne(Reader& in) {
@@ -131,7 +131,7 @@ void dispatchOne(Reader& in) {
   case EffectOpcode::Close: return; // the effect lives on for the next input
   case EffectOpcode::EditOpen:
   case EffectOpcode::VendorSpecific: played().call(opcode, index, value, nullptr, opt); return;
-  case EffectOpcode::ProcessEvents: return sendEvents(in);
+  case EffectOpcode::ProcessEvents: return sendEvents(played(), in);
   case EffectOpcode::GetChunk: {
     void* data = nullptr;
     const auto size = played().call(opcode, index, 0, &data);
@@ -189,11 +189,12 @@ void runDispatcher(Input bytes) {
 /// Messages alone, more of them.
 void runMidi(Input bytes) {
   Reader in(bytes.first(std::min<std::size_t>(bytes.size(), 2048)));
-  sdk::EffectRecord& effect = played().record();
+  static Played pedals; // its parameters are what messages made them
+  sdk::EffectRecord& effect = pedals.record();
   effect.setParameter(&effect, 35, in.take<std::uint8_t>() / 255.0F); // channel
-  while (!in.empty()) sendEvents(in);
-  played().process(in, 32);
-  played().checkValues();
+  while (!in.empty()) sendEvents(pedals, in);
+  pedals.process(in, 32);
+  pedals.checkValues();
 }
 
 void runAutomation(Input bytes) {

@@ -5,8 +5,8 @@
 #include "gui/dialogs/CMessageBox.h"
 #include "gui/drawing/ShortenedText.h"
 #include "tests/gui/FrameFixture.h"
-#include "tests/support/ScriptedFileSelector.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/desktop/ScriptedFileSelector.h"
 
 #include <filesystem>
 

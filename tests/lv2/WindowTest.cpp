@@ -6,7 +6,7 @@
 #include "tests/lv2/LilvHost.h"
 #include "tests/support/CountingAllocator.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/VirtualDisplay.h"
+#include "tests/support/desktop/VirtualDisplay.h"
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "tests/support/DesktopRig.h"
+#include "tests/support/desktop/DesktopRig.h"
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "platform/linux/desktop/PortalRequest.h"
-#include "tests/support/DesktopRig.h"
+#include "tests/support/desktop/DesktopRig.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "platform/NativeWindow.h"
-#include "tests/support/VirtualDisplay.h"
-#include "tests/support/X11Host.h"
+#include "tests/support/desktop/VirtualDisplay.h"
+#include "tests/support/desktop/X11Host.h"
 
 #include <dlfcn.h>
 

@@ -2,9 +2,9 @@
 #include "gui/drawing/CBitmap.h"
 #include "gui/drawing/PngImage.h"
 #include "resources/artwork/ArtworkSet.h"
-#include "resources/artwork/Colour.h"
 #include "resources/artwork/Icon.h"
 #include "resources/artwork/Layout.h"
+#include "resources/artwork/drawing/Colour.h"
 #include "resources/images/Images.h"
 
 #include <gtest/gtest.h>

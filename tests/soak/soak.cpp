@@ -10,8 +10,8 @@
 #include "tests/support/ProcessResources.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/ThisSystem.h"
-#include "tests/support/VirtualDisplay.h"
-#include "tests/support/X11Host.h"
+#include "tests/support/desktop/VirtualDisplay.h"
+#include "tests/support/desktop/X11Host.h"
 #include "tests/system/Scenario.h"
 
 #include <cstdio>
@@ -97,6 +97,10 @@ class Session {
     startAt(44100.0);
     // Everything that is made once has been made.
     openEditor();
+    for (int step = 0; step <= 100; ++step) { // every frame of the pictures
+      for (const int index : {0, 1, 2, 4, 5, 11}) set(index, static_cast<float>(step) / 100.0F);
+      m_host.idleEditor();
+    }
     m_host.selectPreset(0);
     m_model.restoreSlots(0);
     playFor(20.0);

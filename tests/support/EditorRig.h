@@ -6,8 +6,8 @@
 #include "plugin/parameters/ParameterFormatter.h"
 #include "presets/store/CPresetSystemEffect.h"
 #include "tests/support/MemorySettingsStore.h"
-#include "tests/support/ScriptedDocumentOpener.h"
-#include "tests/support/ScriptedFileSelector.h"
+#include "tests/support/desktop/ScriptedDocumentOpener.h"
+#include "tests/support/desktop/ScriptedFileSelector.h"
 
 #include <array>
 #include <atomic>

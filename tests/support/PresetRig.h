@@ -9,7 +9,7 @@
 #include "presets/store/CPresetSystemEffect.h"
 #include "tests/support/MemorySettingsStore.h"
 #include "tests/support/PresetBytesBuilder.h"
-#include "tests/support/ScriptedFileSelector.h"
+#include "tests/support/desktop/ScriptedFileSelector.h"
 
 namespace qlx::test {
 
