@@ -7,12 +7,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <thread>
 
 namespace qlx::test {
 namespace {
+
+const gui::COptionMenu& contextMenu(const EditorRig& rig) {
+  const auto& views = rig.frame().getViews();
+  return dynamic_cast<const gui::COptionMenu&>(**std::find_if(
+      views.begin(), views.end(), [](const auto& view) { return view->isTypeOf("ContextMenu"); }));
+}
 
 using platform::VirtualKey;
 using platform::WindowEventType;
@@ -185,8 +192,7 @@ std::string contextMenuAt(EditorRig& rig, int x, int y) {
             platform::kPointerRight);
   rig.editor->idle();
   if (rig.window().popup() == nullptr) return {};
-  const auto& views = rig.frame().getViews();
-  const auto& menu = dynamic_cast<const gui::COptionMenu&>(*views.back());
+  const gui::COptionMenu& menu = contextMenu(rig);
   std::string text;
   for (int i = 0; i < menu.getNbEntries(); ++i)
     text += (menu.isTicked(i) ? "*" : "") + menu.getEntry(i) + "; ";
@@ -286,7 +292,7 @@ TEST_F(OpenEditor, HostAddsToTheMenuOfAControl) {
   rig.key(VirtualKey::kDown);
   key(VirtualKey::kReturn);
   EXPECT_EQ(std::exchange(asked, {}), "17+17-17+1");
-  const auto& menu = dynamic_cast<const gui::COptionMenu&>(*rig.frame().getViews().back());
+  const gui::COptionMenu& menu = contextMenu(rig);
   EXPECT_TRUE(menu.isPopupOpen());
   EXPECT_EQ(menu.getNbEntries(), Menu::kMostItems);
   waiting = false;
