@@ -17,12 +17,13 @@ using Spectrum = std::vector<std::complex<double>>;
 // loops' lengths are primes or have large factors. The inverse is not divided by the length.
 Spectrum transformed(const Spectrum& in, bool inverse) {
   const std::size_t length = in.size();
-  if (length == 0) return {};
-  const std::size_t padded = std::bit_ceil(2 * length);
+  const std::size_t period = 2 * length; // of the chirp
+  if (period == 0) return {};
+  const std::size_t padded = std::bit_ceil(period);
   const double step = (inverse ? 1.0 : -1.0) * std::numbers::pi / static_cast<double>(length);
   Spectrum chirp(length), product(padded), mirrored(padded), out(padded);
   for (std::size_t n = 0; n < length; ++n) {
-    chirp[n] = std::polar(1.0, step * static_cast<double>(n * n % (2 * length)));
+    chirp[n] = std::polar(1.0, step * static_cast<double>(n * n % period));
     product[n] = in[n] * chirp[n];
     mirrored[n] = std::conj(chirp[n]);
     if (n > 0) mirrored[padded - n] = mirrored[n];
