@@ -12,6 +12,8 @@
 #include "presets/panel/LoadBitmap.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace qlx::editor {
 
@@ -73,8 +75,9 @@ std::unique_ptr<gui::CControl> EditorControls::Builder::make(const ControlPlace&
 }
 
 EditorControls::EditorControls(gui::CFrame& frame, gui::CControlListener& listener,
-                               plugin::ParameterFormatter* formatter,
-                               const ParameterValue& valueOf) {
+                               plugin::ParameterFormatter* formatter, const ParameterValue& valueOf,
+                               ParameterText textOf)
+    : m_textOf(std::move(textOf)) {
   Builder builder{frame, listener, formatter, valueOf};
   for (const KnobPlace& knob : kHornKnobs) buildKnob(knob, builder);
   for (const ControlPlace& control : kLeverControls) buildControl(control, builder);
@@ -92,6 +95,18 @@ void EditorControls::buildKnob(const KnobPlace& p, Builder& builder) {
   knob->setWheelStep(p.wheelStep, kKnobWheelFineFactor);
   knob->setDragFactor(p.dragFactor);
   shown[0] = &builder.frame.addView(std::move(knob));
+  gui::CControl& turned = *shown[0];
+  turned.setName(p.name);
+  turned.setValueText([&p, formatter = builder.formatter](float value) {
+    std::string words;
+    for (const auto convert : {p.converter, p.detailConverter}) {
+      std::array<char, gui::kDisplayTextSize> text{};
+      if (convert != nullptr) convert(value, text.data(), formatter);
+      if (!words.empty() && text.front() != '\0') words += ' ';
+      words += text.data();
+    }
+    return words;
+  });
   const auto addDisplay = [&builder](const layout::PixelRect& pixels,
                                      gui::CParamDisplayConverter converter) {
     const gui::CRect place = gui::CRect::of(pixels);
@@ -107,8 +122,21 @@ void EditorControls::buildKnob(const KnobPlace& p, Builder& builder) {
   showParameter(p.tag, builder.valueOf(p.tag));
 }
 
+void EditorControls::nameControl(gui::CControl& control, const ControlPlace& p) {
+  control.setName(p.name);
+  const auto parameterText = [this](std::int32_t index) {
+    return [this, index](float /*value*/) { return m_textOf(index); };
+  };
+  if (p.tag == kMidiChannelRockerTag) control.setValueText(parameterText(plugin::kMIDIchl));
+  if (p.tag < plugin::kNumHostParameters && p.kind != ControlPlace::kKick)
+    control.setValueText(parameterText(p.tag));
+  if (p.tag == kModulationLampTag || p.tag == kSustainLampTag)
+    control.setValueText([](float value) { return value >= 0.5F ? "lit" : "dark"; });
+}
+
 void EditorControls::buildControl(const ControlPlace& p, Builder& builder) {
   gui::CControl& control = builder.frame.addView(builder.make(p));
+  nameControl(control, p);
   switch (p.tag) {
   case kHornMarkerTag: m_hornMarker = &control; break;
   case kDrumMarkerTag: m_drumMarker = &control; break;

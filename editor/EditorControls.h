@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace qlx::plugin {
 class ParameterFormatter;
@@ -23,9 +24,13 @@ class EditorControls {
   /// The value that a parameter has now.
   using ParameterValue = std::function<float(std::int32_t index)>;
 
+  /// A parameter's value in words, with its unit.
+  using ParameterText = std::function<std::string(std::int32_t index)>;
+
   /// Builds them into the frame. The displays get `formatter`, which may be null, as user data.
   EditorControls(gui::CFrame& frame, gui::CControlListener& listener,
-                 plugin::ParameterFormatter* formatter, const ParameterValue& valueOf);
+                 plugin::ParameterFormatter* formatter, const ParameterValue& valueOf,
+                 ParameterText textOf);
 
   /// Shows the value of a parameter on all controls that show it. Indices without one are passed
   /// over. The Speed button shows its own press only.
@@ -42,11 +47,13 @@ class EditorControls {
  private:
   struct Builder;
 
+  void nameControl(gui::CControl& control, const ControlPlace& place);
   void buildKnob(const KnobPlace& knob, Builder& builder);
   void buildControl(const ControlPlace& control, Builder& builder);
 
   static constexpr std::size_t kMostPerParameter = 3; ///< a knob and two displays
 
+  ParameterText m_textOf;
   std::array<std::array<gui::CControl*, kMostPerParameter>, plugin::kNumHostParameters> m_shown{};
   gui::CControl* m_hornMarker = nullptr;
   gui::CControl* m_drumMarker = nullptr;

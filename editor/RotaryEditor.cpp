@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "editor/RotaryEditor.h"
 
+#include "editor/ControlTree.h"
 #include "editor/HostKey.h"
 #include "editor/MyFrame.h"
 #include "editor/ScaleChoice.h"
@@ -188,13 +189,14 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, d
   frame->setBackground(m_background);
   setFrame(frame);
   m_mirror.clear();
-  m_controls =
-      std::make_unique<EditorControls>(*frame, *this, m_formatter, [this](std::int32_t index) {
-        return getEffect()->getParameter(index);
-      });
+  m_controls = std::make_unique<EditorControls>(
+      *frame, *this, m_formatter,
+      [this](std::int32_t index) { return getEffect()->getParameter(index); },
+      [this](std::int32_t index) { return parameterText(index); });
   m_contextMenu = &frame->addView(std::make_unique<ContextMenu>());
   CPresetSystemEditor::open(parent); // the preset panel lies on top
   m_contextMenu->onClosed([this] { menuClosed(); });
+  frame->setWalkOrder(walkOrder(controlTree(*frame)));
   frame->onContextClick([this](const gui::CPoint& where) { openContextMenu(where); });
   frame->open();
   return true;
@@ -271,6 +273,17 @@ void RotaryEditor::valueChanged(gui::CControl& control) {
   control.invalid();
 }
 
+std::string RotaryEditor::parameterText(std::int32_t index) const {
+  constexpr std::size_t kRoom = 256; // hosts give as much
+  std::array<char, kRoom> display{};
+  std::array<char, kRoom> unit{};
+  getEffect()->getParameterDisplay(index, display.data());
+  getEffect()->getParameterLabel(index, unit.data());
+  std::string text = std::string(display.data()) + " " + unit.data();
+  text.resize(text.find_last_not_of(' ') + 1); // units of words are blanks
+  return text;
+}
+
 void RotaryEditor::toggleLever() {
   const bool fast = getEffect()->getParameter(plugin::kLever) >= 0.5F;
   getEffect()->setParameterAutomated(plugin::kLever, fast ? 0.0F : 1.0F);
@@ -306,6 +319,17 @@ bool RotaryEditor::picture(const sdk::EditorPicture& request) {
   std::copy_n(shown.pixels, shown.width * shown.height, request.pixels);
   close();
   return true;
+}
+
+std::string RotaryEditor::description() {
+  const platform::OffscreenWindowSystem windows;
+  const bool wasOpen = m_controls != nullptr;
+  if (!wasOpen && !openIn(windows, this, 1.0)) return {};
+  idle();
+  if (m_controls == nullptr) return {};
+  std::string text = described(controlTree(*getFrame()));
+  if (!wasOpen) close();
+  return text;
 }
 
 bool RotaryEditor::onKeyDown(const sdk::KeyCode& key) {

@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace qlx::editor {
@@ -46,6 +47,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   void close() override;
   void idle() override;
   bool picture(const sdk::EditorPicture& request) override;
+  std::string description() override;
   bool onKeyDown(const sdk::KeyCode& key) override;
   bool onKeyUp(const sdk::KeyCode& key) override;
   void setParameter(std::int32_t index, float value) override;
@@ -69,6 +71,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   void dropWindow();
   void showMirrored();
   void showReadout();
+  std::string parameterText(std::int32_t index) const;
   void toggleLever();
   void stepMidiChannel();
 

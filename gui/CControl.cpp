@@ -4,6 +4,7 @@
 #include "gui/drawing/CDrawContext.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace qlx::gui {
 
@@ -14,8 +15,8 @@ CControl::CControl(const CRect& size, CControlListener* listener, std::int32_t t
 CControl::CControl(const CControl& other)
     : CView(other), m_value(other.getValue()), m_minimum(other.m_minimum),
       m_maximum(other.m_maximum), m_defaultValue(other.m_defaultValue), m_tag(other.m_tag),
-      m_listener(other.m_listener), m_background(other.m_background),
-      m_backOffset(other.m_backOffset) {}
+      m_name(other.m_name), m_valueText(other.m_valueText), m_listener(other.m_listener),
+      m_background(other.m_background), m_backOffset(other.m_backOffset) {}
 
 float CControl::normalized(float value) const {
   const float range = m_maximum - m_minimum;
@@ -49,6 +50,26 @@ void CControl::beginEdit() {
 void CControl::endEdit() {
   if (m_editing == 0) return;
   if (--m_editing == 0 && m_listener != nullptr) m_listener->controlEndEdit(*this);
+}
+
+void CControl::changeTo(float value) {
+  const float before = getValue();
+  setValue(value);
+  bounceValue();
+  if (getValue() == before) return;
+  invalid();
+  beginEdit();
+  valueChanged();
+  endEdit();
+}
+
+std::string CControl::textOfValue() const {
+  return std::to_string(std::lround(getValueNormalized() * 100.0F)) + " %";
+}
+
+void CControl::pressAt(const CPoint& where, std::uint32_t moreButtons) {
+  if (onMouseDown(where, CButtonState(kLButton | moreButtons)) == CMouseEventResult::kHandled)
+    onMouseUp(where, CButtonState(kLButton));
 }
 
 bool CControl::checkDefaultValue(const CButtonState& buttons) {

@@ -7,6 +7,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace qlx::gui {
 
@@ -52,12 +56,24 @@ class CControl : public CView {
   void setBackOffset(const CPoint& offset);
   const CPoint& getBackOffset() const { return m_backOffset; }
 
+  /// What a person calls the control; empty for one that needs no words, as a text under a knob.
+  void setName(std::string_view name) { m_name = name; }
+  const std::string& getName() const { return m_name; }
+  /// The value in words. Without a maker: as the class says it.
+  std::string getValueText() const { return m_valueText ? m_valueText(getValue()) : textOfValue(); }
+  void setValueText(std::function<std::string(float value)> maker) {
+    m_valueText = std::move(maker);
+  }
+
   /// Tells the listener that the user changed the value.
   virtual void valueChanged();
   /// Brackets a gesture. Nested pairs count as one.
   void beginEdit();
   void endEdit();
   bool isEditing() const { return m_editing > 0; }
+  /// Brings the value, limited to minimum..maximum, to `value` in a gesture of its own, if that
+  /// changes it.
+  void changeTo(float value);
 
   /// The default-value gesture: when the state is exactly the left button with Control, the value
   /// becomes the default and the listener is told if that changed it. True when it applied.
@@ -77,6 +93,10 @@ class CControl : public CView {
   /// The value to draw. While the frame draws, it stays what it was at the beginning, whatever
   /// another thread sets meanwhile, so that getOldValue() is what the screen really shows.
   float drawnValue() const { return isRendering() ? m_drawnValue : getValue(); }
+  /// The value in words: its place in the range in per cent.
+  virtual std::string textOfValue() const;
+  /// Presses and releases the left button there.
+  void pressAt(const CPoint& where, std::uint32_t moreButtons = 0);
   /// Whether the control looks the same with either value.
   virtual bool looksAlike(float a, float b) const { return a == b; }
   /// 0 at the minimum, 1 at the maximum.
@@ -93,6 +113,8 @@ class CControl : public CView {
   float m_defaultValue = 0.0F;
   std::int32_t m_tag;
   int m_editing = 0;
+  std::string m_name;
+  std::function<std::string(float)> m_valueText;
   CControlListener* m_listener;
   CBitmapRef m_background;
   CPoint m_backOffset;

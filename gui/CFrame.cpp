@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "gui/CFrame.h"
 
+#include <algorithm>
+
 namespace qlx::gui {
 
 namespace {
@@ -19,6 +21,13 @@ CButtonState stateOf(std::uint32_t pointerButtons, const WindowEvent& event) {
           bit((event.modifiers & platform::kModifierSuper) != 0, kSuper) |
           bit(event.doubleClick, kDoubleClick)};
 }
+
+constexpr CCoord kRingDistance = 1.0; // of its outer edge from what it surrounds
+constexpr CCoord kRingWidth = 1.5;
+constexpr CCoord kRingEdge = 1.0; // inside it
+constexpr CCoord kRingRadius = 3.0;
+constexpr CColor kRingColour{255, 206, 92, 255};
+constexpr CColor kRingEdgeColour{16, 11, 7, 200};
 
 constexpr std::uint32_t kAnyButton = kLButton | kMButton | kRButton;
 
@@ -73,6 +82,7 @@ void CFrame::draw(CDrawContext& context) {
   if (!covered) context.fillRect(all, kBlackCColor);
   if (m_background != nullptr) context.drawBitmap(*m_background, all);
   drawViews(context);
+  if (getRingView() != nullptr) drawRing(context);
   if (m_modalView != nullptr) m_modalView->render(context);
 }
 
@@ -157,7 +167,8 @@ void CFrame::giveKeyboardFocusBack() { m_window->giveFocusBack(); }
 // The host's own keys are to work again once the pointer is elsewhere, unless what the user has
 // open here is still to be typed to.
 void CFrame::giveUnneededKeyboardBack() {
-  if (!m_pointerLeft || editsText() || m_popup != nullptr || m_modalView != nullptr) return;
+  const bool needed = editsText() || m_ringShown || m_popup != nullptr || m_modalView != nullptr;
+  if (!m_pointerLeft || needed) return;
   m_pointerLeft = false;
   giveKeyboardFocusBack();
 }
@@ -195,6 +206,11 @@ void CFrame::forgetView(const CView& view) {
   if (m_focusView == &view) m_focusView = nullptr;
   if (m_mouseDownView == &view) m_mouseDownView = nullptr;
   if (m_hoverView == &view) m_hoverView = nullptr;
+  std::erase(m_walkOrder, &view);
+  if (m_walkView == &view) {
+    m_walkView = nullptr;
+    m_ringShown = false;
+  }
 }
 
 // --- Input: how the window's events reach the views ---
@@ -220,6 +236,7 @@ bool CFrame::onWindowEvent(const WindowEvent& event) {
   case WindowEventType::kFocusLost:
   case WindowEventType::kClosed:
     closePopup();
+    showRing(false);
     if (m_focusView != nullptr) m_focusView->onFocusLost();
     break;
   case WindowEventType::kPressOutside: closePopup(); break;
@@ -254,6 +271,11 @@ CMouseEventResult CFrame::platformOnMouseDown(const CPoint& where, const CButton
   if (m_mouseDownView != nullptr) return CMouseEventResult::kHandled;
 
   CView* target = viewAt(where);
+  if (m_ringShown) {
+    showRing(false);
+    if (m_focusView == m_walkView && m_walkView != target) setFocusView(nullptr);
+  }
+  if (std::ranges::find(m_walkOrder, target) != m_walkOrder.end()) m_walkView = target;
   if (target != nullptr && target->wantsFocus())
     setFocusView(target);
   else if (m_focusView != nullptr && m_focusView != target)
@@ -321,8 +343,70 @@ bool CFrame::platformOnKeyDown(const CKeyCode& key) {
   }
   // Behind a modal view nothing gets keys but a text being edited.
   const bool focusGetsKeys = m_focusView != nullptr && (m_modalView == nullptr || editsText());
-  if (focusGetsKeys && m_focusView->onKeyDown(key)) return true;
-  return m_modalView != nullptr && m_modalView->onKeyDown(key);
+  const bool edited = editsText();
+  if (focusGetsKeys && m_focusView->onKeyDown(key)) {
+    // Typing that began at the ring ends there.
+    if (edited && !editsText() && getRingView() != nullptr) {
+      setFocusView(m_walkView);
+      if (key.virtualKey == VirtualKey::kTab) walk(key);
+    }
+    return true;
+  }
+  return m_modalView != nullptr ? m_modalView->onKeyDown(key) : walk(key);
+}
+
+// --- Walking by keys ---
+
+bool CFrame::walk(const CKeyCode& key) {
+  if (m_mouseDownView != nullptr) return false; // the pointer's gesture comes first
+  if (key.virtualKey == VirtualKey::kTab && (key.modifiers & ~platform::kModifierShift) == 0U)
+    return step((key.modifiers & platform::kModifierShift) != 0 ? -1 : 1);
+  CView* const view = getRingView();
+  if (view == nullptr || view != m_focusView) return false;
+  if (key.virtualKey == VirtualKey::kEscape) {
+    showRing(false);
+    setFocusView(nullptr);
+    giveKeyboardFocusBack();
+    return true;
+  }
+  const KeyAction action = keyActionOf(key);
+  WindowEvent event;
+  event.modifiers = key.modifiers;
+  return action != KeyAction::kNone && view->onKeyAction(action, stateOf(0, event));
+}
+
+/// To the next view of the order or (-1) the one before, round its ends.
+bool CFrame::step(int by) {
+  if (m_walkOrder.empty()) return false;
+  const int count = static_cast<int>(m_walkOrder.size());
+  const auto found = std::ranges::find(m_walkOrder, m_walkView);
+  int next = by > 0 ? 0 : count - 1;
+  if (found != m_walkOrder.end())
+    next = (static_cast<int>(found - m_walkOrder.begin()) + by + count) % count;
+  showRing(false);
+  setFocusView(m_walkOrder[static_cast<std::size_t>(next)]);
+  m_walkView = m_focusView;
+  showRing(true);
+  return true;
+}
+
+void CFrame::showRing(bool shown) {
+  if (m_walkView == nullptr || shown == m_ringShown) return;
+  m_ringShown = shown;
+  invalidRect(ringPlace());
+}
+
+/// Around the view, as far as the window has room.
+CRect CFrame::ringPlace() const {
+  const CRect ring = m_walkView->getRingPlace().insetBy(-kRingDistance, -kRingDistance);
+  return ring.intersect(getViewSize());
+}
+
+// Light, and dark towards the control, so that it stands out from bright ones.
+void CFrame::drawRing(CDrawContext& context) const {
+  const CRect ring = ringPlace();
+  context.frameRoundRect(ring, kRingRadius, kRingWidth + kRingEdge, kRingEdgeColour);
+  context.frameRoundRect(ring, kRingRadius, kRingWidth, kRingColour);
 }
 
 bool CFrame::platformOnKeyUp(const CKeyCode& key) {

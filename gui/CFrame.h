@@ -69,6 +69,12 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void setFocusView(CView* view);
   CView* getFocusView() const { return m_focusView; }
 
+  /// The views that Tab and Shift with Tab bring the keyboard to, one after the other. The one that
+  /// has it then shows a ring and gets key actions; Escape or a press of the pointer ends that.
+  void setWalkOrder(std::vector<CView*> views) { m_walkOrder = std::move(views); }
+  /// The view with the ring, or null.
+  CView* getRingView() const { return m_ringShown ? m_walkView : nullptr; }
+
   /// Asks for the native window's keyboard focus, and gives it back to what had it before.
   void takeKeyboardFocus();
   void giveKeyboardFocusBack();
@@ -115,6 +121,11 @@ class CFrame : public CViewContainer, private platform::WindowListener {
 
   bool onWindowEvent(const platform::WindowEvent& event) override;
   bool onKeyEvent(const platform::WindowEvent& event);
+  bool walk(const CKeyCode& key);
+  bool step(int by);
+  void showRing(bool shown);
+  CRect ringPlace() const;
+  void drawRing(CDrawContext& context) const;
   void giveUnneededKeyboardBack();
   void redraw();
   void setHoverView(CView* view, const CPoint& where, const CButtonState& buttons);
@@ -134,6 +145,9 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   std::unique_ptr<CFrame> m_popup;
   std::function<void()> m_popupClosed;
   CView* m_focusView = nullptr;
+  std::vector<CView*> m_walkOrder;
+  CView* m_walkView = nullptr; ///< where walking goes on
+  bool m_ringShown = false;
   CView* m_mouseDownView = nullptr;
   CView* m_hoverView = nullptr;
   std::uint32_t m_mouseDownButton = 0;

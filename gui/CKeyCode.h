@@ -18,4 +18,20 @@ struct CKeyCode {
   std::string_view text;       ///< what the key types (UTF-8), valid during the call only
 };
 
+/// What a key does to the control that the keyboard has been brought to.
+enum class KeyAction : std::uint8_t {
+  kNone,
+  kStepDown, ///< Left, Down
+  kStepUp,   ///< Right, Up
+  kPageDown,
+  kPageUp,
+  kFirst, ///< Home
+  kLast,  ///< End
+  kPress, ///< Enter
+};
+
+/// None for keys that mean something else: with Alt or the system's own key, and with Control all
+/// but presses. The space bar starts and stops the hosts' transport and is left to them.
+KeyAction keyActionOf(const CKeyCode& key);
+
 } // namespace qlx::gui

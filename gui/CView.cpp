@@ -38,6 +38,7 @@ bool CView::onWheel(const CPoint& /*where*/, float /*distance*/, const CButtonSt
 
 bool CView::onKeyDown(const CKeyCode& /*key*/) { return false; }
 bool CView::onKeyUp(const CKeyCode& /*key*/) { return false; }
+bool CView::onKeyAction(KeyAction /*action*/, const CButtonState& /*modifiers*/) { return false; }
 void CView::onSelectionText(std::string_view /*text*/) {}
 
 void CView::setViewSize(const CRect& size) {

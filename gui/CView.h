@@ -45,6 +45,9 @@ class CView : public CBaseObject {
   /// True when handled.
   virtual bool onKeyDown(const CKeyCode& key);
   virtual bool onKeyUp(const CKeyCode& key);
+  /// A key after the keyboard was brought to the view (CFrame::setWalkOrder). `modifiers` may hold
+  /// Shift, for fine steps, and Control. True when handled.
+  virtual bool onKeyAction(KeyAction action, const CButtonState& modifiers);
 
   /// The keyboard focus came to the view, or went: to another view, another window, or a press
   /// elsewhere in this one.
@@ -56,6 +59,9 @@ class CView : public CBaseObject {
   virtual void onSelectionText(std::string_view text);
   /// Called at every idle of the frame while the view has the focus.
   virtual void onIdle() {}
+
+  /// What the ring of CFrame::setWalkOrder surrounds.
+  virtual CRect getRingPlace() const { return m_size; }
 
   /// What the pointer looks like while it is over the view.
   virtual platform::PointerShape getPointerShape() const { return platform::PointerShape::kArrow; }

@@ -5,6 +5,7 @@
 #include "sdk/VstTypes.h"
 
 #include <cstdint>
+#include <string>
 
 namespace qlx::sdk {
 
@@ -64,6 +65,9 @@ class AEffGUIEditor {
     (void)request;
     return false;
   }
+
+  /// The controls in words (EditorDescription). Empty when it can't tell.
+  virtual std::string description() { return {}; }
 
   /// A parameter of the effect has changed. Comes on any thread, the audio thread included: only
   /// takes note.

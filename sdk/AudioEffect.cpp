@@ -121,10 +121,22 @@ KeyCode keyOf(std::int32_t character, std::intptr_t virt, float modifiers) noexc
   return key;
 }
 
-bool answerVendor(AEffGUIEditor& editor, std::int32_t index, const void* ptr) {
-  if (index != kEditorPictureRequest || ptr == nullptr) return false;
+std::intptr_t answerDescription(AEffGUIEditor& editor, const EditorDescription& request) {
+  if (request.byteSize != sizeof request) return 0;
+  const std::string text = editor.description();
+  if (request.room > 0 && request.text != nullptr)
+    std::copy_n(text.data(), std::min(text.size(), static_cast<std::size_t>(request.room)),
+                request.text);
+  return static_cast<std::intptr_t>(text.size());
+}
+
+std::intptr_t answerVendor(AEffGUIEditor& editor, std::int32_t index, const void* ptr) {
+  if (ptr == nullptr) return 0;
+  if (index == kEditorDescriptionRequest)
+    return answerDescription(editor, *static_cast<const EditorDescription*>(ptr));
+  if (index != kEditorPictureRequest) return 0;
   const auto& request = *static_cast<const EditorPicture*>(ptr);
-  return request.byteSize == sizeof(EditorPicture) && editor.picture(request);
+  return request.byteSize == sizeof(EditorPicture) && editor.picture(request) ? 1 : 0;
 }
 
 } // namespace
@@ -201,7 +213,7 @@ std::intptr_t AudioEffect::dispatchEditor(std::int32_t opcode, std::int32_t inde
   case EffectOpcode::EditIdle: m_editor->idle(); return 0;
   case EffectOpcode::EditKeyDown: return m_editor->onKeyDown(keyOf(index, value, opt)) ? 1 : 0;
   case EffectOpcode::EditKeyUp: return m_editor->onKeyUp(keyOf(index, value, opt)) ? 1 : 0;
-  case EffectOpcode::VendorSpecific: return answerVendor(*m_editor, index, ptr) ? 1 : 0;
+  case EffectOpcode::VendorSpecific: return answerVendor(*m_editor, index, ptr);
   case EffectOpcode::SetEditKnobMode: return m_editor->setKnobMode(saturate(value)) ? 1 : 0;
   default: return 0;
   }

@@ -12,6 +12,7 @@
 #include <limits>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -31,6 +32,7 @@ struct EditOptions {
   std::string plugin;
   StartingPoint start;
   bool log = false;
+  bool describe = false;
   std::optional<double> scale;
   double seconds = std::numeric_limits<double>::infinity();
 };
@@ -106,6 +108,12 @@ void edit(const EditOptions& options) {
     options.start.apply(host, parameters);
   }
   host.start(kRate, kBlock, 2, 2);
+  if (options.describe) {
+    const std::string text = host.editorDescription();
+    if (text.empty()) throw std::runtime_error("the plug-in does not describe its editor");
+    std::cout << text;
+    return;
+  }
   EditorWindow window(host);
   std::optional<EditLog> log;
   if (options.log) log.emplace(host);
@@ -130,6 +138,8 @@ void addEditCommand(CLI::App& program) {
   options->start.addOptions(*command);
   command->add_flag("--log", options->log,
                     "Print what the plug-in tells its host, and which parameters change");
+  command->add_flag("--describe", options->describe,
+                    "Print the controls with names and values as a tree, and open no window");
   command->add_option("--scale", options->scale, "Size of the window: 1, 1.5, 2 or 3")
       ->check(CLI::IsMember({1.0, 1.5, 2.0, 3.0}));
   command->add_option("--seconds", options->seconds, "Close after so many seconds")

@@ -202,6 +202,20 @@ PluginHost::editorPicture(EditorSize size, std::span<const sdk::EditorClick> cli
   return pixels;
 }
 
+std::string PluginHost::editorDescription() {
+  constexpr std::intptr_t kLongest = 1 << 20;
+  sdk::EditorDescription request{sizeof(sdk::EditorDescription), 0, nullptr};
+  const auto ask = [&] {
+    return call(EffectOpcode::VendorSpecific, sdk::kEditorDescriptionRequest, 0, &request);
+  };
+  std::string text(static_cast<std::size_t>(std::clamp<std::intptr_t>(ask(), 0, kLongest)), ' ');
+  request.room = static_cast<std::int32_t>(text.size());
+  request.text = text.data();
+  const std::intptr_t length = text.empty() ? 0 : ask();
+  text.resize(std::min(text.size(), static_cast<std::size_t>(std::max<std::intptr_t>(length, 0))));
+  return text;
+}
+
 bool PluginHost::openEditor(std::uintptr_t parentWindow) {
   return call(EffectOpcode::EditOpen, 0, 0, std::bit_cast<void*>(parentWindow)) != 0;
 }

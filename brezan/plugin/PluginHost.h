@@ -83,6 +83,8 @@ class PluginHost {
   /// that.
   std::optional<std::vector<std::uint32_t>> editorPicture(EditorSize size,
                                                           std::span<const sdk::EditorClick> clicks);
+  /// The editor's controls as a tree of lines; empty when the effect can't tell.
+  std::string editorDescription();
   /// Opens the editor in a window of the desktop.
   bool openEditor(std::uintptr_t parentWindow);
   void idleEditor() { call(sdk::EffectOpcode::EditIdle); }

@@ -83,4 +83,21 @@ bool CAnimKnob3::onWheel(const CPoint& /*where*/, float distance, const CButtonS
   return true;
 }
 
+bool CAnimKnob3::onKeyAction(gui::KeyAction action, const CButtonState& modifiers) {
+  const float fine = m_wheelStep * (modifiers.isShiftSet() ? m_wheelFineFactor : 1.0F);
+  const bool stepped = m_steps.count > 1;
+  const float step = stepped ? 1.0F / static_cast<float>(m_steps.count - 1) : fine;
+  const float page = stepped ? 1.0F : 5.0F;
+  switch (action) {
+  case gui::KeyAction::kStepDown: changeTo(getValue() - step); break;
+  case gui::KeyAction::kStepUp: changeTo(getValue() + step); break;
+  case gui::KeyAction::kPageDown: changeTo(getValue() - page * step); break;
+  case gui::KeyAction::kPageUp: changeTo(getValue() + page * step); break;
+  case gui::KeyAction::kFirst: changeTo(getMin()); break;
+  case gui::KeyAction::kLast: changeTo(getMax()); break;
+  default: return false;
+  }
+  return true;
+}
+
 } // namespace qlx::editor

@@ -36,6 +36,8 @@ class CAnimKnob3 final : public gui::CAnimKnob {
   gui::CMouseEventResult onMouseMoved(const gui::CPoint& where,
                                       const gui::CButtonState& buttons) override;
   bool onWheel(const gui::CPoint& where, float distance, const gui::CButtonState& buttons) override;
+  /// A step is a notch of the wheel, a page five of them; of a knob with steps both are one step.
+  bool onKeyAction(gui::KeyAction action, const gui::CButtonState& modifiers) override;
 
  private:
   bool looksAlike(float a, float b) const override { return frameFor(a) == frameFor(b); }

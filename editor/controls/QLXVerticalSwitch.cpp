@@ -15,7 +15,8 @@ namespace {
 // The arm swings 40 degrees to either side; what the panel shows of it is the sine.
 constexpr double kSineOfSwing = 0.642788; // sin 40 degrees
 constexpr double kTwiceSineOfSwing = 1.28558;
-constexpr double kTurnsOfSwing = 0.716197; // 1 / (80 degrees in radians)
+constexpr double kTurnsOfSwing = 0.716197;         // 1 / (80 degrees in radians)
+constexpr gui::CRect kPlate{6.0, 16.0, 6.0, 12.0}; // to its rim, from each edge
 
 std::int32_t framesIn(const gui::CBitmapRef& strip, gui::CCoord height) {
   return strip == nullptr ? 1 : static_cast<std::int32_t>(strip->height() / height);
@@ -44,6 +45,12 @@ std::int32_t QLXVerticalSwitch::frameFor(float value) const {
 void QLXVerticalSwitch::draw(gui::CDrawContext& context) {
   drawBackground(context, {0.0, frameFor(drawnValue()) * getHeightOfOneImage()});
   setDirty(false);
+}
+
+gui::CRect QLXVerticalSwitch::getRingPlace() const {
+  const gui::CRect& all = getViewSize();
+  return {all.left + kPlate.left, all.top + kPlate.top, all.right - kPlate.right,
+          all.bottom - kPlate.bottom};
 }
 
 /// The value with the arm under the pointer, in steps of a frame.
@@ -104,6 +111,21 @@ bool QLXVerticalSwitch::onKeyDown(const gui::CKeyCode& key) {
   beginEdit();
   valueChanged();
   endEdit();
+  return true;
+}
+
+bool QLXVerticalSwitch::onKeyAction(gui::KeyAction action, const CButtonState& /*modifiers*/) {
+  const float step = range() / lastFrame();
+  const float page = 8.0F * step;
+  switch (action) {
+  case gui::KeyAction::kStepUp: changeTo(getValue() - step); break;
+  case gui::KeyAction::kStepDown: changeTo(getValue() + step); break;
+  case gui::KeyAction::kPageUp: changeTo(getValue() - page); break;
+  case gui::KeyAction::kPageDown: changeTo(getValue() + page); break;
+  case gui::KeyAction::kFirst: changeTo(getMin()); break;
+  case gui::KeyAction::kLast: changeTo(getMax()); break;
+  default: return false;
+  }
   return true;
 }
 

@@ -34,6 +34,8 @@ class QLXVerticalSwitch final : public gui::CControl, public gui::IMultiBitmapCo
   platform::PointerShape getPointerShape() const override {
     return platform::PointerShape::kUpDown;
   }
+  /// The brass plate, between the captions and beside the scale.
+  gui::CRect getRingPlace() const override;
   gui::CMouseEventResult onMouseDown(const gui::CPoint& where,
                                      const gui::CButtonState& buttons) override;
   gui::CMouseEventResult onMouseUp(const gui::CPoint& where,
@@ -43,6 +45,9 @@ class QLXVerticalSwitch final : public gui::CControl, public gui::IMultiBitmapCo
   bool onWheel(const gui::CPoint& where, float distance, const gui::CButtonState& buttons) override;
   /// Up goes one frame towards the minimum, down towards the maximum.
   bool onKeyDown(const gui::CKeyCode& key) override;
+  /// Steps are a frame and pages eight, in the same directions. At an end of the travel the keys
+  /// change nothing but aren't the host's.
+  bool onKeyAction(gui::KeyAction action, const gui::CButtonState& modifiers) override;
 
  private:
   QLXVerticalSwitch(const QLXVerticalSwitch&) = default;

@@ -34,6 +34,13 @@ CMouseEventResult CKickButton::onMouseUp(const CPoint& /*where*/, const CButtonS
   return CMouseEventResult::kHandled;
 }
 
+bool CKickButton::onKeyAction(KeyAction action, const CButtonState& modifiers) {
+  if (action != KeyAction::kPress) return false;
+  // Where the pointer needs two presses, one key is enough.
+  pressAt(getViewSize().centre(), kDoubleClick | (modifiers.isControlSet() ? kControl : 0U));
+  return true;
+}
+
 CMouseEventResult CKickButton::onMouseMoved(const CPoint& where, const CButtonState& buttons) {
   // A drag that began elsewhere isn't ours.
   if (!buttons.isLeftButton() || !isEditing()) return CMouseEventResult::kNotHandled;

@@ -21,12 +21,17 @@ class CKickButton : public CControl, public IMultiBitmapControl {
   platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
+  /// A press of a key is one that the pointer makes and ends.
+  bool onKeyAction(KeyAction action, const CButtonState& modifiers) override;
   /// With the left button: the maximum while the pointer is inside, else the minimum; redraws a
   /// change, tells nobody.
   CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;
 
  protected:
   CKickButton(const CKickButton&) = default;
+  std::string textOfValue() const override {
+    return getValue() != getMin() ? "pressed" : "released";
+  }
 };
 
 } // namespace qlx::gui

@@ -18,6 +18,8 @@ class CKnob : public CControl {
   platform::PointerShape getPointerShape() const override {
     return platform::PointerShape::kUpDown;
   }
+  /// Clear of the ticks at the edge.
+  CRect getRingPlace() const override { return getViewSize().insetBy(-1.0, -1.0); }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   /// Ends the edit; handled.
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;

@@ -21,10 +21,18 @@ void COnOffButton::draw(CDrawContext& context) {
 CMouseEventResult COnOffButton::onMouseDown(const CPoint& /*where*/, const CButtonState& buttons) {
   if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
   beginEdit();
-  setValue(getValue() >= (getMin() + getMax()) * 0.5F ? getMin() : getMax());
+  setValue(isOn() ? getMin() : getMax());
   valueChanged();
   endEdit();
   return CMouseEventResult::kHandledDontNeedMoves;
+}
+
+bool COnOffButton::onKeyAction(KeyAction action, const CButtonState& /*modifiers*/) {
+  const bool turnsOn = action == KeyAction::kStepUp || action == KeyAction::kLast;
+  const bool turnsOff = action == KeyAction::kStepDown || action == KeyAction::kFirst;
+  if (!turnsOn && !turnsOff && action != KeyAction::kPress) return false;
+  if (action == KeyAction::kPress || turnsOn != isOn()) pressAt(getViewSize().centre());
+  return true;
 }
 
 } // namespace qlx::gui

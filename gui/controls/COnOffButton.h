@@ -18,9 +18,14 @@ class COnOffButton : public CControl {
   void draw(CDrawContext& context) override;
   platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
+  bool onKeyAction(KeyAction action, const CButtonState& modifiers) override;
 
  protected:
   COnOffButton(const COnOffButton&) = default;
+  std::string textOfValue() const override { return isOn() ? "on" : "off"; }
+
+ private:
+  bool isOn() const { return getValue() >= (getMin() + getMax()) * 0.5F; }
 };
 
 } // namespace qlx::gui

@@ -106,6 +106,30 @@ void COptionMenu::choose(int index) {
   endEdit();
 }
 
+std::string COptionMenu::textOfValue() const {
+  return getCurrentIndex() < 0 ? std::string() : getEntry(getCurrentIndex());
+}
+
+bool COptionMenu::onKeyAction(KeyAction action, const CButtonState& /*modifiers*/) {
+  const int current = getCurrentIndex();
+  const int last = getNbEntries() - 1;
+  const int page = m_perColumn > 0 ? m_perColumn : getNbEntries();
+  int next = current;
+  switch (action) {
+  case KeyAction::kPress: return popup();
+  case KeyAction::kStepUp: next = current - 1; break; // the one above
+  case KeyAction::kStepDown: next = current + 1; break;
+  case KeyAction::kPageUp: next = current - page; break;
+  case KeyAction::kPageDown: next = current + page; break;
+  case KeyAction::kFirst: next = 0; break;
+  case KeyAction::kLast: next = last; break;
+  case KeyAction::kNone: return false;
+  }
+  next = std::clamp(next, 0, std::max(0, last));
+  if (next != current && last >= 0) choose(next);
+  return true;
+}
+
 CMouseEventResult COptionMenu::onMouseDown(const CPoint& where, const CButtonState& buttons) {
   if (!buttons.isLeftButton()) return CMouseEventResult::kNotHandled;
   m_pressedAt = where;

@@ -36,6 +36,8 @@ class COptionMenu : public CParamDisplay {
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;
+  /// A press opens the list; steps go to the entries beside the current one.
+  bool onKeyAction(KeyAction action, const CButtonState& modifiers) override;
   void removed() override;
 
   void addEntry(std::string_view title);
@@ -68,6 +70,7 @@ class COptionMenu : public CParamDisplay {
 
  protected:
   COptionMenu(const COptionMenu& other);
+  std::string textOfValue() const override;
 
  private:
   /// The list has closed; a choice has not been made yet.

@@ -53,6 +53,7 @@ class CParamDisplay : public CControl {
  protected:
   CParamDisplay(const CParamDisplay&) = default;
   bool looksAlike(float a, float b) const override;
+  std::string textOfValue() const override { return textFor(getValue()).data(); }
   void drawBack(CDrawContext& context) const;
   void drawText(CDrawContext& context, std::string_view text) const;
 

@@ -45,4 +45,13 @@ CMouseEventResult CRockerSwitch::onMouseUp(const CPoint& /*where*/,
   return CMouseEventResult::kHandled;
 }
 
+bool CRockerSwitch::onKeyAction(KeyAction action, const CButtonState& /*modifiers*/) {
+  const CRect& place = getViewSize();
+  // What steps down is above.
+  const bool second = ((m_style & kVertical) != 0) == (action == KeyAction::kStepDown);
+  if (action != KeyAction::kStepDown && action != KeyAction::kStepUp) return false;
+  pressAt(second ? CPoint{place.right - 1.0, place.bottom - 1.0} : place.topLeft());
+  return true;
+}
+
 } // namespace qlx::gui

@@ -27,10 +27,14 @@ class CRockerSwitch : public CControl, public IMultiBitmapControl {
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
 
+  /// Steps press its sides.
+  bool onKeyAction(KeyAction action, const CButtonState& modifiers) override;
+
   std::int32_t getStyle() const { return m_style; }
 
  protected:
   CRockerSwitch(const CRockerSwitch&) = default;
+  std::string textOfValue() const override { return getValue() != 0.0F ? "pressed" : "released"; }
   /// -1 for the left or upper side, +1 for the other one.
   float sideAt(const CPoint& where) const;
 

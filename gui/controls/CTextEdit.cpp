@@ -225,7 +225,7 @@ bool CTextEdit::onKeyDown(const CKeyCode& key) {
   case VirtualKey::kTab:
   case VirtualKey::kEscape:
     endTextEdit(key.virtualKey != VirtualKey::kEscape);
-    frame->giveKeyboardFocusBack();
+    if (frame->getRingView() == nullptr) frame->giveKeyboardFocusBack();
     return true;
   default: break;
   }
@@ -236,6 +236,12 @@ bool CTextEdit::onKeyDown(const CKeyCode& key) {
     m_box->model.insert(key.text);
     edited();
   }
+  return true;
+}
+
+bool CTextEdit::onKeyAction(KeyAction action, const CButtonState& /*modifiers*/) {
+  if (action != KeyAction::kPress) return false;
+  beginTextEdit();
   return true;
 }
 

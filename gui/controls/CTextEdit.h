@@ -31,6 +31,8 @@ class CTextEdit : public CTextLabel {
   CMouseEventResult onMouseUp(const CPoint& where, const CButtonState& buttons) override;
   CMouseEventResult onMouseMoved(const CPoint& where, const CButtonState& buttons) override;
   bool onKeyDown(const CKeyCode& key) override;
+  /// A press starts editing.
+  bool onKeyAction(KeyAction action, const CButtonState& modifiers) override;
   void onFocusLost() override;
   bool isEditingText() const override { return m_box != nullptr; }
   void onSelectionText(std::string_view text) override;

@@ -24,6 +24,7 @@ class CTextLabel : public CParamDisplay {
 
  protected:
   CTextLabel(const CTextLabel&) = default;
+  std::string textOfValue() const override { return m_text; }
 
  private:
   std::string m_text;

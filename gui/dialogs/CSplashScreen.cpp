@@ -58,6 +58,12 @@ CMouseEventResult CSplashScreen::onMouseDown(const CPoint& /*where*/, const CBut
   return CMouseEventResult::kHandledDontNeedMoves;
 }
 
+bool CSplashScreen::onKeyAction(KeyAction action, const CButtonState& /*modifiers*/) {
+  if (action != KeyAction::kPress) return false;
+  pressAt(getViewSize().centre());
+  return true;
+}
+
 void CSplashScreen::unSplash() {
   setValue(getMin());
   if (getFrame() != nullptr) getFrame()->invalidAll();

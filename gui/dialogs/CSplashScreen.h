@@ -46,6 +46,7 @@ class CSplashScreen : public CControl {
   void draw(CDrawContext& context) override;
   platform::PointerShape getPointerShape() const override { return platform::PointerShape::kHand; }
   CMouseEventResult onMouseDown(const CPoint& where, const CButtonState& buttons) override;
+  bool onKeyAction(KeyAction action, const CButtonState& modifiers) override;
 
   const CRect& getScreen() const { return m_screen; }
 
@@ -55,6 +56,7 @@ class CSplashScreen : public CControl {
 
  protected:
   CSplashScreen(const CSplashScreen&) = default;
+  std::string textOfValue() const override { return getValue() != getMin() ? "shown" : "closed"; }
   /// The view that a click shows.
   virtual std::unique_ptr<CSplashView> makeView();
 

@@ -22,6 +22,7 @@ enum ButtonKind : std::uint8_t { kRocker, kSaveLoad, kKick, kDoubleKick };
 
 struct Button {
   std::int32_t tag;
+  const char* name;
   ButtonKind kind;
   layout::PixelRect place;
   int bitmap;
@@ -30,18 +31,18 @@ struct Button {
 // Later ones lie on top.
 // clang-format off
 constexpr Button kButtons[] = {
-    {kPresetRockerTag, kRocker, layout::kPresetRocker, 19997},
-    {kLoadBankTag, kSaveLoad, layout::kLoadBank, 19993},
-    {kSaveBankTag, kSaveLoad, layout::kSaveBank, 19994},
-    {kDefaultBankTag, kDoubleKick, layout::kBankDefault, 19990},
-    {kLoadPresetTag, kSaveLoad, layout::kLoadPreset, 19998},
-    {kSavePresetTag, kSaveLoad, layout::kSavePreset, 19999},
-    {kDefaultPresetTag, kDoubleKick, layout::kPresetDefault, 19899},
-    {kRecallMemoATag, kKick, layout::kRecallA, 19991},
-    {kStoreMemoATag, kKick, layout::kStoreA, 19995},
-    {kRecallMemoBTag, kKick, layout::kRecallB, 19992},
-    {kStoreMemoBTag, kKick, layout::kStoreB, 19996},
-    {kUserManualTag, kKick, layout::kManual, 989},
+    {kPresetRockerTag, "Previous and next preset", kRocker, layout::kPresetRocker, 19997},
+    {kLoadBankTag, "Load bank", kSaveLoad, layout::kLoadBank, 19993},
+    {kSaveBankTag, "Save bank", kSaveLoad, layout::kSaveBank, 19994},
+    {kDefaultBankTag, "Store default bank", kDoubleKick, layout::kBankDefault, 19990},
+    {kLoadPresetTag, "Load preset", kSaveLoad, layout::kLoadPreset, 19998},
+    {kSavePresetTag, "Save preset", kSaveLoad, layout::kSavePreset, 19999},
+    {kDefaultPresetTag, "Store default preset", kDoubleKick, layout::kPresetDefault, 19899},
+    {kRecallMemoATag, "Recall memory A", kKick, layout::kRecallA, 19991},
+    {kStoreMemoATag, "Store memory A", kKick, layout::kStoreA, 19995},
+    {kRecallMemoBTag, "Recall memory B", kKick, layout::kRecallB, 19992},
+    {kStoreMemoBTag, "Store memory B", kKick, layout::kStoreB, 19996},
+    {kUserManualTag, "Manual", kKick, layout::kManual, 989},
 };
 // clang-format on
 
@@ -87,10 +88,13 @@ PresetPanelView::PresetPanelView(gui::CFrame& frame, gui::CControlListener& list
   m_nameField = &frame.addView(std::make_unique<CQLXTextEdit>(
       layout::kName.left, layout::kName.right, layout::kName.centreY(), &listener, kPresetNameTag,
       name, frame.getBackground()));
+  m_nameField->setName("Preset name");
   m_menu = &frame.addView(makeMenu(listener, frame.getBackground(), slots));
+  m_menu->setName("Preset menu");
   m_menu->setCurrent(current);
   for (const Button& button : kButtons) {
     gui::CControl& control = frame.addView(makeButton(button, listener));
+    control.setName(button.name);
     if (button.tag == kUserManualTag) m_manualButton = dynamic_cast<CPSKickButton*>(&control);
   }
 }

@@ -3,17 +3,15 @@
 
 #include "resources/recordings/MachineRecordings.h"
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace qlx::recordings {
 
-/// One recording as the player gets it: samples in steps of resources::kSampleStep, the guard
-/// included. Its file has this name and the form of resources/PackedRecording.h.
+/// One recording as it is stored: single-precision samples, lowest byte first, the guard included.
 struct RecordingFile {
   std::string name;
-  std::vector<std::int32_t> samples;
+  std::string bytes;
 };
 
 /// The six files of the machine.

@@ -3,6 +3,7 @@
 #include "tests/support/EditorRig.h"
 #include "tests/support/ProcessResources.h"
 #include "tests/support/desktop/VirtualDisplay.h"
+#include "tests/support/desktop/X11Host.h"
 
 #include <gtest/gtest.h>
 
@@ -60,6 +61,32 @@ TEST_F(EditorOnDisplay, ScreenShowsExactlyWhatIsDrawn) {
     rig->effect.sustain = 1.0;
   }
   EXPECT_TRUE(screenFollows());
+}
+
+TEST_F(EditorOnDisplay, OpensAtTheDesktopsDotsAnInch) {
+  X11Host desktop({0, 0, 1, 1});
+  struct Row {
+    const char* resources;
+    const char* stored;
+    int width;
+  };
+  for (const auto& [resources, stored, width] : {Row{"Xft.dpi:\t192\n", "", 802},
+                                                 {"Xft.dpi:\t144\n", "", 601},
+                                                 {"Xft.dpi:\t110\n", "", 401},
+                                                 {"Xft.dpi:\t288\n", "", 1203},
+                                                 {"Xft.dpi:\t288\n", "1.5", 601}}) {
+    const int before = shown.frame().getWindow().place().width();
+    desktop.setResources(resources);
+    shown.settings->writeText("Scale", stored);
+    shown.editor->idle();
+    EXPECT_EQ(shown.frame().getWindow().place().width(), before) << "an open window stays";
+    shown.editor->close();
+    sdk::EditRectangle* size = nullptr;
+    ASSERT_TRUE(shown.editor->getRect(&size));
+    EXPECT_EQ(size->right, width) << resources;
+    ASSERT_TRUE(shown.editor->open(reinterpret_cast<void*>(host->handle())));
+    EXPECT_EQ(shown.frame().getWindow().place().width(), width) << resources;
+  }
 }
 
 TEST_F(EditorOnDisplay, OpeningsUnderAutomationLeaveNothingBehind) {

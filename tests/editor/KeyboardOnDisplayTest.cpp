@@ -38,6 +38,8 @@ bool hasWindowManager() {
 constexpr const char* kSpace = "65";
 constexpr const char* kReturn = "36";
 constexpr const char* kDown = "116";
+constexpr const char* kTab = "23";
+constexpr const char* kEscape = "Escape"; // 9 would be the digit
 
 class KeyboardOnDisplay : public testing::TestWithParam<bool> {
  protected:
@@ -109,6 +111,27 @@ TEST_P(KeyboardOnDisplay, KeysThatTheEditorDoesNotUseAreTheHosts) {
   key(kDown);
   EXPECT_EQ(host->keys(), kDown) << "the host has the keyboard back";
   EXPECT_EQ(host->focused(), host->window());
+}
+
+TEST_P(KeyboardOnDisplay, WalkingLeavesTheHostItsKeys) {
+  click(200, 300); // the bare panel
+  key(kTab);
+  rig.effect.log.clear();
+  key("111 22 65 38"); // Up, Backspace, Space, a
+  EXPECT_EQ(rig.effect.log, "(17 17=10 )17");
+  EXPECT_EQ(host->keys(), "22 65 38");
+  leave();
+  key("shift+23");
+  key(kReturn); // the manual, which there is none of
+  EXPECT_NE(rig.frame().getModalView(), nullptr) << "the pointer isn't needed";
+  key(kEscape);
+  EXPECT_EQ(rig.frame().getModalView(), nullptr);
+  host->keys();
+  key(kEscape);
+  EXPECT_EQ(rig.frame().getRingView(), nullptr);
+  EXPECT_EQ(host->focused(), host->window());
+  key("23 116");
+  EXPECT_EQ(host->keys(), "23 116");
 }
 
 TEST_P(KeyboardOnDisplay, LayoutMayChangeWhileAnEditorIsOpen) {

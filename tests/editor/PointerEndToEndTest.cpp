@@ -162,6 +162,24 @@ TEST_P(EditorByHand, EffectAndHostHearWhatTheHandDoes) {
 
 INSTANTIATE_TEST_SUITE_P(Scales, EditorByHand, testing::Values("1", "1.5", "2"));
 
+TEST(EditorInWords, NeedsNoDisplay) {
+  const TemporaryFolder folder;
+  setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+  unsetenv("DISPLAY");
+  const std::string file = std::filesystem::path(folder / "words").string();
+  const std::string command = BREZAN " edit --describe --plugin " PLUGIN
+                                     " --preset 'Old Rotary' --set Lever=Tremolo --set Bypass=On >";
+  ASSERT_EQ(std::system((command + file).c_str()), 0);
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  for (const char* line :
+       {"Lever: Tremolo (lever)\n", "Stop: Running (switch)\n", "Bypass: On (switch)\n",
+        "MIDI channel: OMNI (rocker)\n", "CPU mode: LowCPU (switch)\n",
+        "Preset name: Old Rotary (text field)\n", "Preset menu: Old Rotary (menu)\n"})
+    EXPECT_NE(text.str().find(line), std::string::npos) << line << text.str();
+  EXPECT_EQ(text.str().find("empty"), std::string::npos) << text.str();
+}
+
 TEST(EditorPictures, NeedNoDisplay) {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);

@@ -529,12 +529,18 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
   constexpr WindowEventType kPointer[] = {WindowEventType::kMouseDown, WindowEventType::kMouseUp,
                                           WindowEventType::kMouseMove, WindowEventType::kMouseMove,
                                           WindowEventType::kWheel};
+  constexpr VirtualKey kKeys[] = {VirtualKey::kReturn, VirtualKey::kTab, VirtualKey::kNone,
+                                  VirtualKey::kNone, VirtualKey::kNone};
+  std::array<int, gui::kWindowScales.size()> rings{};
   for (int round = 0; round < 3000; ++round) {
     // In windows of every scale; the first one most.
     if (round >= 1500 && round % 500 == 0) {
       rig.frame().setScale(gui::kWindowScales[static_cast<std::size_t>(round / 500 - 2)]);
     }
     const double scale = rig.frame().getScale();
+    const auto scaleIndex =
+        std::ranges::find(gui::kWindowScales, scale) - gui::kWindowScales.begin();
+    rings[static_cast<std::size_t>(scaleIndex)] += rig.frame().getRingView() != nullptr ? 1 : 0;
     switch (upTo(4)) {
     case 0: rig.effect.setParameter(upTo(36), static_cast<float>(upTo(1001)) / 1000.0F); break;
     case 1:
@@ -551,7 +557,7 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
       break;
     default:
       if (upTo(3) == 0) rig.press(static_cast<int>(200 * scale), static_cast<int>(561 * scale));
-      rig.key(upTo(30) == 0 ? VirtualKey::kReturn : VirtualKey::kNone, "m");
+      rig.key(kKeys[upTo(30) == 0 ? 0 : 1 + upTo(4)], "m");
       rig.window().advance(std::chrono::milliseconds(upTo(600)));
       break;
     }
@@ -565,6 +571,7 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
     rig.frame().draw(context);
     ASSERT_TRUE(rig.picture() == whole.pixels) << "round " << round;
   }
+  EXPECT_GT(std::ranges::min(rings), 20) << "with a ring at every scale";
 }
 
 TEST_F(OpenEditor, DrawsOnlyWhatChangesAndAllocatesNothing) {

@@ -85,6 +85,37 @@ TEST_F(X11Windows, TwoEditorsSideBySide) {
   EXPECT_EQ(listener.count(WindowEventType::kMouseDown), 0U);
 }
 
+TEST_F(X11Windows, ScaleIsTheDisplaysSettingOfDotsAnInch) {
+  open();
+  EXPECT_EQ(nativeWindowSystem().scale(), std::nullopt);
+  struct Case {
+    std::string_view resources;
+    std::optional<double> scale;
+  };
+  for (const auto& [resources, scale] :
+       {Case{"Xft.dpi:\t192\n", 2.0}, Case{"Xft.antialias: 1\nXft.dpi: 144.0\nx: y", 1.5},
+        Case{"Xft.dpi:", std::nullopt}, Case{"Xft.dpi:\tmuch\n", std::nullopt},
+        Case{"Xft.dpi:\t-96\n", std::nullopt}, Case{"*Xft.dpi: 192\n", std::nullopt}}) {
+    host->setResources(resources);
+    EXPECT_EQ(nativeWindowSystem().scale(), scale) << resources;
+  }
+}
+
+TEST_F(X11Windows, AnotherSizeIsShownWholly) {
+  open();
+  window->resize(200, 160);
+  EXPECT_EQ(window->place(), (PixelRect{0, 0, 200, 160}));
+  const std::vector<std::uint32_t> colour(200 * 160, 0xFF123456U);
+  window->present({colour.data(), 200, 160}, std::array{window->place()});
+  const auto size = owned(xcb_get_geometry_reply(
+      host->xcb(), xcb_get_geometry(host->xcb(), static_cast<xcb_window_t>(window->handle())),
+      nullptr));
+  ASSERT_NE(size, nullptr);
+  EXPECT_EQ(size->width, 200);
+  EXPECT_EQ(size->height, 160);
+  EXPECT_EQ(host->pixels(static_cast<xcb_window_t>(window->handle()), 200, 160), colour);
+}
+
 TEST_F(X11Windows, PopupStaysOnTheScreen) {
   open();
   struct Case {

@@ -228,6 +228,7 @@ class ProbeEditor : public AEffGUIEditor {
   }
   bool setKnobMode(std::int32_t mode) override { return mode == kKnobLinear; }
   bool picture(const EditorPicture& request) override { return request.width == 401; }
+  std::string description() override { return "Knob: 5"; }
 
   int idles = 0;
   KeyCode last{};
@@ -260,6 +261,20 @@ TEST_F(EffectRecordTest, EditorRequestsNeedAnEditor) {
   EXPECT_EQ(send(EffectOpcode::VendorSpecific, fourCharacters("PreS"), 0, &picture), 0);
   picture.byteSize = 8;
   EXPECT_EQ(send(EffectOpcode::VendorSpecific, kEditorPictureRequest, 0, &picture), 0);
+  std::array<char, 8> text{};
+  EditorDescription words{sizeof(EditorDescription), 0, nullptr};
+  const auto describe = [&] {
+    return send(EffectOpcode::VendorSpecific, kEditorDescriptionRequest, 0, &words);
+  };
+  EXPECT_EQ(describe(), 7);
+  words.text = text.data();
+  for (const auto& [room, written] : {std::pair{-1, ""}, {4, "Knob"}, {8, "Knob: 5"}}) {
+    words.room = room;
+    EXPECT_EQ(describe(), 7);
+    EXPECT_STREQ(text.data(), written);
+  }
+  words.byteSize = 8;
+  EXPECT_EQ(describe(), 0);
 }
 
 TEST_F(EffectRecordTest, KeysAreTakenApartSafely) {

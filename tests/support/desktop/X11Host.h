@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -61,6 +62,12 @@ class X11Host {
     const auto at = owned(xcb_translate_coordinates_reply(
         m_xcb, xcb_translate_coordinates(m_xcb, m_window, m_root, 0, 0), nullptr));
     return {at->dst_x, at->dst_y};
+  }
+  /// The desktop's settings, as the session's programs leave them at the display.
+  void setResources(std::string_view text) {
+    xcb_change_property(m_xcb, XCB_PROP_MODE_REPLACE, m_root, XCB_ATOM_RESOURCE_MANAGER,
+                        XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(text.size()), text.data());
+    sync();
   }
   void destroyWindow() {
     xcb_destroy_window(m_xcb, m_window);
