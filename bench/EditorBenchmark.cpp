@@ -9,9 +9,15 @@ namespace {
 
 using qlx::test::EditorRig;
 
+// The argument is the window's size in per cent.
+void setSize(EditorRig& rig, const benchmark::State& state) {
+  rig.editor->setHostScale(static_cast<double>(state.range(0)) / 100.0);
+}
+
 /// What a host's user waits for, without the desktop's part of it.
 void openAndClose(benchmark::State& state) {
   EditorRig rig;
+  setSize(rig, state);
   for (auto run : state) {
     rig.open();
     rig.editor->close();
@@ -23,6 +29,7 @@ void openFirst(benchmark::State& state) {
   for (auto run : state) {
     state.PauseTiming();
     auto rig = std::make_unique<EditorRig>();
+    setSize(*rig, state);
     state.ResumeTiming();
     rig->open();
     rig->editor->close();
@@ -40,6 +47,7 @@ void decodeStrip(benchmark::State& state) {
 /// One idle with both rotors turning at full speed, drawn but not sent to a screen.
 void idleWithRotorsTurning(benchmark::State& state) {
   EditorRig rig;
+  setSize(rig, state);
   rig.open();
   for (auto run : state) {
     rig.effect.horn += 0.11;
@@ -56,11 +64,15 @@ void idleAtRest(benchmark::State& state) {
   for (auto run : state) rig.editor->idle();
 }
 
+void sizes(benchmark::internal::Benchmark* each) {
+  for (const int perCent : {100, 150, 200, 300}) each->Arg(perCent);
+}
+
 } // namespace
 
-BENCHMARK(openFirst)->Unit(benchmark::kMillisecond);
-BENCHMARK(openAndClose)->Unit(benchmark::kMillisecond);
+BENCHMARK(openFirst)->Apply(sizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(openAndClose)->Apply(sizes)->Unit(benchmark::kMillisecond);
 BENCHMARK(decodeStrip)->Arg(2002)->Arg(2005)->Arg(3999)->Arg(4000)->Unit(benchmark::kMillisecond);
-BENCHMARK(idleWithRotorsTurning)->Unit(benchmark::kMicrosecond);
+BENCHMARK(idleWithRotorsTurning)->Apply(sizes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(idleAtRest)->Unit(benchmark::kMicrosecond);
 BENCHMARK_MAIN();
