@@ -33,6 +33,10 @@ void abortIf(bool wrong) {
   if (wrong) std::abort();
 }
 
+/// Taken when the library is loaded.
+[[gnu::used]] const char* leftAtLoad =
+    has("leak at load") ? std::make_unique<char[]>(5000).release() : nullptr;
+
 constexpr int kParameters = 3;
 constexpr std::array<const char*, kParameters> kNames = {"Gain", "Ring", "Spare"};
 using Values = std::array<float, kParameters>;

@@ -93,6 +93,7 @@ constexpr Fault kFaults[] = {
     {"off", "lifecycle.not-started", "crash: Aborted"},
     {"shared", "lifecycle.instances", "it does not sound as one alone"},
     {"leak", "lifecycle.leaks", "bytes are lost in each life"},
+    {"leak at load", "lifecycle.loads", "bytes are lost each time"},
     {"race", "threads.together", "crash: Aborted"},
     {"allocation", "realtime.allocations", "malloc during processReplacing"},
     {"mutex", "realtime.locks", "pthread_mutex_lock during processReplacing"},

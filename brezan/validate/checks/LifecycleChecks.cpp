@@ -70,6 +70,8 @@ void live(CheckRun& run) {
   play<float>(effect, 2 * kBlock, kBlock);
 }
 
+std::size_t grown(std::size_t now, std::size_t then) { return now > then ? now - then : 0; }
+
 void leaks(CheckRun& run) {
   constexpr std::size_t kSmallest = 16; // bytes of the heap's smallest piece
   const int lives = run.rounds(30, 500);
@@ -81,7 +83,6 @@ void leaks(CheckRun& run) {
   if (before.heapBytes() == 0) run.skip("a sanitizer keeps the memory");
   liveOften(lives);
   const ProcessState after;
-  const auto grown = [](std::size_t now, std::size_t then) { return now > then ? now - then : 0; };
   const auto many = static_cast<std::size_t>(lives);
   run.trying(std::to_string(lives) + " lives");
   if (const std::size_t bytes = grown(after.heapBytes(), before.heapBytes());
@@ -92,6 +93,28 @@ void leaks(CheckRun& run) {
   run.require(grown(after.descriptors(), before.descriptors()) < many / 2,
               "open files are left behind");
   run.require(after.threads() <= before.threads(), "threads are left behind");
+}
+
+/// What the library takes while it is loaded it gives back when it is unloaded: also the C++
+/// library's memory for exceptions, 72 kB, if it is linked in.
+void loads(CheckRun& run) {
+  constexpr std::size_t kBooks = 1024; // bytes that the loader's own books may take a time
+  const auto loadOften = [&run](int times) {
+    for (; times > 0; --times) {
+      scan(Effect(run));
+      run.unloadLibrary();
+    }
+  };
+  loadOften(3);
+  const ProcessState before;
+  if (before.heapBytes() == 0) run.skip("a sanitizer keeps the memory");
+  const int times = run.rounds(5, 50);
+  loadOften(times);
+  const ProcessState after;
+  run.trying("loaded " + std::to_string(times) + " times");
+  const auto many = static_cast<std::size_t>(times);
+  if (const std::size_t bytes = grown(after.heapBytes(), before.heapBytes()); bytes > kBooks * many)
+    run.fail(std::to_string(bytes / many) + " bytes are lost each time the library is unloaded");
 }
 
 /// Many at once, closed in random order. Unless the sound differs from run to run anyway, each
@@ -187,6 +210,8 @@ constexpr Check kChecks[] = {
     {"lifecycle", "closed-playing", 2, "closed without having been switched off", closedPlaying},
     {"lifecycle", "instances", 3, "many at once do not hear of each other", instances},
     {"lifecycle", "leaks", 4, "lives in a row leave no memory, file or thread", leaks},
+    {"lifecycle", "loads", 1, "the library loaded and unloaded again and again leaves no memory",
+     loads},
 };
 
 } // namespace
