@@ -28,13 +28,19 @@ constexpr gui::CRect kWindow = gui::CRect::of(layout::kWindow);
 /// From one position of the MIDI channel's display to the next.
 constexpr float kMidiChannelStep = 1.0F / 18.0F;
 
-std::shared_ptr<gui::CTypeface> loadTypeface() {
-  std::array<std::span<const std::uint8_t>, gui::kWindowScales.size()> packs;
+std::shared_ptr<gui::CTypeface> makeTypeface() {
+  std::array<std::span<const std::uint8_t>, gui::kGlyphPacks> packs;
   for (std::size_t i = 0; i < packs.size(); ++i) {
     const auto pack = resources::editorGlyphs(i);
     packs[i] = {reinterpret_cast<const std::uint8_t*>(pack.data()), pack.size()};
   }
   return gui::CTypeface::create(packs);
+}
+
+/// The typeface of all windows, whose packs are inflated once.
+std::shared_ptr<gui::CTypeface> loadTypeface() {
+  static const auto typeface = makeTypeface();
+  return typeface;
 }
 
 /// The scale of a window of this size in pixels of the screen; nothing when none has it.

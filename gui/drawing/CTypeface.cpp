@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: ISC
 #include "gui/drawing/CTypeface.h"
 
+#include "gui/drawing/PngImage.h"
 #include "gui/drawing/Utf8.h"
 
 #include <cmath>
 #include <cstring>
+#include <mutex>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace qlx::gui {
 
@@ -51,18 +55,51 @@ void enlarge(CTypeface::Glyph& glyph, double factor) {
 
 } // namespace
 
-std::optional<CTypeface::Pack> CTypeface::opened(Bytes bytes) {
-  if (bytes.size() < sizeof(PackHead)) return std::nullopt;
-  const auto head = readAt<PackHead>(bytes, 0);
-  if (!isOfThisForm(head, bytes.size() - sizeof head)) return std::nullopt;
-  return Pack{bytes, head};
+/// The glyphs for one scale.
+class CTypeface::Pack {
+ public:
+  explicit Pack(Bytes kept) : m_kept(kept) {}
+
+  /// Null where the bytes are of another form.
+  const PackHead* head() const {
+    std::call_once(m_opening, [this] { open(); });
+    return m_head ? &*m_head : nullptr;
+  }
+
+  /// Nothing where the character isn't in it.
+  std::optional<Glyph> glyph(char32_t character, const CFontDesc& font) const;
+
+ private:
+  void open() const;
+
+  Bytes m_kept;
+  mutable std::once_flag m_opening;
+  mutable std::vector<std::uint8_t> m_inflated;
+  mutable Bytes m_bytes; ///< kept or inflated
+  mutable std::optional<PackHead> m_head;
+};
+
+void CTypeface::Pack::open() const {
+  m_bytes = m_kept;
+  if (m_kept.size() >= sizeof(DeflatedHead)) {
+    const auto deflated = readAt<DeflatedHead>(m_kept, 0);
+    if (deflated.tag == kDeflatedTag) {
+      auto content = inflated(m_kept.subspan(sizeof deflated), deflated.bytes);
+      if (content) m_inflated = std::move(*content);
+      m_bytes = m_inflated;
+    }
+  }
+  if (m_bytes.size() < sizeof(PackHead)) return;
+  const auto head = readAt<PackHead>(m_bytes, 0);
+  if (isOfThisForm(head, m_bytes.size() - sizeof head)) m_head = head;
 }
 
 std::shared_ptr<CTypeface> CTypeface::create(std::span<const Bytes> packs) {
   std::shared_ptr<CTypeface> typeface(new CTypeface);
-  for (std::size_t i = 0; i < std::min(packs.size(), kWindowScales.size()); ++i)
-    typeface->m_packs[i] = opened(packs[i]);
-  return typeface->m_packs.front() ? typeface : nullptr;
+  for (std::size_t i = 0; i < std::min(packs.size(), kGlyphPacks); ++i)
+    typeface->m_packs[i] = std::make_shared<const Pack>(packs[i]);
+  const auto& first = typeface->m_packs.front();
+  return first != nullptr && first->head() != nullptr ? typeface : nullptr;
 }
 
 std::shared_ptr<CTypeface> CTypeface::atScale(double scale) const {
@@ -75,11 +112,12 @@ std::shared_ptr<CTypeface> CTypeface::atScale(double scale) const {
 
 std::optional<CTypeface::Glyph> CTypeface::Pack::glyph(char32_t character,
                                                        const CFontDesc& font) const {
-  const auto characterAt = [&](std::size_t index) {
-    return readAt<std::uint32_t>(bytes, sizeof(PackHead) + index * kCharacterBytes);
+  if (head() == nullptr) return std::nullopt;
+  const auto characterAt = [this](std::size_t index) {
+    return readAt<std::uint32_t>(m_bytes, sizeof(PackHead) + index * kCharacterBytes);
   };
   std::size_t low = 0;
-  std::size_t high = head.glyphs;
+  std::size_t high = m_head->glyphs;
   while (low < high) {
     const std::size_t middle = (low + high) / 2;
     if (characterAt(middle) < character)
@@ -87,38 +125,41 @@ std::optional<CTypeface::Glyph> CTypeface::Pack::glyph(char32_t character,
     else
       high = middle;
   }
-  if (low >= head.glyphs || characterAt(low) != character) return std::nullopt;
-  const std::size_t row = sizeIndex(font) * head.glyphs + low;
-  const auto packed = readAt<PackedGlyph>(bytes, sizeof(PackHead) + head.glyphs * kCharacterBytes +
-                                                     row * sizeof(PackedGlyph));
+  if (low >= m_head->glyphs || characterAt(low) != character) return std::nullopt;
+  const std::size_t row = sizeIndex(font) * m_head->glyphs + low;
+  const auto packed = readAt<PackedGlyph>(
+      m_bytes, sizeof(PackHead) + m_head->glyphs * kCharacterBytes + row * sizeof(PackedGlyph));
   Glyph glyph{packed.left,      packed.top,        0, 0, packed.advance,
               packed.leftShift, packed.rightShift, {}};
   const std::size_t length = std::size_t{packed.width} * packed.height;
-  if (packed.coverage <= bytes.size() && length <= bytes.size() - packed.coverage) {
+  if (packed.coverage <= m_bytes.size() && length <= m_bytes.size() - packed.coverage) {
     glyph.width = packed.width;
     glyph.height = packed.height;
-    glyph.coverage = bytes.subspan(packed.coverage, length);
+    glyph.coverage = m_bytes.subspan(packed.coverage, length);
   }
   return glyph;
+}
+
+std::optional<CTypeface::Glyph> CTypeface::packedGlyph(std::size_t pack, char32_t character,
+                                                       const CFontDesc& font) const {
+  return m_packs[pack] == nullptr ? std::nullopt : m_packs[pack]->glyph(character, font);
 }
 
 CTypeface::Glyph CTypeface::glyph(char32_t character, const CFontDesc& font) const {
-  if (m_packs[m_index]) {
-    if (const auto found = m_packs[m_index]->glyph(character, font)) return *found;
-  }
-  const Pack& plain = *m_packs.front();
-  auto found = plain.glyph(character, font);
-  if (!found && m_index > 0 && character != 0) return glyph(0, font);
-  Glyph glyph = found ? *found : plain.glyph(0, font).value_or(Glyph{});
-  if (m_index > 0) enlarge(glyph, m_scale);
-  return glyph;
+  if (const auto own = packedGlyph(m_index, character, font)) return *own;
+  auto found = packedGlyph(0, character, font);
+  if (!found) found = packedGlyph(kWindowScales.size(), character, font);
+  if (!found) return character == 0 ? Glyph{} : glyph(0, font);
+  if (m_index > 0) enlarge(*found, m_scale);
+  return *found;
 }
 
 CTypeface::Metrics CTypeface::metrics(const CFontDesc& font) const {
-  const bool drawn = m_packs[m_index].has_value();
+  const auto& own = m_packs[m_index];
+  const PackHead* const drawn = own == nullptr ? nullptr : own->head();
   const PackedSize& size =
-      (drawn ? *m_packs[m_index] : *m_packs.front()).head.sizes[sizeIndex(font)];
-  if (drawn) return {size.ascent, size.descent};
+      (drawn == nullptr ? m_packs.front()->head() : drawn)->sizes[sizeIndex(font)];
+  if (drawn != nullptr) return {size.ascent, size.descent};
   return {enlarged(size.ascent, m_scale), enlarged(size.descent, m_scale)};
 }
 

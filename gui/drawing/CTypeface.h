@@ -6,6 +6,8 @@
 #include "gui/drawing/WindowScale.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -32,6 +34,9 @@ struct CFontDesc {
 
 /// The toolkit's standard small font.
 inline constexpr CFontDesc kNormalFontSmall{9.0};
+
+/// A pack for each scale, and the further characters.
+inline constexpr std::size_t kGlyphPacks = kWindowScales.size() + 1;
 
 /// One font, drawn while building for each of kWindowScales and hinted to whole pixels, so that a
 /// text looks the same on every machine. Any thread.
@@ -64,9 +69,11 @@ class CTypeface {
   };
 
   /// The typeface for a window of scale 1. `packs` are for the scales in the order of
-  /// kWindowScales, of the form that GlyphPack.h describes, and stay where they are as long as a
-  /// typeface made of them lives. Null when the first is not of that form; the others may be
-  /// missing. Whatever their bytes, nothing outside is read.
+  /// kWindowScales, then that of the further characters, all of the form that GlyphPack.h
+  /// describes, and stay where they are as long as a typeface made of them lives. Null when the
+  /// first is not of that form; the others may be missing. Whatever their bytes, nothing outside is
+  /// read. Packs behind the first are inflated when a glyph of theirs is wanted, and once for all
+  /// typefaces that atScale makes.
   static std::shared_ptr<CTypeface> create(std::span<const std::span<const std::uint8_t>> packs);
   static std::shared_ptr<CTypeface> create(std::span<const std::uint8_t> pack) {
     return create(std::span(&pack, 1));
@@ -77,7 +84,7 @@ class CTypeface {
   double scale() const { return m_scale; }
 
   /// The glyph of a character; the font's box for missing ones, an empty picture for damaged ones.
-  /// One that the scale's pack lacks is enlarged from scale 1.
+  /// One that the scale's pack lacks is enlarged from scale 1, and so are the further ones.
   Glyph glyph(char32_t character, const CFontDesc& font) const;
 
   Metrics metrics(const CFontDesc& font) const;
@@ -86,19 +93,14 @@ class CTypeface {
   CCoord width(std::string_view text, const CFontDesc& font) const;
 
  private:
-  /// The glyphs for one scale.
-  struct Pack {
-    std::span<const std::uint8_t> bytes;
-    PackHead head{};
-
-    /// Nothing where the character isn't in it.
-    std::optional<Glyph> glyph(char32_t character, const CFontDesc& font) const;
-  };
+  class Pack;
 
   CTypeface() = default;
-  static std::optional<Pack> opened(std::span<const std::uint8_t> bytes);
+  /// Nothing where there is no such pack, or the character isn't in it.
+  std::optional<Glyph> packedGlyph(std::size_t pack, char32_t character,
+                                   const CFontDesc& font) const;
 
-  std::array<std::optional<Pack>, kWindowScales.size()> m_packs{};
+  std::array<std::shared_ptr<const Pack>, kGlyphPacks> m_packs{};
   double m_scale = 1.0;
   std::size_t m_index = 0; ///< of the scale
 };

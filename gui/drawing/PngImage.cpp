@@ -125,4 +125,16 @@ std::optional<PixelBuffer> decodePng(Bytes file) {
   return pixels;
 }
 
+std::optional<std::vector<std::uint8_t>> inflated(Bytes stream, std::size_t size) {
+  if (stream.size() > std::numeric_limits<int>::max() / kLargestExpansion ||
+      size > stream.size() * kLargestExpansion)
+    return std::nullopt;
+  std::vector<std::uint8_t> content(size);
+  const int made = stbi_zlib_decode_buffer(
+      reinterpret_cast<char*>(content.data()), static_cast<int>(size),
+      reinterpret_cast<const char*>(stream.data()), static_cast<int>(stream.size()));
+  if (made < 0 || static_cast<std::size_t>(made) != size) return std::nullopt;
+  return content;
+}
+
 } // namespace qlx::gui

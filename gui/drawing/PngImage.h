@@ -3,6 +3,8 @@
 
 #include "gui/drawing/PixelBuffer.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
@@ -26,5 +28,10 @@ std::optional<PngSize> pngSize(std::span<const std::uint8_t> file);
 /// Parts PNG files that follow each other in `bytes`. What follows no complete file is one of its
 /// own.
 std::vector<std::span<const std::uint8_t>> partedPngFiles(std::span<const std::uint8_t> bytes);
+
+/// What a zlib stream holds; nothing where that is broken or not `size` bytes long. Its checksum is
+/// not looked at.
+std::optional<std::vector<std::uint8_t>> inflated(std::span<const std::uint8_t> stream,
+                                                  std::size_t size);
 
 } // namespace qlx::gui

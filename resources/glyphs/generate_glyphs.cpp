@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: ISC
-// Draws the glyphs of a font in the sizes of gui/drawing/GlyphPack.h for a window of one scale:
-// generate_glyphs FONT PACK SCALE
+// Draws the glyphs of a font in the sizes of gui/drawing/GlyphPack.h for a window of one scale,
+// those of its common characters or of all others: generate_glyphs FONT PACK SCALE [others]
 
 #include "gui/drawing/GlyphPack.h"
 
 #include <ft2build.h>
 // FreeType's headers come through macros of its own.
 #include FT_FREETYPE_H
+
+#include <zlib.h>
 
 #include <cmath>
 #include <exception>
@@ -30,9 +32,9 @@ constexpr FT_F26Dot6 kUnitsPerPixel = 64;
 // and the light hinter move heights only and leave most stems as two grey columns.
 constexpr FT_Int32 kLoading = FT_LOAD_RENDER | FT_LOAD_FORCE_AUTOHINT | FT_LOAD_TARGET_NORMAL;
 
-/// What windows larger than the layout have glyphs of their own for: Latin, Greek and Cyrillic
-/// letters, punctuation and currencies. Pictures of all the font's characters in those sizes would
-/// be seven megabytes.
+/// What windows of every scale have glyphs of their own for: Latin, Greek and Cyrillic letters,
+/// punctuation and currencies. Pictures of all the font's characters in all sizes would be seven
+/// megabytes.
 bool isCommon(std::uint32_t character) {
   const auto in = [character](std::uint32_t first, std::uint32_t last) {
     return character >= first && character <= last;
@@ -114,9 +116,9 @@ void append(std::string& bytes, std::span<const Value> values) {
   bytes.append(reinterpret_cast<const char*>(values.data()), values.size_bytes());
 }
 
-std::string makePack(Font& font, double scale) {
+std::string makePack(Font& font, double scale, bool common) {
   std::vector<std::uint32_t> characters = font.characters();
-  if (scale > 1.0) std::erase_if(characters, [](std::uint32_t c) { return !isCommon(c); });
+  std::erase_if(characters, [common](std::uint32_t c) { return c != 0 && isCommon(c) != common; });
   PackHead head{kPackTag, fitted<std::uint32_t>(static_cast<long>(characters.size())), {}};
   const std::size_t pictures =
       sizeof head +
@@ -146,16 +148,30 @@ std::string makePack(Font& font, double scale) {
   return pack + coverage;
 }
 
+std::string deflated(const std::string& pack) {
+  const DeflatedHead head{kDeflatedTag, fitted<std::uint32_t>(static_cast<long>(pack.size()))};
+  uLongf length = compressBound(pack.size());
+  std::string stream(length, '\0');
+  if (compress2(reinterpret_cast<Bytef*>(stream.data()), &length,
+                reinterpret_cast<const Bytef*>(pack.data()), pack.size(),
+                Z_BEST_COMPRESSION) != Z_OK)
+    throw std::runtime_error("a pack cannot be deflated");
+  stream.resize(length);
+  std::string bytes;
+  append(bytes, std::span<const DeflatedHead>(&head, 1));
+  return bytes + stream;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::cerr << "usage: generate_glyphs FONT PACK SCALE\n";
+  if (argc < 4 || argc > 5) {
+    std::cerr << "usage: generate_glyphs FONT PACK SCALE [others]\n";
     return 2;
   }
   try {
     Font font(argv[1]);
-    const std::string pack = makePack(font, std::stod(argv[3]));
+    const std::string pack = deflated(makePack(font, std::stod(argv[3]), argc == 4));
     std::ofstream file(argv[2], std::ios::binary);
     file.write(pack.data(), static_cast<std::streamsize>(pack.size()));
     file.close();

@@ -9,11 +9,12 @@
 #endif
         .globl  qlxEditorGlyphPlaces, qlxEditorGlyphs
 
-        /* Where each scale's glyphs begin, from the first, and where the last ones end. */
+        /* Where each scale's glyphs begin, from the first, then the further ones, and where these end. */
         .balign 16
 qlxEditorGlyphPlaces:
         .long   0, .Lglyphs1_5 - qlxEditorGlyphs, .Lglyphs2 - qlxEditorGlyphs
-        .long   .Lglyphs3 - qlxEditorGlyphs, .LglyphsEnd - qlxEditorGlyphs
+        .long   .Lglyphs3 - qlxEditorGlyphs, .LglyphsOthers - qlxEditorGlyphs
+        .long   .LglyphsEnd - qlxEditorGlyphs
 
         .balign 16
 qlxEditorGlyphs:
@@ -24,6 +25,8 @@ qlxEditorGlyphs:
         .incbin "editor_glyphs_2.bin"
 .Lglyphs3:
         .incbin "editor_glyphs_3.bin"
+.LglyphsOthers:
+        .incbin "editor_glyphs_others.bin"
 .LglyphsEnd:
 
 #ifndef _WIN32

@@ -16,7 +16,7 @@ std::span<const std::byte> findImage(int number, int factor = 1);
 
 /// The glyphs of the editor's text, a sans serif with the metrics of Arial, in the form that
 /// gui/drawing/GlyphPack.h describes, for a window of the scale of this index in
-/// gui/drawing/WindowScale.h. Empty behind the last.
-std::span<const std::byte> editorGlyphs(std::size_t scale = 0);
+/// gui/drawing/WindowScale.h, and behind the last scale the further characters. Empty behind these.
+std::span<const std::byte> editorGlyphs(std::size_t pack = 0);
 
 } // namespace qlx::resources

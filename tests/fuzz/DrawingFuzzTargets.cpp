@@ -51,7 +51,7 @@ Seeds imageSeeds() {
           copyOf(resources::findImage(19990))};
 }
 
-Seeds glyphPackSeeds() { return {smallGlyphPack()}; }
+Seeds glyphPackSeeds() { return {smallGlyphPack(), deflatedGlyphPack(smallGlyphPack())}; }
 
 constexpr std::array<FuzzTarget, 2> kTargets{{
     {"image", &runImage, &imageSeeds},

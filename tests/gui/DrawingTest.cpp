@@ -353,6 +353,27 @@ TEST(Text, ClosesGapsThatHintingWidened) {
   for (int x = 0; x < 12; ++x) EXPECT_EQ(target.row(13)[x] != 0U, x % 2 == 1 && x < 6) << x;
 }
 
+TEST(GlyphPack, OthersAreEnlargedFromTheLastPack) {
+  const auto typeface = testTypeface();
+  const CTypeface::Glyph box = typeface->glyph(U'\0', kNormalFontSmall);
+  const CTypeface::Glyph alef = typeface->glyph(U'\u05D0', kNormalFontSmall);
+  ASSERT_FALSE(alef.coverage.empty());
+  EXPECT_NE(alef.coverage.data(), box.coverage.data());
+  const auto twice = typeface->atScale(2.0);
+  EXPECT_EQ(twice->glyph(U'\u05D0', kNormalFontSmall).height, 2 * alef.height);
+  EXPECT_EQ(twice->glyph(U'\uFFFF', kNormalFontSmall).coverage.data(),
+            twice->glyph(U'\0', kNormalFontSmall).coverage.data());
+}
+
+TEST(GlyphPack, DeflatedFormHoldsTheSame) {
+  const auto pack = qlx::test::smallGlyphPack();
+  const auto deflated = qlx::test::deflatedGlyphPack(pack);
+  const auto typeface = CTypeface::create(deflated);
+  ASSERT_NE(typeface, nullptr);
+  EXPECT_TRUE(std::ranges::equal(typeface->glyph(U'b', kNormalFontSmall).coverage,
+                                 CTypeface::create(pack)->glyph(U'b', kNormalFontSmall).coverage));
+}
+
 TEST(GlyphPack, RefusesOtherForms) {
   using qlx::test::ByteVector;
   struct Case {
@@ -369,6 +390,26 @@ TEST(GlyphPack, RefusesOtherForms) {
       {"one glyph too many", [](ByteVector& p) { p[4] = 4; }},
       {"more than fit into memory", [](ByteVector& p) { p[7] = 0xFF; }},
       {"another size", [](ByteVector& p) { p[8] = 8; }},
+      {"deflated, longer than told",
+       [](ByteVector& p) {
+         p = qlx::test::deflatedGlyphPack(p);
+         --p[4];
+       }},
+      {"deflated, shorter than told",
+       [](ByteVector& p) {
+         p = qlx::test::deflatedGlyphPack(p);
+         ++p[4];
+       }},
+      {"deflated, cut",
+       [](ByteVector& p) {
+         p = qlx::test::deflatedGlyphPack(p);
+         p.resize(p.size() / 2);
+       }},
+      {"deflated, of another form",
+       [](ByteVector& p) {
+         p[3] = 0;
+         p = qlx::test::deflatedGlyphPack(p);
+       }},
   };
   for (const Case& c : cases) {
     ByteVector pack = qlx::test::smallGlyphPack();

@@ -22,17 +22,17 @@ using namespace gui;
 /// The product's glyphs, read once.
 inline std::shared_ptr<CTypeface> testTypeface() {
   static const auto packs = [] {
-    std::array<std::vector<std::uint8_t>, kWindowScales.size()> read;
+    std::array<std::vector<std::uint8_t>, kGlyphPacks> read;
     std::size_t i = 0;
-    for (const char* const scale : {"", "_1_5", "_2", "_3"}) {
+    for (const char* const scale : {"", "_1_5", "_2", "_3", "_others"}) {
       std::ifstream file(QLX_TEST_GLYPHS + std::string(scale) + ".bin", std::ios::binary);
       read[i++].assign(std::istreambuf_iterator<char>(file), {});
     }
     return read;
   }();
-  const std::array<std::span<const std::uint8_t>, kWindowScales.size()> spans{packs[0], packs[1],
-                                                                              packs[2], packs[3]};
-  return CTypeface::create(spans);
+  static const auto typeface =
+      CTypeface::create(std::vector<std::span<const std::uint8_t>>(packs.begin(), packs.end()));
+  return typeface;
 }
 
 /// A strip of frames of one colour each: frame n has red 10 + 20 n.

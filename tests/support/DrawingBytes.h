@@ -13,6 +13,17 @@ namespace qlx::test {
 
 using ByteVector = std::vector<std::uint8_t>;
 
+/// A zlib stream of at most 65535 bytes, which are stored without compression; its checksum is 0.
+inline ByteVector storedStream(const ByteVector& content) {
+  const auto low = static_cast<std::uint8_t>(content.size());
+  const auto high = static_cast<std::uint8_t>(content.size() >> 8);
+  ByteVector stream{
+      0x78, 0x01, 1, low, high, static_cast<std::uint8_t>(~low), static_cast<std::uint8_t>(~high)};
+  stream.insert(stream.end(), content.begin(), content.end());
+  stream.insert(stream.end(), 4, 0);
+  return stream;
+}
+
 /// A PNG file of 8-bit red, green, blue and alpha. `rows` holds each row's filter number and
 /// filtered bytes; they are stored without compression (at most 65535 bytes), checksums are 0.
 inline ByteVector pngFile(std::uint32_t width, std::uint32_t height, const ByteVector& rows) {
@@ -32,13 +43,7 @@ inline ByteVector pngFile(std::uint32_t width, std::uint32_t height, const ByteV
   word(head, height);
   head.insert(head.end(), {8, 6, 0, 0, 0});
   chunk("IHDR", head);
-  const auto low = static_cast<std::uint8_t>(rows.size());
-  const auto high = static_cast<std::uint8_t>(rows.size() >> 8);
-  ByteVector packed{
-      0x78, 0x01, 1, low, high, static_cast<std::uint8_t>(~low), static_cast<std::uint8_t>(~high)};
-  packed.insert(packed.end(), rows.begin(), rows.end());
-  word(packed, 0);
-  chunk("IDAT", packed);
+  chunk("IDAT", storedStream(rows));
   chunk("IEND", {});
   return file;
 }
@@ -75,6 +80,16 @@ inline ByteVector smallGlyphPack() {
   }
   pack.insert(pack.end(), {100, 200, 255});
   return pack;
+}
+
+/// The deflated form of this pack.
+inline ByteVector deflatedGlyphPack(const ByteVector& pack) {
+  const auto stream = storedStream(pack);
+  ByteVector deflated(sizeof(gui::DeflatedHead));
+  const gui::DeflatedHead head{gui::kDeflatedTag, static_cast<std::uint32_t>(pack.size())};
+  std::memcpy(deflated.data(), &head, sizeof head);
+  deflated.insert(deflated.end(), stream.begin(), stream.end());
+  return deflated;
 }
 
 } // namespace qlx::test
