@@ -1,39 +1,65 @@
 // SPDX-License-Identifier: ISC
 #include "resources/NoiseRecordings.h"
 
-extern "C" {
-// Defined in Recordings.S.
-extern const float qlxHornSlow1[];
-extern const float qlxHornSlow2[];
-extern const float qlxHornFast[];
-extern const float qlxDrumSlow[];
-extern const float qlxDrumFast[];
-extern const float qlxStartStop[];
-}
+#include "resources/PackedRecording.h"
+
+#include <array>
+#include <cstdint>
+#include <numeric>
+#include <stdexcept>
+#include <vector>
 
 namespace qlx::resources {
 
 namespace {
 
-constexpr std::size_t kSmallestPage = 4096;
+/// In the order of Recordings.S: horn slow at two microphones, fast; drum slow, fast; start/stop.
+constexpr std::array kLengths = {engine::kHornSlowLength + engine::kRecordingGuard,
+                                 engine::kHornSlowLength + engine::kRecordingGuard,
+                                 engine::kHornFastLength + engine::kRecordingGuard,
+                                 engine::kDrumSlowLength + engine::kRecordingGuard,
+                                 engine::kDrumFastLength + engine::kRecordingGuard,
+                                 engine::kStartStopLength + 1};
 
-std::span<const float> resident(const float* samples, std::size_t count) {
-  for (std::size_t i = 0; i < count; i += kSmallestPage / sizeof(float)) {
-    static_cast<void>(*static_cast<const volatile float*>(samples + i));
-  }
-  return {samples, count};
+} // namespace
+
+extern "C" {
+// Defined in Recordings.S.
+extern const std::uint32_t qlxRecordingPlaces[kLengths.size() + 1];
+extern const std::byte qlxRecordings[];
 }
+
+namespace {
+
+class UnpackedRecordings {
+ public:
+  UnpackedRecordings()
+      : m_samples(std::accumulate(kLengths.begin(), kLengths.end(), std::size_t{0})) {
+    std::span<float> room(m_samples);
+    for (std::size_t i = 0; i < kLengths.size(); ++i) {
+      const std::span packed(qlxRecordings + qlxRecordingPlaces[i],
+                             qlxRecordings + qlxRecordingPlaces[i + 1]);
+      const auto samples = room.first(kLengths[i]);
+      room = room.subspan(samples.size());
+      if (!unpackRecording(packed, samples)) throw std::logic_error("a recording is damaged");
+      m_spans[i] = samples;
+    }
+  }
+
+  engine::Recordings spans() const {
+    return {{m_spans[0], m_spans[1]}, m_spans[2], m_spans[3], m_spans[4], m_spans[5]};
+  }
+
+ private:
+  std::vector<float> m_samples;
+  std::array<std::span<const float>, kLengths.size()> m_spans{};
+};
 
 } // namespace
 
 engine::Recordings noiseRecordings() {
-  using engine::kRecordingGuard;
-  return {{resident(qlxHornSlow1, engine::kHornSlowLength + kRecordingGuard),
-           resident(qlxHornSlow2, engine::kHornSlowLength + kRecordingGuard)},
-          resident(qlxHornFast, engine::kHornFastLength + kRecordingGuard),
-          resident(qlxDrumSlow, engine::kDrumSlowLength + kRecordingGuard),
-          resident(qlxDrumFast, engine::kDrumFastLength + kRecordingGuard),
-          resident(qlxStartStop, engine::kStartStopLength + 1)};
+  static const UnpackedRecordings unpacked;
+  return unpacked.spans();
 }
 
 } // namespace qlx::resources

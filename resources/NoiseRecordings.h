@@ -6,9 +6,8 @@
 namespace qlx::resources {
 
 /// The motor-noise recordings inside this library: read-only, shared by every instance, valid as
-/// long as the library is loaded. Reads one sample of every memory page, so that the audio thread
-/// does not have to wait for the disk when a recording sounds for the first time; call it while
-/// setting up.
+/// long as the library is loaded. The first call unpacks them into 5 MB of memory; other threads
+/// that call it meanwhile wait. Not for the audio thread. Throws std::bad_alloc.
 engine::Recordings noiseRecordings();
 
 } // namespace qlx::resources

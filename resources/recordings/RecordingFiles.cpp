@@ -2,44 +2,38 @@
 #include "resources/recordings/RecordingFiles.h"
 
 #include "engine/rotor/Recordings.h"
+#include "resources/PackedRecording.h"
 
-#include <bit>
-#include <cstdint>
+#include <cmath>
 
 namespace qlx::recordings {
 
 namespace {
 
-void append(std::string& bytes, double sample) {
-  const auto pattern = std::bit_cast<std::uint32_t>(static_cast<float>(sample));
-  for (unsigned shift = 0; shift < 32; shift += 8) {
-    bytes.push_back(static_cast<char>((pattern >> shift) & 0xffU));
-  }
-}
-
-RecordingFile loopFile(const char* name, const Signal& loop) {
+RecordingFile oneShotFile(const char* name, const Signal& sound) {
   RecordingFile file{name, {}};
-  for (const double x : loop) append(file.bytes, x);
-  for (std::size_t i = 0; i < engine::kRecordingGuard; ++i) append(file.bytes, loop[i]);
+  for (const double x : sound)
+    file.samples.push_back(static_cast<std::int32_t>(std::lround(x / resources::kSampleStep)));
+  file.samples.push_back(0);
   return file;
 }
 
-RecordingFile oneShotFile(const char* name, const Signal& sound) {
-  RecordingFile file{name, {}};
-  for (const double x : sound) append(file.bytes, x);
-  append(file.bytes, 0.0);
+RecordingFile loopFile(const char* name, const Signal& loop) {
+  RecordingFile file = oneShotFile(name, loop);
+  file.samples.pop_back();
+  for (std::size_t i = 0; i < engine::kRecordingGuard; ++i) file.samples.push_back(file.samples[i]);
   return file;
 }
 
 } // namespace
 
 std::vector<RecordingFile> recordingFiles(const MachineRecordings& machine) {
-  return {loopFile("horn_slow_1.f32", machine.hornSlow[0]),
-          loopFile("horn_slow_2.f32", machine.hornSlow[1]),
-          loopFile("horn_fast.f32", machine.hornFast),
-          loopFile("drum_slow.f32", machine.drumSlow),
-          loopFile("drum_fast.f32", machine.drumFast),
-          oneShotFile("start_stop.f32", machine.startStop)};
+  return {loopFile("horn_slow_1.rice", machine.hornSlow[0]),
+          loopFile("horn_slow_2.rice", machine.hornSlow[1]),
+          loopFile("horn_fast.rice", machine.hornFast),
+          loopFile("drum_slow.rice", machine.drumSlow),
+          loopFile("drum_fast.rice", machine.drumFast),
+          oneShotFile("start_stop.rice", machine.startStop)};
 }
 
 } // namespace qlx::recordings

@@ -2,18 +2,21 @@
 // The recordings inside the library, as the engine gets them.
 
 #include "resources/NoiseRecordings.h"
+#include "resources/PackedRecording.h"
 #include "resources/recordings/Analysis.h"
 #include "resources/recordings/RecordingFiles.h"
+#include "resources/recordings/RecordingPacker.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <complex>
 #include <cstdint>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <numbers>
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace qlx::test {
 namespace {
@@ -153,29 +156,56 @@ TEST(NoiseRecordings, StartAndStopBeginAndEndInSilence) {
 }
 
 /// FNV-1a.
-std::uint64_t checksum(const std::string& bytes) {
+std::uint64_t checksum(Samples samples) {
   std::uint64_t sum = 0xcbf29ce484222325U;
-  for (const char byte : bytes) {
-    sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001b3U;
+  for (const std::byte byte : std::as_bytes(samples)) {
+    sum = (sum ^ std::to_integer<std::uint64_t>(byte)) * 0x100000001b3U;
   }
   return sum;
 }
 
 TEST(NoiseRecordings, AreTheSameToTheBitOnEveryMachine) {
   // These numbers change only when somebody means the sound to change.
-  constexpr std::array<std::uint64_t, 6> kChecksums = {0xde6f87b0a80a204aU, 0x440a96bf9a9f40fbU,
-                                                       0xe7f488d6a91b5db0U, 0x234840ae5507dd79U,
-                                                       0xd68d58892eb3aab1U, 0xef17568c1d19a536U};
+  constexpr std::array<std::uint64_t, 6> kChecksums = {0x95eba5d4d2e6bb83U, 0x060f0f8cefbedfc5U,
+                                                       0x868f84ed73df56dfU, 0xc0403b81b19b0373U,
+                                                       0x5985bb142b98dfb0U, 0xf58320ed50602dbbU};
   const std::vector<recordings::RecordingFile> files =
       recordings::recordingFiles(recordings::recordMachine());
   const std::array<Samples, 6> embedded = allRecordings();
   ASSERT_EQ(files.size(), embedded.size());
   for (std::size_t i = 0; i < files.size(); ++i) {
-    const auto& [name, bytes] = files[i];
-    EXPECT_EQ(checksum(bytes), kChecksums[i]) << name << std::hex << " now 0x" << checksum(bytes);
-    ASSERT_EQ(bytes.size(), embedded[i].size_bytes()) << name;
-    EXPECT_EQ(std::memcmp(bytes.data(), embedded[i].data(), bytes.size()), 0)
-        << name << " in the library differs from the model's";
+    std::vector<float> model;
+    for (const std::int32_t steps : files[i].samples)
+      model.push_back(static_cast<float>(steps) * resources::kSampleStep);
+    EXPECT_EQ(checksum(model), kChecksums[i])
+        << files[i].name << std::hex << " now 0x" << checksum(model);
+    EXPECT_TRUE(std::ranges::equal(model, embedded[i]))
+        << files[i].name << " in the library differs from the model's";
+  }
+}
+
+TEST(PackedRecording, ReturnsEverySampleAndRefusesShortenedBytes) {
+  constexpr std::int32_t kPeak = 1 << 20;
+  std::vector<std::int32_t> steps(10000);
+  const auto size = static_cast<std::int32_t>(steps.size());
+  for (std::int32_t i = 0; i < size; ++i) {
+    const std::int32_t silence = 0;
+    const std::int32_t alternating = i % 2 == 0 ? kPeak : -kPeak;
+    const std::int32_t lone = i % 1000 == 0 ? -kPeak : i % 3;
+    const std::int32_t arbitrary = static_cast<std::int32_t>(i * 2654435761U) / 2048;
+    steps[static_cast<std::size_t>(i)] =
+        std::array{silence, alternating, lone, arbitrary}[static_cast<std::size_t>(i * 4 / size)];
+  }
+  const std::string bytes = recordings::packRecording(steps);
+  const auto packed = std::as_bytes(std::span(bytes));
+  std::vector<float> samples(steps.size());
+  ASSERT_TRUE(resources::unpackRecording(packed, samples));
+  for (std::size_t i = 0; i < steps.size(); ++i)
+    ASSERT_EQ(samples[i] / resources::kSampleStep, static_cast<float>(steps[i])) << i;
+  for (std::size_t length = 0; length + resources::kPackedPadding < packed.size(); length += 97) {
+    const std::vector<std::byte> shortened(packed.begin(),
+                                           packed.begin() + static_cast<std::ptrdiff_t>(length));
+    EXPECT_FALSE(resources::unpackRecording(shortened, samples)) << length;
   }
 }
 
