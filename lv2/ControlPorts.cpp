@@ -2,7 +2,7 @@
 #include "lv2/ControlPorts.h"
 
 #include "plugin/FactoryPresets.h"
-#include "sdk/VstTypes.h"
+#include "plugin/RotaryEffect.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,8 +15,8 @@ namespace {
 constexpr double kPatienceSeconds = 0.5;
 } // namespace
 
-ControlPorts::ControlPorts(sdk::EffectRecord& record, double rate, const ChangeRequest* request)
-    : m_record(record), m_request(request),
+ControlPorts::ControlPorts(plugin::RotaryEffect& effect, double rate, const ChangeRequest* request)
+    : m_effect(effect), m_request(request),
       m_patience(static_cast<std::uint32_t>(kPatienceSeconds * rate)) {
   // A host that wants nothing special leaves its ports at their defaults: sounds of the user's own
   // that a new instance starts with are then told to it like every other change.
@@ -32,7 +32,20 @@ ControlPorts::ControlPorts(sdk::EffectRecord& record, double rate, const ChangeR
 }
 
 float ControlPorts::valueOf(std::size_t control) const {
-  return m_record.getParameter(&m_record, kControlPorts[control].parameter);
+  return m_effect.getParameter(kControlPorts[control].parameter);
+}
+
+/// Nothing has moved on either side since the last look, which is so for most blocks.
+bool ControlPorts::isAtRest() const {
+  if (m_isBusy || m_told.load(std::memory_order_relaxed) != 0 ||
+      m_restored.load(std::memory_order_relaxed)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < kNumControlPorts; ++i) {
+    const Control& control = m_controls[i];
+    if (*control.location != control.seen || valueOf(i) != control.held) return false;
+  }
+  return true;
 }
 
 void ControlPorts::wait(Control& control) const {
@@ -44,26 +57,33 @@ void ControlPorts::wait(Control& control) const {
 void ControlPorts::notice(std::size_t i) {
   Control& control = m_controls[i];
   const float value = valueOf(i);
-  if (value != control.held) {
-    control.held = value;
-    control.expected = scaleOf(kControlPorts[i]).toPort(value);
-    if (control.untold == Untold::kNothing) control.untold = Untold::kSinceThisBlock;
+  if (value == control.held) return;
+  control.held = value;
+  control.expected = scaleOf(kControlPorts[i]).toPort(value);
+  if (control.untold == Untold::kNothing) control.untold = Untold::kSinceThisBlock;
+}
+
+void ControlPorts::noticeAll() {
+  // The window moves a parameter first: what it has told of is seen below.
+  const std::uint32_t told = m_told.exchange(0, std::memory_order_acquire);
+  for (std::size_t i = 0; i < kNumControlPorts; ++i) {
+    notice(i);
+    if ((told >> i & 1U) != 0) wait(m_controls[i]);
   }
-  const std::uint32_t told = m_told[i].load(std::memory_order_relaxed);
-  if (told == control.told) return;
-  control.told = told;
-  wait(control);
 }
 
 void ControlPorts::movedHere(std::int32_t parameter) {
   const std::size_t i = controlOf(parameter);
-  if (i < kNumControlPorts) m_controls[i].movedHere = true;
+  if (i >= kNumControlPorts) return;
+  m_controls[i].movedHere = true;
+  m_isBusy = true;
 }
 
 void ControlPorts::apply(std::size_t i) {
   Control& control = m_controls[i];
   const float value = scaleOf(kControlPorts[i]).toValue(control.seen, control.held);
-  m_record.setParameter(&m_record, kControlPorts[i].parameter, value);
+  sdk::EffectRecord& record = *m_effect.getRecord(); // what is thrown inside ends there
+  record.setParameter(&record, kControlPorts[i].parameter, value);
   control.held = valueOf(i);
   control.expected = control.seen;
   control.patience = 0;
@@ -73,7 +93,7 @@ void ControlPorts::apply(std::size_t i) {
 
 void ControlPorts::forgetNews() {
   for (Control& control : m_controls) {
-    if (control.location == nullptr || std::isnan(*control.location)) continue;
+    if (std::isnan(*control.location)) continue;
     control.seen = *control.location;
     control.patience = 0;
     control.movedMeanwhile = false;
@@ -82,14 +102,16 @@ void ControlPorts::forgetNews() {
 }
 
 void ControlPorts::takeFromHost(std::uint32_t frames) {
+  if (isAtRest()) return;
+  m_isBusy = true;
   // First all, then all: what one port does to another parameter must not hide that the host has
   // moved that one's port, too.
   const bool wasRestored = m_restored.exchange(false, std::memory_order_relaxed);
-  for (std::size_t i = 0; i < kNumControlPorts; ++i) notice(i);
+  noticeAll();
   if (wasRestored) forgetNews();
   for (std::size_t i = 0; i < kNumControlPorts; ++i) {
     Control& control = m_controls[i];
-    if (control.location == nullptr || std::isnan(*control.location)) continue;
+    if (std::isnan(*control.location)) continue;
     const bool moved = *control.location != control.seen;
     control.seen = *control.location;
     control.movedMeanwhile = control.movedMeanwhile || moved;
@@ -108,22 +130,32 @@ void ControlPorts::takeFromHost(std::uint32_t frames) {
 }
 
 void ControlPorts::tellHost() {
+  // What else has moved a parameter meanwhile is seen before the next block.
+  if (!m_isBusy) return;
+  noticeAll();
+  m_isBusy = false;
   for (std::size_t i = 0; i < kNumControlPorts; ++i) {
-    notice(i);
-    Control& control = m_controls[i];
-    if (control.movedHere) control.untold = Untold::kEarlier;
-    control.movedHere = false;
-    if (control.untold == Untold::kSinceThisBlock) {
-      // The window, if it was the window's doing, tells the host by itself.
-      control.untold = Untold::kEarlier;
-    } else if (control.untold == Untold::kEarlier) {
-      control.untold = Untold::kNothing;
-      if (m_request == nullptr || control.seen == control.expected) continue;
-      const std::uint32_t port = kFirstControl + static_cast<std::uint32_t>(i);
-      if (m_request->requestChange(m_request->handle, port, control.expected) ==
-          ChangeStatus::kSuccess) {
-        wait(control);
-      }
+    tell(i);
+    const Control& control = m_controls[i];
+    m_isBusy = m_isBusy || control.untold != Untold::kNothing || control.patience > 0 ||
+               control.movedMeanwhile;
+  }
+}
+
+void ControlPorts::tell(std::size_t i) {
+  Control& control = m_controls[i];
+  if (control.movedHere) control.untold = Untold::kEarlier;
+  control.movedHere = false;
+  if (control.untold == Untold::kSinceThisBlock) {
+    // The window, if it was the window's doing, tells the host by itself.
+    control.untold = Untold::kEarlier;
+  } else if (control.untold == Untold::kEarlier) {
+    control.untold = Untold::kNothing;
+    if (m_request == nullptr || control.seen == control.expected) return;
+    const std::uint32_t port = kFirstControl + static_cast<std::uint32_t>(i);
+    if (m_request->requestChange(m_request->handle, port, control.expected) ==
+        ChangeStatus::kSuccess) {
+      wait(control);
     }
   }
 }

@@ -8,9 +8,9 @@
 #include <atomic>
 #include <cstdint>
 
-namespace qlx::sdk {
-struct EffectRecord;
-} // namespace qlx::sdk
+namespace qlx::plugin {
+class RotaryEffect;
+} // namespace qlx::plugin
 
 namespace qlx::lv2 {
 
@@ -25,11 +25,15 @@ namespace qlx::lv2 {
 /// Audio thread, except where told otherwise.
 class ControlPorts {
  public:
-  /// `record` outlives this. `rate` in Hz; `request` null: this host can't be asked.
-  ControlPorts(sdk::EffectRecord& record, double rate, const ChangeRequest* request);
+  /// `effect` outlives this. `rate` in Hz; `request` null: this host can't be asked.
+  ControlPorts(plugin::RotaryEffect& effect, double rate, const ChangeRequest* request);
+  ControlPorts(const ControlPorts&) = delete;
+  ControlPorts& operator=(const ControlPorts&) = delete;
 
+  /// A port without a `location` never moves.
   void connect(std::size_t control, const float* location) {
-    m_controls[control].location = location;
+    Control& port = m_controls[control];
+    port.location = location == nullptr ? &port.seen : location;
   }
 
   /// Before a block of `frames`.
@@ -43,18 +47,19 @@ class ControlPorts {
   /// the host had not followed when it was saved. Any thread.
   void restored() { m_restored.store(true, std::memory_order_relaxed); }
   /// The host has been told by the window. Any thread.
-  void told(std::size_t control) { m_told[control].fetch_add(1, std::memory_order_relaxed); }
+  void told(std::size_t control) {
+    m_told.fetch_or(std::uint32_t{1} << control, std::memory_order_release);
+  }
 
  private:
   /// Whether the host has still to be asked about a port, and since when.
   enum class Untold : unsigned char { kNothing, kSinceThisBlock, kEarlier };
 
   struct Control {
-    const float* location = nullptr;
-    float seen = 0.0F;     ///< the port when last looked at
-    float held = 0.0F;     ///< the parameter, normalised, when last looked at
-    float expected = 0.0F; ///< where the port belongs
-    std::uint32_t told = 0;
+    const float* location = &seen;
+    float seen = 0.0F;          ///< the port when last looked at
+    float held = 0.0F;          ///< the parameter, normalised, when last looked at
+    float expected = 0.0F;      ///< where the port belongs
     std::uint32_t patience = 0; ///< frames in which a movement is an echo
     bool movedMeanwhile = false;
     bool movedHere = false; ///< by what runs in this block
@@ -62,16 +67,21 @@ class ControlPorts {
   };
 
   float valueOf(std::size_t control) const;
+  bool isAtRest() const;
+  void noticeAll();
   void notice(std::size_t control);
   void wait(Control& control) const;
   void apply(std::size_t control);
+  void tell(std::size_t control);
   void forgetNews();
 
-  sdk::EffectRecord& m_record;
+  plugin::RotaryEffect& m_effect;
   const ChangeRequest* m_request;
   std::uint32_t m_patience; ///< frames
   std::array<Control, kNumControlPorts> m_controls{};
-  std::array<std::atomic<std::uint32_t>, kNumControlPorts> m_told{};
+  bool m_isBusy = true; ///< something is still to be told or awaited
+  static_assert(kNumControlPorts <= 32);
+  std::atomic<std::uint32_t> m_told{0}; ///< a bit for each control
   std::atomic<bool> m_restored{false};
 };
 

@@ -53,7 +53,7 @@ Plugin::Plugin(double rate, const LV2_Feature* const* features)
     : m_urids(mapOf(features)), m_rate(static_cast<float>(rate)),
       m_effect(std::make_unique<plugin::RotaryEffect>(&Plugin::hostCallback)),
       m_record(*m_effect->getRecord()),
-      m_controls(m_record, rate,
+      m_controls(*m_effect, rate,
                  static_cast<const ChangeRequest*>(featureData(features, kChangeRequestUri))) {
   m_record.hostReserved1 = std::bit_cast<std::intptr_t>(this);
   call(EffectOpcode::Open);

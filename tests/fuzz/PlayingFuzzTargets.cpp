@@ -64,7 +64,11 @@ class Played {
   }
   sdk::EffectRecord& record() { return *m_effect; }
 
-  /// A block of what the input says; its result is finite.
+  /// What the effect was last told to play into; with one output the second is not its own.
+  void setOutputs(std::int32_t count) { m_outputs = static_cast<std::size_t>(count); }
+
+  /// A block of what the input says; its result is finite, and an output that is not the effect's
+  /// is not written to.
   void process(Reader& in, std::size_t frames) {
     for (auto& channel : m_in)
       for (std::size_t i = 0; i < frames; ++i) channel[i] = i % 16 == 0 ? in.take<float>() : 0.1F;
@@ -72,8 +76,9 @@ class Played {
     float* inputs[]{m_in[0].data(), m_in[1].data()};
     float* outputs[]{m_out[0].data(), m_out[1].data()};
     m_effect->processReplacing(m_effect, inputs, outputs, static_cast<std::int32_t>(frames));
-    for (const auto& channel : m_out)
-      for (std::size_t i = 0; i < frames; ++i) require(std::isfinite(channel[i]));
+    for (std::size_t c = 0; c < m_out.size(); ++c)
+      for (std::size_t i = 0; i < frames; ++i)
+        require(c < m_outputs ? std::isfinite(m_out[c][i]) : std::isnan(m_out[c][i]));
   }
 
   void checkValues() {
@@ -90,6 +95,7 @@ class Played {
 
   TemporaryFolder m_home;
   sdk::EffectRecord* m_effect;
+  std::size_t m_outputs = 2;
   std::array<std::array<float, 64>, 2> m_in{}, m_out{};
 };
 
@@ -152,8 +158,10 @@ void dispatchOne(Reader& in) {
     }
     void* pointers[]{&arrangements[0], &arrangements[1]};
     const bool set = opcode == EffectOpcode::SetSpeakerArrangement;
-    played().call(opcode, index, std::bit_cast<std::intptr_t>(set ? pointers[0] : &pointers[0]),
-                  set ? pointers[1] : &pointers[1]);
+    const bool taken =
+        played().call(opcode, index, std::bit_cast<std::intptr_t>(set ? pointers[0] : &pointers[0]),
+                      set ? pointers[1] : &pointers[1]) != 0;
+    if (set) played().setOutputs(taken ? arrangements[1].numChannels : 2);
     return;
   }
   default: break;
