@@ -4,6 +4,7 @@
 #include <jack/jack.h>
 #include <jack/midiport.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 
@@ -41,7 +42,8 @@ std::unique_ptr<JackSystem> JackSystem::open(const std::string& name, Wishes wis
 }
 
 JackSystem::JackSystem(jack_client_t* client, Wishes wishes)
-    : m_client(client), m_wishes(std::move(wishes)) {
+    : m_client(client), m_wishes(std::move(wishes)), m_connections(m_wishes.connections),
+      m_awaited(m_wishes.connections) {
   constexpr std::array kNames{"in_L", "in_R", "out_L", "out_R", "midi_in"};
   for (std::size_t i = 0; i < m_ports.size(); ++i) {
     m_ports[i] = jack_port_register(client, kNames[i],
@@ -100,7 +102,6 @@ void JackSystem::start(BlockProcessor& processor) {
   if (jack_activate(m_client) != 0)
     throw std::runtime_error("the JACK server did not start the client");
   m_active = true;
-  m_awaited = std::move(m_wishes.connections);
   connectAwaited();
   for (const Connection& one : m_connections) connect(one);
   std::vector<std::string> names;
@@ -142,6 +143,13 @@ int JackSystem::process(jack_nframes_t frames) noexcept {
 
 void JackSystem::idle() {
   if (!isAlive()) return;
+  // A port that goes is cut off first.
+  for (const Connection& one : std::exchange(m_cut, {})) {
+    if (jack_port_by_name(m_client, one.other.c_str()) == nullptr)
+      m_awaited.push_back(one);
+    else
+      std::erase(m_connections, one);
+  }
   connectAwaited();
   if (!m_connectionsChanged.exchange(false, std::memory_order_relaxed)) return;
   std::vector<Connection> now;
@@ -149,7 +157,11 @@ void JackSystem::idle() {
     for (std::string& other : taken(jack_port_get_all_connections(m_client, m_ports[i])))
       now.push_back({i, std::move(other)});
   now.insert(now.end(), m_awaited.begin(), m_awaited.end());
-  if (isAlive()) m_connections = std::move(now);
+  if (!isAlive()) return;
+  for (const Connection& one : m_connections)
+    if (std::ranges::find(now, one) == now.end()) m_cut.push_back(one);
+  now.insert(now.end(), m_cut.begin(), m_cut.end());
+  m_connections = std::move(now);
 }
 
 void JackSystem::connectAwaited() {

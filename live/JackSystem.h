@@ -20,6 +20,7 @@ class JackSystem final : public AudioSystem {
   struct Connection {
     std::size_t port; ///< 0 in_L, 1 in_R, 2 out_L, 3 out_R, 4 midi_in
     std::string other;
+    friend bool operator==(const Connection&, const Connection&) = default;
   };
   /// What `start` connects.
   struct Wishes {
@@ -45,7 +46,8 @@ class JackSystem final : public AudioSystem {
   int lateBlocks() const override { return m_lateBlocks.load(std::memory_order_relaxed); }
   bool isAlive() const override { return m_alive.load(std::memory_order_acquire); }
   bool isFreewheeling() const override { return m_freewheeling.load(std::memory_order_relaxed); }
-  /// Keeps `connections` up to date.
+  /// Keeps `connections` up to date, and connects again to ports that had gone, as those of an
+  /// unplugged device.
   void idle() override;
 
   std::string name() const;
@@ -68,7 +70,8 @@ class JackSystem final : public AudioSystem {
   BlockProcessor* m_processor = nullptr;
   bool m_active = false;
   std::vector<Connection> m_connections;
-  std::vector<Connection> m_awaited; ///< their ports are not there yet
+  std::vector<Connection> m_awaited; ///< their ports are not there
+  std::vector<Connection> m_cut;     ///< since the last look, by whom is still to be seen
   std::atomic<bool> m_connectionsChanged{true};
   std::atomic<bool> m_alive{true};
   std::atomic<bool> m_freewheeling{false};

@@ -53,6 +53,20 @@ void Player::follow(const Notice& notice) {
   }
 }
 
+void Player::reopen() {
+  m_nextTry = std::chrono::steady_clock::now() + kRetryTime;
+  try {
+    m_system = m_events.open();
+    if (!m_system) return;
+    start();
+    m_trouble.clear();
+    m_events.say("the audio system is back");
+  } catch (const std::runtime_error& error) {
+    if (m_system) dropSystem();
+    if (m_trouble != error.what()) m_events.say(m_trouble = error.what());
+  }
+}
+
 void Player::dropSystem() {
   m_lateBefore += m_system->lateBlocks();
   m_events.ended(*m_system);
@@ -76,17 +90,18 @@ void Player::idle() {
   }
   if (!m_system) {
     if (std::chrono::steady_clock::now() < m_nextTry) return;
-    m_nextTry = std::chrono::steady_clock::now() + kRetryTime;
-    m_system = m_events.open();
+    reopen();
     if (!m_system) return;
-    start();
-    m_events.say("the audio system is back");
   }
   m_system->idle();
-  if (m_system->rate() != m_rate) {
+  if (m_system->rate() == m_rate) return;
+  try {
     m_system->stop();
     start();
     m_events.say("the rate is " + std::to_string(static_cast<int>(m_rate)) + " Hz now");
+  } catch (const std::runtime_error& error) {
+    dropSystem();
+    m_events.say(error.what());
   }
 }
 

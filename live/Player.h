@@ -49,7 +49,7 @@ class Player {
   Player(const Player&) = delete;
   Player& operator=(const Player&) = delete;
 
-  /// Some 20 to 60 times a second. Throws std::runtime_error.
+  /// Some 20 to 60 times a second. Whatever happens to the audio system is said and waited out.
   void idle();
 
   EffectPlayer& effect() { return m_player; }
@@ -61,6 +61,7 @@ class Player {
 
  private:
   void start();
+  void reopen();
   void dropSystem();
   void follow(const Notice& notice);
 
@@ -72,6 +73,7 @@ class Player {
   double m_rate = 0.0; ///< that the effect runs at
   int m_lateBefore = 0;
   std::chrono::steady_clock::time_point m_nextTry;
+  std::string m_trouble; ///< said last while waiting
 };
 
 } // namespace qlx::live

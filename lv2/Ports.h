@@ -59,7 +59,7 @@ inline constexpr std::array kControlPorts = {
     ControlPort{plugin::kType, "amplifier_type", "Amplifier type", kAmplifier},
     ControlPort{plugin::kDrive, "drive", "Drive", kAmplifier},
     ControlPort{plugin::kSize, "room_size", "Room size", kRoom},
-    ControlPort{plugin::kColor, "color", "Color", kAmplifier},
+    ControlPort{plugin::kColor, "room_color", "Room color", kRoom},
     ControlPort{plugin::kAmount, "room_amount", "Room amount", kRoom},
     ControlPort{plugin::kHSlowSpd, "horn_slow_speed", "Horn slow speed", kHorn},
     ControlPort{plugin::kHFastSpd, "horn_fast_speed", "Horn fast speed", kHorn},

@@ -45,7 +45,12 @@ Window::Window(LV2UI_Write_Function write, LV2UI_Controller controller,
 
   // The effect's editor is this class.
   auto& editor = static_cast<presets::CPresetSystemEditor&>(*m_plugin->effect().getEditor());
-  if (!editor.open(const_cast<void*>(parent))) {
+  bool isOpen = false;
+  try {
+    isOpen = editor.open(const_cast<void*>(parent));
+  } catch (const std::exception&) { // said below
+  }
+  if (!isOpen) {
     m_plugin->forgetWindow();
     throw std::runtime_error("no window can be had");
   }

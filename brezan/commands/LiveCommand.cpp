@@ -258,7 +258,13 @@ void play(const LiveOptions& options, ManagedSession& session) {
     wishes.strict = false;
   };
   events.say = say;
-  events.mapChanged = [&] { mapFile.write(running->map()); };
+  events.mapChanged = [&] {
+    try {
+      mapFile.write(running->map());
+    } catch (const std::runtime_error& fault) { // the music goes on
+      say(fault.what());
+    }
+  };
   events.learned = [&](int parameter, live::Controller controller) {
     say(names[parameter] + " follows controller " + std::to_string(controller.number) +
         " of channel " + std::to_string(controller.channel));

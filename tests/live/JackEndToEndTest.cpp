@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/plugin/MidiFile.h"
-#include "tests/support/CommandRun.h"
+#include "tests/live/JackServer.h"
 
 #include <gtest/gtest.h>
 #include <jack/jack.h>
@@ -11,14 +11,8 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <csignal>
-#include <fcntl.h>
 #include <numbers>
-#include <spawn.h>
 #include <thread>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace qlx::test {
 
@@ -29,40 +23,6 @@ namespace {
 constexpr int kRate = 48000;
 constexpr int kBlock = 512;
 constexpr int kFrames = 4 * kRate / kBlock * kBlock;
-
-/// A child process that is ended with this object, by `last`.
-class Process {
- public:
-  Process(std::vector<std::string> words, const std::filesystem::path& output, int last = SIGKILL)
-      : m_last(last) {
-    std::vector<char*> raw;
-    for (std::string& word : words) raw.push_back(word.data());
-    raw.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
-      posix_spawn_file_actions_addopen(&actions, stream, output.c_str(),
-                                       O_WRONLY | O_CREAT | O_APPEND, 0600);
-    if (posix_spawnp(&m_pid, raw[0], &actions, nullptr, raw.data(), environ) != 0) m_pid = -1;
-    posix_spawn_file_actions_destroy(&actions);
-  }
-  ~Process() { end(m_last); }
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-
-  int end(int signal) {
-    if (m_pid <= 0) return -1;
-    ::kill(m_pid, signal);
-    int status = 0;
-    waitpid(m_pid, &status, 0);
-    m_pid = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  pid_t m_pid = -1;
-  int m_last;
-};
 
 /// A JACK client that plays two tones and MIDI once it is told to, and records what comes back.
 class Organist {
@@ -215,34 +175,25 @@ void writeSound(const std::filesystem::path& file, const Organist& organist) {
 } // namespace
 
 TEST(JackEndToEndTest, WhatIsPlayedEqualsWhatIsRendered) {
-  if (run("command -v jackd").status != 0) GTEST_SKIP() << "jackd is not installed";
-  const TemporaryFolder folder;
-  const std::string server = "qlx" + std::to_string(::getpid());
-  ::setenv("JACK_DEFAULT_SERVER", server.c_str(), 1);
-  ::setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);
-  ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
-  // Synchronous and patient: each client gets each block, however busy the machine is. Ended so
-  // that it takes itself off JACK's list of servers, which has room for eight.
-  Process jackd({"jackd", "-r", "-S", "-t", "20000", "-n", server, "-d", "dummy", "-r",
-                 std::to_string(kRate), "-p", std::to_string(kBlock)},
-                folder / "jackd", SIGTERM);
+  if (!JackServer::isInstalled()) GTEST_SKIP() << "jackd is not installed";
+  JackServer server;
+  const TemporaryFolder& folder = server.folder;
+  server.start(kRate, kBlock);
   // The wheel to its ends, and the pedal between them, on milliseconds.
   const std::vector<TimedMidi> midi{
       {0.501, {0xB0, 1, 127}}, {1.7, {0xB0, 64, 127}}, {2.013, {0xB0, 64, 0}}, {3.0, {0xB0, 1, 0}}};
   Organist organist(midi);
-  if (contents(folder / "jackd").find("Too many servers") != std::string::npos)
+  if (server.listIsFull())
     GTEST_SKIP() << "JACK's list of servers is full of others' that were killed";
-  ASSERT_TRUE(organist.isThere()) << contents(folder / "jackd");
+  ASSERT_TRUE(organist.isThere()) << server.words();
 
   const std::string state = (folder / "state").string();
   Process player({BREZAN, "live", "--plugin", PLUGIN, "--no-window", "--preset", "2", "--state",
                   state, "--connect", "Organist", "Listener"},
                  folder / "player");
-  for (int i = 0; i < 300 && !organist.isHeard(); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  ASSERT_TRUE(organist.isHeard()) << contents(folder / "player");
+  ASSERT_TRUE(comes([&] { return organist.isHeard(); })) << contents(folder / "player");
   std::this_thread::sleep_for(std::chrono::seconds(1));
-  ASSERT_TRUE(organist.playToTheEnd()) << contents(folder / "jackd");
+  ASSERT_TRUE(organist.playToTheEnd()) << server.words();
   EXPECT_EQ(player.end(SIGTERM), 0);
   const std::string words = contents(folder / "player");
 

@@ -18,6 +18,7 @@ namespace {
 struct Machine {
   double rate = 48000.0;
   bool running = true;
+  int refusals = 0; ///< of the next starts
   int open = 0;
   live::BlockProcessor* processor = nullptr;
 };
@@ -28,7 +29,10 @@ class MachineSystem final : public live::AudioSystem {
   ~MachineSystem() override { --m_machine.open; }
   double rate() const override { return m_machine.rate; }
   int blockFrames() const override { return 64; }
-  void start(live::BlockProcessor& processor) override { m_machine.processor = &processor; }
+  void start(live::BlockProcessor& processor) override {
+    if (m_machine.refusals > 0 && m_machine.refusals-- > 0) throw std::runtime_error("refused");
+    m_machine.processor = &processor;
+  }
   void stop() noexcept override { m_machine.processor = nullptr; }
   int lateBlocks() const override { return 2; }
   bool isAlive() const override { return m_machine.running; }
@@ -66,6 +70,8 @@ TEST(PlayerTest, FollowsRateProgramsAndControllersAndFindsTheSystemAgain) {
     return machine.running ? std::make_unique<MachineSystem>(machine) : nullptr;
   };
   events.mapChanged = [&saved] { ++saved; };
+  std::string said;
+  events.say = [&said](const std::string& words) { said += words + '\n'; };
   {
     live::Player player(host, {}, events);
     machine.rate = 44100.0;
@@ -87,14 +93,26 @@ TEST(PlayerTest, FollowsRateProgramsAndControllersAndFindsTheSystemAgain) {
     EXPECT_EQ(player.system(), nullptr);
     machine.running = true;
     machine.rate = 96000.0;
-    while (player.system() == nullptr) {
-      player.idle();
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    EXPECT_NE(machine.processor, nullptr);
-    EXPECT_EQ(player.lateBlocks(), 4);
+    machine.refusals = 1;
+    const auto awaitSystem = [&] {
+      do {
+        player.idle();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      } while (player.system() == nullptr);
+      EXPECT_NE(machine.processor, nullptr);
+    };
+    awaitSystem();
+    EXPECT_EQ(player.lateBlocks(), 6);
+    machine.rate = 88200.0;
+    machine.refusals = 1;
+    player.idle();
+    EXPECT_EQ(player.system(), nullptr);
+    awaitSystem();
+    EXPECT_EQ(machine.refusals, 0);
   }
-  EXPECT_EQ(host.words, "on 48000 on 44100 preset 31 on 96000 off ");
+  EXPECT_EQ(host.words, "on 48000 on 44100 preset 31 on 96000 on 96000 on 88200 on 88200 off ");
+  EXPECT_EQ(said, "the rate is 44100 Hz now\nthe audio system has ended; waiting for it to come "
+                  "back\nrefused\nthe audio system is back\nrefused\nthe audio system is back\n");
   EXPECT_EQ(machine.processor, nullptr);
   machine.running = false;
   EXPECT_THROW(live::Player(host, {}, events), std::runtime_error);
