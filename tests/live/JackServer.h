@@ -15,8 +15,6 @@
 #include <unistd.h>
 #include <vector>
 
-extern char** environ;
-
 namespace qlx::test {
 
 /// A child process that is ended with this object, by `last`.
@@ -25,6 +23,7 @@ class Process {
   Process(std::vector<std::string> words, const std::filesystem::path& output, int last = SIGKILL)
       : m_last(last) {
     std::vector<char*> raw;
+    raw.reserve(words.size() + 1);
     for (std::string& word : words) raw.push_back(word.data());
     raw.push_back(nullptr);
     posix_spawn_file_actions_t actions;
