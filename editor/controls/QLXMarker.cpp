@@ -52,14 +52,36 @@ void QLXMarker::draw(gui::CDrawContext& context) {
   if (m_offscreen == nullptr || m_offscreen->scale() != scale) {
     m_offscreen =
         std::make_unique<gui::COffscreenContext>(m_strip->width(), m_strip->height(), scale);
+    composeStrip();
+    m_stripIsOpaque = m_offscreen->isOpaque();
   }
-  const gui::CRect whole{0.0, 0.0, static_cast<double>(m_strip->width()),
-                         static_cast<double>(m_strip->height())};
-  m_offscreen->clear();
-  m_offscreen->context().drawBitmap(*m_strip, whole);
-  if (m_handle != nullptr) m_offscreen->context().drawBitmap(*m_handle, handlePlace(drawnValue()));
-  m_offscreen->copyTo(context, m_copyRect);
+  if (m_stripIsOpaque && scale == context.getScale()) {
+    drawDirectly(context);
+  } else {
+    composeStrip();
+    if (m_handle != nullptr)
+      m_offscreen->context().drawBitmap(*m_handle, handlePlace(drawnValue()));
+    m_offscreen->copyTo(context, m_copyRect);
+  }
   setDirty(false);
+}
+
+void QLXMarker::composeStrip() {
+  m_offscreen->clear();
+  m_offscreen->context().drawBitmap(*m_strip, {0.0, 0.0, static_cast<double>(m_strip->width()),
+                                               static_cast<double>(m_strip->height())});
+}
+
+// The same pixels as by way of the other surface, without writing and reading that.
+void QLXMarker::drawDirectly(gui::CDrawContext& context) const {
+  context.drawBitmap(*m_strip, m_copyRect);
+  if (m_handle == nullptr) return;
+  const gui::CRect inStrip = handlePlace(drawnValue());
+  const gui::CPoint corner = m_copyRect.topLeft();
+  const gui::CRect place{inStrip.left + corner.x, inStrip.top + corner.y, inStrip.right + corner.x,
+                         inStrip.bottom + corner.y};
+  const gui::CRect shown = place.intersect(m_copyRect);
+  context.drawBitmap(*m_handle, shown, shown.topLeft() - place.topLeft());
 }
 
 } // namespace qlx::editor

@@ -37,6 +37,8 @@ class QLXMarker final : public gui::CControl {
   QLXMarker(const QLXMarker& other);
   bool looksAlike(float a, float b) const override { return handlePlace(a) == handlePlace(b); }
   gui::CRect handlePlace(float value) const;
+  void composeStrip();
+  void drawDirectly(gui::CDrawContext& context) const;
 
   gui::CBitmapRef m_handle;
   gui::CBitmapRef m_strip;
@@ -46,6 +48,7 @@ class QLXMarker final : public gui::CControl {
   gui::CCoord m_maxRight = 0.0;
   gui::CRect m_copyRect;
   std::unique_ptr<gui::COffscreenContext> m_offscreen;
+  bool m_stripIsOpaque = false; ///< at the surface's scale
 };
 
 } // namespace qlx::editor

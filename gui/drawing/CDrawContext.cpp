@@ -6,6 +6,7 @@
 #include "gui/drawing/Utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -42,23 +43,71 @@ struct PlacedRows {
   std::uint32_t opacity; ///< of 255
 };
 
+constexpr int kBlock = 64; ///< pixels that are worked on at a time
+using Block = std::array<std::uint32_t, kBlock>;
+
+/// `count` pixels, kBlock at most, over those at `to`. By bytes, of which many fit into a register.
+void layBlock(const std::uint32_t* __restrict from, int count, std::uint32_t* __restrict to) {
+  Block transparency;
+  for (int i = 0; i < count; ++i) {
+    const std::uint32_t single = ~from[i] >> 24;
+    const std::uint32_t two = single | single << 8;
+    transparency[static_cast<std::size_t>(i)] = two | two << 16;
+  }
+  const auto* above = reinterpret_cast<const std::uint8_t*>(from);
+  const auto* factor = reinterpret_cast<const std::uint8_t*>(transparency.data());
+  auto* below = reinterpret_cast<std::uint8_t*>(to);
+  for (int i = 0; i < 4 * count; ++i) {
+    const auto product = static_cast<std::uint16_t>(below[i] * factor[i] + 0x80);
+    const auto scaled = static_cast<std::uint16_t>(product + (product >> 8)) >> 8;
+    below[i] = static_cast<std::uint8_t>(above[i] + scaled);
+  }
+}
+
+/// `count` pixels over those at `to`, which are others.
+void layPixels(const std::uint32_t* __restrict from, int count, std::uint32_t opacity,
+               std::uint32_t* __restrict to) {
+  std::uint32_t all = ~0U;
+  for (int i = 0; i < count; ++i) all &= from[i];
+  if ((all >> 24) == kFull && opacity == kFull) {
+    std::copy_n(from, count, to);
+    return;
+  }
+  Block faded;
+  for (int done = 0; done < count; done += kBlock) {
+    const int now = std::min(kBlock, count - done);
+    for (int i = 0; i < now && opacity != kFull; ++i)
+      faded[static_cast<std::size_t>(i)] = scaled(from[done + i], opacity);
+    layBlock(opacity == kFull ? from + done : faded.data(), now, to + done);
+  }
+}
+
 template <typename RowOf>
 void layRows(const RowOf& rowOf, const PlacedRows& rows, PixelBuffer& target,
              const PixelRect& clip) {
   const PixelRect area = platform::intersection(rows.part, clip);
   if (area.empty()) return;
   for (int y = area.top; y < area.bottom; ++y) {
-    const std::uint32_t* from = rowOf(y + rows.shiftY) + rows.shiftX;
-    std::uint32_t* to = target.row(y);
-    for (int x = area.left; x < area.right; ++x) {
-      const std::uint32_t pixel = rows.opacity == kFull ? from[x] : scaled(from[x], rows.opacity);
-      to[x] = (pixel >> 24) == kFull ? pixel : over(pixel, to[x]);
-    }
+    layPixels(rowOf(y + rows.shiftY) + rows.shiftX + area.left, area.right - area.left,
+              rows.opacity, target.row(y) + area.left);
   }
 }
 
-/// The same, each pixel of the target the mean of two by two pixels of the rows; those outside the
-/// part count as transparent.
+/// Means of two by two pixels, pixel 0 that of the first two of both rows.
+void halvePixels(const std::uint32_t* __restrict upper, const std::uint32_t* __restrict lower,
+                 int count, std::uint32_t* __restrict to) {
+  for (int i = 0; i < count; ++i) {
+    QuarteredPixels sums;
+    sums.add(upper[2 * i]);
+    sums.add(upper[2 * i + 1]);
+    sums.add(lower[2 * i]);
+    sums.add(lower[2 * i + 1]);
+    to[i] = sums.mean();
+  }
+}
+
+/// The same as layRows, each pixel of the target the mean of two by two pixels of the rows; those
+/// outside the part count as transparent.
 template <typename RowOf>
 void layHalvedRows(const RowOf& rowOf, const PlacedRows& rows, PixelBuffer& target,
                    const PixelRect& clip) {
@@ -67,25 +116,23 @@ void layHalvedRows(const RowOf& rowOf, const PlacedRows& rows, PixelBuffer& targ
   const PixelRect touched{part.left >> 1, part.top >> 1, (part.right + 1) >> 1,
                           (part.bottom + 1) >> 1};
   const PixelRect area = platform::intersection(touched, clip);
+  constexpr int kMost = 64; // at a time
   for (int y = area.top; y < area.bottom; ++y) {
-    QuarteredPixels sums;
-    const std::uint32_t* from[2]{};
-    for (int i = 0; i < 2; ++i) {
-      const int row = 2 * y + i;
-      if (row >= part.top && row < part.bottom) from[i] = rowOf(row + rows.shiftY) + rows.shiftX;
-    }
-    std::uint32_t* to = target.row(y);
-    for (int x = area.left; x < area.right; ++x) {
-      sums.clear();
-      const int left = std::max(2 * x, part.left);
-      const int right = std::min(2 * x + 2, part.right);
-      for (const std::uint32_t* row : from) {
-        if (row == nullptr) continue;
-        for (int i = left; i < right; ++i) sums.add(row[i]);
+    for (int left = area.left; left < area.right; left += kMost) {
+      const int count = std::min(kMost, area.right - left);
+      std::array<std::array<std::uint32_t, 2 * kMost>, 2> pair{};
+      const int first = std::max(2 * left, part.left);
+      const int last = std::min(2 * (left + count), part.right);
+      for (int i = 0; i < 2; ++i) {
+        const int row = 2 * y + i;
+        if (row < part.top || row >= part.bottom) continue;
+        std::copy(rowOf(row + rows.shiftY) + rows.shiftX + first,
+                  rowOf(row + rows.shiftY) + rows.shiftX + last,
+                  pair[static_cast<std::size_t>(i)].begin() + (first - 2 * left));
       }
-      const std::uint32_t mean = sums.mean();
-      const std::uint32_t pixel = rows.opacity == kFull ? mean : scaled(mean, rows.opacity);
-      to[x] = (pixel >> 24) == kFull ? pixel : over(pixel, to[x]);
+      std::array<std::uint32_t, kMost> means;
+      halvePixels(pair[0].data(), pair[1].data(), count, means.data());
+      layPixels(means.data(), count, rows.opacity, target.row(y) + left);
     }
   }
 }

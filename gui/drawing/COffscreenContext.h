@@ -19,6 +19,9 @@ class COffscreenContext {
   CDrawContext& context() { return m_context; }
   /// Transparent again.
   void clear() { std::ranges::fill(m_pixels.pixels, 0U); }
+  bool isOpaque() const {
+    return std::ranges::all_of(m_pixels.pixels, [](std::uint32_t p) { return p >> 24 == 0xFF; });
+  }
   int scale() const { return m_context.getArtworkScale(); }
 
   /// Draws the surface over `target`, its pixel (sourceOffset) at the corner of `where`, as much as
