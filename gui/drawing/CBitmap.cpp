@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "gui/drawing/CBitmap.h"
 
+#include "gui/drawing/PackedImage.h"
 #include "gui/drawing/PngImage.h"
 
 #include <algorithm>
@@ -57,6 +58,21 @@ std::optional<PixelBuffer> decodeDib(Bytes bytes) {
 bool isPng(Bytes bytes) {
   return bytes.size() >= kPngSignature.size() &&
          std::equal(kPngSignature.begin(), kPngSignature.end(), bytes.begin());
+}
+
+bool isParted(Bytes bytes) { return isPackedImage(bytes) || isPng(bytes); }
+
+std::vector<Bytes> partsOf(Bytes bytes) {
+  return isPackedImage(bytes) ? partedPackedImages(bytes) : partedPngFiles(bytes);
+}
+
+std::optional<ImageSize> sizeOf(Bytes part) {
+  return isPackedImage(part) ? packedImageSize(part) : pngSize(part);
+}
+
+std::optional<PixelBuffer> decodedPart(std::span<const Bytes> parts, std::size_t index) {
+  const Bytes part = parts[index];
+  return isPackedImage(part) ? decodePackedImage(parts, index) : decodePng(part);
 }
 
 // One and a half times as large by Catmull-Rom's cubic through the pixels' middles: every two make
@@ -129,19 +145,19 @@ CBitmap::CBitmap(Files files, int width, int height)
     : m_files(std::move(files)), m_width(width), m_height(height) {}
 
 CBitmapRef CBitmap::decode(Bytes bytes) {
-  auto pixels = isPng(bytes) ? decodePng(bytes) : decodeDib(bytes);
+  auto pixels = isParted(bytes) ? decodedPart(std::span(&bytes, 1), 0) : decodeDib(bytes);
   return pixels ? std::make_shared<const CBitmap>(std::move(*pixels)) : nullptr;
 }
 
 CBitmapRef CBitmap::load(Files files) {
   const Bytes plain = files(1);
-  if (!isPng(plain)) {
+  if (!isParted(plain)) {
     const auto pixels = decodeDib(plain);
     if (!pixels) return nullptr;
     return CBitmapRef(new CBitmap(std::move(files), pixels->width, pixels->height));
   }
-  const auto parts = partedPngFiles(plain);
-  const auto size = pngSize(parts.front());
+  const auto parts = partsOf(plain);
+  const auto size = sizeOf(parts.front());
   if (!size || parts.size() > static_cast<std::size_t>(kLargestSide / size->height)) return nullptr;
   return CBitmapRef(
       new CBitmap(std::move(files), size->width, size->height * static_cast<int>(parts.size())));
@@ -154,17 +170,17 @@ CBitmap::Pieces CBitmap::piecesOf(int scale, int from) const {
   const int height = m_height * from;
   if (bytes.empty()) return {};
   Pieces pieces{height, from, {}, {}};
-  if (!isPng(bytes)) {
+  if (!isParted(bytes)) {
     auto pixels = decodeDib(bytes);
     if (scale != from || !pixels || pixels->width != width || pixels->height != height) return {};
     pieces.pixels.push_back(std::move(*pixels));
     return pieces;
   }
-  pieces.files = partedPngFiles(bytes);
+  pieces.files = partsOf(bytes);
   const int count = static_cast<int>(pieces.files.size());
   const int drawn = height / count;
   const auto fits = [&](Bytes file) {
-    const auto size = pngSize(file);
+    const auto size = sizeOf(file);
     return size && size->width == width && size->height == drawn;
   };
   pieces.height = drawn * scale / from;
@@ -209,7 +225,7 @@ const std::uint32_t* CBitmap::decodedRow(int scale, int y) const {
   const auto index = static_cast<std::size_t>(y / pieces.height);
   PixelBuffer& piece = pieces.pixels[index];
   if (piece.pixels.empty()) {
-    auto pixels = decodePng(pieces.files[index]);
+    auto pixels = decodedPart(pieces.files, index);
     if (pixels && pieces.from != scale) pixels = halfAsLargeAgain(*pixels);
     piece = pixels ? std::move(*pixels) : PixelBuffer(m_width * scale, pieces.height);
   }

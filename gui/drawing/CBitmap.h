@@ -23,15 +23,15 @@ class CBitmap {
 
   explicit CBitmap(PixelBuffer pixels);
 
-  /// Decodes a PNG file held in memory, or a device-independent bitmap of 24 or 32 uncompressed
-  /// bits with or without its file header. Null when the bytes are neither.
+  /// Decodes a PNG file or a packed image held in memory, or a device-independent bitmap of 24 or
+  /// 32 uncompressed bits with or without its file header. Null when the bytes are none of them.
   static std::shared_ptr<const CBitmap> decode(std::span<const std::uint8_t> bytes);
 
   /// A picture that is decoded when it is drawn, at the scale and as far as it is drawn then. Its
-  /// files are those that decode() takes, or several PNG files of one size behind each other, which
-  /// stand below each other in the picture: of a strip, only what is shown is decoded. Three times
-  /// the size without a file is made of the double one, piece by piece; every other size of the
-  /// plain one by repeating pixels. Null without a plain file.
+  /// files are those that decode() takes, or several of its PNG files or packed images of one size,
+  /// which stand below each other in the picture: of a strip, only what is shown is decoded. Three
+  /// times the size without a file is made of the double one, piece by piece; every other size of
+  /// the plain one by repeating pixels. Null without a plain file.
   static std::shared_ptr<const CBitmap> load(Files files);
 
   int width() const { return m_width; }

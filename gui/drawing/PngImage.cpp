@@ -80,9 +80,9 @@ bool canBeDecoded(Bytes file) {
 
 } // namespace
 
-std::optional<PngSize> pngSize(Bytes file) {
+std::optional<ImageSize> pngSize(Bytes file) {
   if (!canBeDecoded(file)) return std::nullopt;
-  return PngSize{static_cast<int>(bigEndian(file.subspan(kWidthPlace, 4))),
+  return ImageSize{static_cast<int>(bigEndian(file.subspan(kWidthPlace, 4))),
                  static_cast<int>(bigEndian(file.subspan(kHeightPlace, 4)))};
 }
 

@@ -16,14 +16,14 @@ namespace qlx::gui {
 /// checksums are not looked at. Any thread.
 std::optional<PixelBuffer> decodePng(std::span<const std::uint8_t> file);
 
-struct PngSize {
+struct ImageSize {
   int width;
   int height;
 };
 
 /// The size that such a file announces. Nothing for files that decodePng refuses without looking at
 /// the image data.
-std::optional<PngSize> pngSize(std::span<const std::uint8_t> file);
+std::optional<ImageSize> pngSize(std::span<const std::uint8_t> file);
 
 /// Parts PNG files that follow each other in `bytes`. What follows no complete file is one of its
 /// own.

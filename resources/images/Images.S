@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 /* The editor's images as read-only data, where libraries have no resources: a directory of (number, distance of the file from the
-   directory, length), then the files: two device-independent bitmaps, PNG all others, and all twice as large by number + 100000. The assembler finds them in the include path. */
+   directory, length), then the files: two device-independent bitmaps, packed images all others, and all twice as large by number + 100000. The assembler finds them in the include path. */
 
         .section .rodata, "a", @progbits
         .hidden qlxImageDirectory, qlxImageDirectoryEnd
@@ -29,7 +29,7 @@
         .if     \number == 19899 || \number == 19990
         .incbin "resources/images/\number\().bmp"
         .else
-        .incbin "resources/images/\number\().png"
+        .incbin "\number\().img"
         .endif
 .Lend\number:
         .endm
@@ -42,7 +42,7 @@
 
         .macro  large_file number
 .Llarge\number:
-        .incbin "resources/images/2x/\number\().png"
+        .incbin "2x/\number\().img"
 .LlargeEnd\number:
         .endm
 

@@ -28,7 +28,7 @@ ALLOWED = {
 # Pairs of modules of which the first may include these headers of the second only.
 ONLY = {
     ("resources", "engine"): {"engine/rotor/Recordings.h"},
-    ("resources", "gui"): {"gui/drawing/GlyphPack.h"},
+    ("resources", "gui"): {"gui/drawing/GlyphPack.h", "gui/drawing/PackedImage.h", "gui/drawing/PngImage.h"},
     ("brezan", "engine"): {"engine/rotor/Recordings.h"},
     ("resources", "platform"): {"platform/ModuleResources.h", "platform/PixelRect.h"},
     ("presets/panel", "resources"): {"resources/images/Images.h", "resources/images/WindowLayout.h"},

@@ -20,6 +20,9 @@ ByteVector copyOf(std::span<const std::byte> file) {
 }
 
 void runImage(Input bytes) {
+  const gui::CBitmapRef strip =
+      gui::CBitmap::load([bytes](int scale) { return scale == 1 ? bytes : Input{}; });
+  if (strip != nullptr && strip->width() * strip->height() < 1 << 16) strip->pixels();
   const gui::CBitmapRef bitmap = gui::CBitmap::decode(bytes);
   if (bitmap == nullptr) return;
   const auto& pixels = bitmap->pixels().pixels;
@@ -47,8 +50,8 @@ void runGlyphPack(Input bytes) {
 }
 
 Seeds imageSeeds() {
-  return {smallPng(), copyOf(resources::findImage(989)), copyOf(resources::findImage(19994)),
-          copyOf(resources::findImage(19990))};
+  return {smallPng(), smallPackedStrip(), copyOf(resources::findImage(989)),
+          copyOf(resources::findImage(19994)), copyOf(resources::findImage(19990))};
 }
 
 Seeds glyphPackSeeds() { return {smallGlyphPack(), deflatedGlyphPack(smallGlyphPack())}; }

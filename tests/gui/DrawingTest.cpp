@@ -122,6 +122,41 @@ TEST(Bitmap, IsDecodedAsFarAsItIsDrawn) {
   }
 }
 
+TEST(PackedImage, AddsFilterAndBaseAndRefusesOtherForms) {
+  const auto columns = [](const ByteVector& bytes) {
+    const CBitmapRef bitmap = CBitmap::load([&bytes](int scale) {
+      return scale == 1 ? std::span<const std::uint8_t>(bytes) : std::span<const std::uint8_t>{};
+    });
+    return bitmap == nullptr ? std::vector<std::uint32_t>{} : bitmap->pixels().pixels;
+  };
+  // Green, then red and blue less green. Paeth's choices for the last pixel are the one above the
+  // left, and twice the one above.
+  const std::vector<std::uint32_t> both{0xFF32283CU, 0xFF352940U, 0xFF31273CU, 0xFF332D4BU,
+                                        0xFF33293DU, 0xFF352940U, 0xFF34283DU, 0xFF332D4AU};
+  const ByteVector strip = qlx::test::smallPackedStrip();
+  EXPECT_EQ(columns(strip), both);
+  const std::size_t second = strip.size() / 2;
+  const std::vector<std::uint32_t> first(both.begin(), both.begin() + 4);
+  struct Case {
+    const char* what;
+    std::size_t place;
+    std::uint8_t value;
+    bool all; ///< nothing at all, or the second is transparent
+  };
+  for (const Case& c :
+       {Case{"a base before the first", second + 10, 2, false},
+        Case{"a base with a base", 10, 1, false}, Case{"a broken stream", second + 16, 0, false},
+        Case{"an unknown filter", 9, 4, true}, Case{"five channels", 8, 5, true},
+        Case{"no width", 4, 0, true}, Case{"an image too long", 12, 255, true}}) {
+    ByteVector broken = strip;
+    broken[c.place] = c.value;
+    const auto found = columns(broken);
+    ASSERT_EQ(found.size(), c.all ? 0U : both.size()) << c.what;
+    EXPECT_TRUE(c.all || std::all_of(found.begin() + 4, found.end(), [](auto p) { return p == 0; }))
+        << c.what;
+  }
+}
+
 // What is drawn at one and a half are means of what is drawn at three.
 TEST(DrawContext, HalvesPixelsWhereverAPictureLies) {
   std::mt19937 random(15);

@@ -16,6 +16,7 @@
 #include <iterator>
 #include <numbers>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace qlx::test {
@@ -31,11 +32,14 @@ std::span<const std::uint8_t> fileOf(int number, int factor = 1) {
   return {reinterpret_cast<const std::uint8_t*>(file.data()), file.size()};
 }
 
-/// By libpng, the parts of a strip below each other; bitmaps, which have no alpha, by the editor's
-/// decoder.
-Picture embedded(int number, int factor = 1) {
+/// As it was drawn: by libpng, the parts of a strip below each other; bitmaps, which have no alpha,
+/// by the editor's decoder.
+Picture keptImage(int number, int factor = 1) {
   if (!isBitmap(resources::findImage(number, factor))) {
-    const auto parts = gui::partedPngFiles(fileOf(number, factor));
+    const std::string folder = factor == 1 ? QLX_IMAGES "/" : QLX_IMAGES "/2x/";
+    std::ifstream file(folder + std::to_string(number) + ".png", std::ios::binary);
+    const std::vector<std::uint8_t> png(std::istreambuf_iterator<char>(file), {});
+    const auto parts = gui::partedPngFiles(png);
     std::vector<Picture> pictures;
     for (const auto part : parts) pictures.push_back(Picture::decode(std::as_bytes(part)));
     const int height = pictures.front().height();
@@ -92,7 +96,7 @@ class Images : public testing::TestWithParam<Size> {};
 
 TEST_P(Images, HaveTheControlsSizes) {
   for (const int factor : kFactors) {
-    const Picture picture = embedded(GetParam().number, factor);
+    const Picture picture = keptImage(GetParam().number, factor);
     EXPECT_EQ(picture.width(), GetParam().width * factor);
     EXPECT_EQ(picture.height(), GetParam().height * factor);
   }
@@ -100,13 +104,13 @@ TEST_P(Images, HaveTheControlsSizes) {
             GetParam().number == 19899 || GetParam().number == 19990);
 }
 
-// Picture decodes with libpng, the editor without it.
+// Picture decodes the kept files with libpng, the editor what the library holds without it.
 TEST_P(Images, AreReadByTheEditorAsByLibpng) {
   const int number = GetParam().number;
   const auto bitmap = gui::CBitmap::load([number](int scale) { return fileOf(number, scale); });
   ASSERT_NE(bitmap, nullptr);
   for (const int factor : kFactors) {
-    const Picture picture = embedded(number, factor);
+    const Picture picture = keptImage(number, factor);
     const gui::PixelBuffer pixels = bitmap->pixels(factor);
     ASSERT_EQ(pixels.width, picture.width());
     ASSERT_EQ(pixels.height, picture.height());
@@ -143,9 +147,9 @@ void expectSame(const Picture& kept, const Picture& fresh) {
 TEST_P(Images, AreWhatTheGeneratorDraws) {
   const Lettering lettering(QLX_FONTS);
   const Artwork& art = artwork::artwork(GetParam().number);
-  expectSame(embedded(art.number), drawn(art, lettering, 1));
+  expectSame(keptImage(art.number), drawn(art, lettering, 1));
   // Of the large strips a few frames: drawing all of them takes long.
-  const Picture large = embedded(art.number, 2);
+  const Picture large = keptImage(art.number, 2);
   for (int i = 0; i < art.frames; i += 1 + art.frames / 5) {
     Picture frame(large.width(), 2 * art.frameHeight);
     for (int y = 0; y < frame.height(); ++y)
@@ -185,7 +189,7 @@ TEST(ImageDirectory, HoldsTheWholeSetAndNothingElse) {
 TEST(Knob, PointerTurnsEvenlyFromLeftToRight) {
   constexpr int kFrames = 101;
   constexpr int kSide = 44;
-  const Picture strip = embedded(2002);
+  const Picture strip = keptImage(2002);
   // What all frames have in common is the light; what sticks out of it is the pointer.
   auto pixel = [&](int frame, int x, int y) { return brightness(strip.at(x, frame * kSide + y)); };
   std::vector<double> common(kSide * kSide);
@@ -221,7 +225,7 @@ TEST(Knob, PointerStandsOutInEveryFrame) {
   constexpr int kFrames = 101;
   constexpr double kAtLeast = 4.5;
   for (const int factor : kFactors) {
-    const Picture strip = embedded(2002, factor);
+    const Picture strip = keptImage(2002, factor);
     for (int f = 0; f < kFrames; ++f) {
       const double turn = (-135.0 + 2.7 * f) * std::numbers::pi / 180.0;
       const auto mean = [&](double from, double to) {
@@ -246,7 +250,7 @@ TEST(Knob, PointerStandsOutInEveryFrame) {
 TEST(Lever, BallLiesUnderThePointerThatDragsIt) {
   constexpr int kFrames = 65;
   constexpr int kHeight = 186;
-  const Picture strip = embedded(2005);
+  const Picture strip = keptImage(2005);
   ASSERT_EQ(strip.height(), kFrames * kHeight);
   for (int f = 0; f < kFrames; ++f) {
     // The ball is the only opaque thing wider than the ferrule and the slot.
@@ -266,7 +270,7 @@ TEST(Lever, BallLiesUnderThePointerThatDragsIt) {
 }
 
 TEST(Window, TextsAreReadableWhereTheEditorWritesThem) {
-  const Picture window = embedded(4000);
+  const Picture window = keptImage(4000);
   for (const auto& place : layout::kKnobs) {
     for (int y = place.display.top; y < place.display.bottom; ++y) {
       for (int x = place.display.left; x < place.display.right; ++x) {
@@ -277,7 +281,7 @@ TEST(Window, TextsAreReadableWhereTheEditorWritesThem) {
   EXPECT_GE(meanBrightness(window, layout::kName), 165.0);
   // The well is as wide as the version's text.
   const PixelRect& version = layout::kAboutVersion;
-  EXPECT_LE(meanBrightness(embedded(3999),
+  EXPECT_LE(meanBrightness(keptImage(3999),
                            {version.left, version.top, version.left + 44, version.bottom}),
             30.0);
 }

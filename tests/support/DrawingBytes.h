@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gui/drawing/GlyphPack.h"
+#include "gui/drawing/PackedImage.h"
 
 #include <cstdint>
 #include <cstring>
@@ -55,6 +56,34 @@ inline ByteVector smallPng() {
                         2, 9,  8,  7,  0,   200, 100, 50,  129, //
                         3, 10, 20, 30, 128, 7,   7,   7,   33,  //
                         4, 3,  2,  1,  0,   250, 251, 252, 20});
+}
+
+/// A packed image of two pixels a row and as many rows as `bytes`, three channels of each pixel as
+/// the filter and the base leave them, are enough for.
+inline ByteVector packedImage(gui::ImageFilter filter, std::uint8_t base, const ByteVector& bytes) {
+  const auto stream = storedStream(bytes);
+  const gui::PackedImageHead head{gui::kPackedImageTag,
+                                  2,
+                                  static_cast<std::uint16_t>(bytes.size() / 6),
+                                  3,
+                                  filter,
+                                  base,
+                                  0,
+                                  static_cast<std::uint32_t>(stream.size())};
+  ByteVector file(sizeof head);
+  std::memcpy(file.data(), &head, sizeof head);
+  file.insert(file.end(), stream.begin(), stream.end());
+  return file;
+}
+
+/// Two of one size: one alone, and one as its difference to that.
+inline ByteVector smallPackedStrip() {
+  ByteVector strip =
+      packedImage(gui::ImageFilter::paeth, 0, {40, 10, 20, 1, 2, 3, 255, 0, 1, 5, 250, 7});
+  const ByteVector second =
+      packedImage(gui::ImageFilter::above, 1, {1, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 255});
+  strip.insert(strip.end(), second.begin(), second.end());
+  return strip;
 }
 
 /// A pack of the box, 'a' and 'b' in every size, with pictures of one pixel. 'a' ends 20 units
