@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: ISC
-# pictures.sh BREZAN: takes the manual's pictures anew. The menu is a window of its own and needs a display; where there is
-# none: xvfb-run -a docs/manual/pictures.sh BREZAN.
+# pictures.sh BREZAN: takes the manual's pictures anew. The menu is a window of its own and needs a display of 1482 x 1820 at
+# least; where there is none: xvfb-run -a -s "-screen 0 2560x2048x24" docs/manual/pictures.sh BREZAN.
 set -euo pipefail
 brezan=$(realpath "$1")
 home=$(mktemp -d)
@@ -16,5 +16,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/pictures"
 /usr/bin/python3 - "$home/menu.png" menu.png <<'P'
 import sys
 from PIL import Image
-Image.open(sys.argv[1]).crop((2 * 203, 2 * 495, 2 * 713, 2 * 645)).save(sys.argv[2])
+screen = Image.open(sys.argv[1])
+if screen.size != (1482, 1820):
+    sys.exit("pictures.sh: the display is too small for the window and its menu")
+screen.crop((2 * 203, 2 * 495, 2 * 713, 2 * 645)).save(sys.argv[2])
 P
