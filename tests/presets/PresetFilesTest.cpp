@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "tests/support/PresetRig.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/ThisSystem.h"
 
 namespace qlx::test {
 namespace {
@@ -109,11 +110,13 @@ TEST_F(PresetFiles, ChosenPathsAreTakenApart) {
   std::filesystem::create_directory(folder / "sub");
   std::filesystem::create_directory(folder / "v1.5");
   const std::string root = (folder.path() / "").string();
+  const std::string sub = (folder / "sub" / "").string();
+  const std::string dotted = (folder / "v1.5" / "").string();
   // The current directory follows each choice; in the end it is root/sub.
   for (const Case& test :
-       {Case{root + "sub/a.qlx", root + "sub/", "a.qlx"}, Case{"b", root + "sub/", "b.qlx"},
-        Case{root + "v1.5/c", root + "v1.5/", "c.qlx"}, Case{root + ".hidden", root, ".hidden.qlx"},
-        Case{"sub/old.bak", root + "sub/", "old.bak.qlx"}}) {
+       {Case{root + "sub/a.qlx", sub, "a.qlx"}, Case{"b", sub, "b.qlx"},
+        Case{root + "v1.5/c", dotted, "c.qlx"}, Case{root + ".hidden", root, ".hidden.qlx"},
+        Case{"sub/old.bak", sub, "old.bak.qlx"}}) {
     run(kSavePreset, {test.path});
     EXPECT_EQ(rig.editor->fileLocations().presetDirectory, test.directory) << test.path;
     EXPECT_EQ(rig.editor->fileLocations().presetFileName, test.name) << test.path;
@@ -170,10 +173,10 @@ TEST_F(PresetFiles, UnreadableFilesChangeNothingButWhereTheyWere) {
   run(kLoadPreset, {(folder / "missing").string()});
   run(kLoadBank, {(folder / "missing").string()});
   run(kLoadBank, {folder.path().string()});
-  run(kLoadBank, {"/dev/zero"});
+  run(kLoadBank, {device().string()});
   EXPECT_TRUE(rig.state() == wanted);
-  EXPECT_EQ(rig.editor->fileLocations().presetDirectory, "/dev/");
-  EXPECT_EQ(rig.editor->fileLocations().bankFileName, "zero");
+  const auto& locations = rig.editor->fileLocations();
+  EXPECT_EQ(locations.presetDirectory + locations.bankFileName, device().string());
 }
 
 TEST_F(PresetFiles, BankLoaderEndsOnTheFirstPresetWhateverTheKind) {

@@ -19,6 +19,9 @@ void keepDocumentsIn(const std::filesystem::path& folder);
 /// Whether this process has a shared library loaded.
 bool isLoaded(const std::filesystem::path& library);
 
+/// Full path of something that can be opened like a file, but is a device.
+std::filesystem::path device();
+
 /// A page of memory behind which nothing can be touched.
 class GuardedPage {
  public:

@@ -29,6 +29,8 @@ bool isLoaded(const std::filesystem::path& library) {
   return handle != nullptr;
 }
 
+std::filesystem::path device() { return "/dev/zero"; }
+
 GuardedPage::GuardedPage()
     : m_pages(nullptr), m_size(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))) {
   void* const pages =

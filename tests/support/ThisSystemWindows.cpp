@@ -60,6 +60,8 @@ bool isLoaded(const std::filesystem::path& library) {
   return GetModuleHandleW(library.c_str()) != nullptr;
 }
 
+std::filesystem::path device() { return R"(\\.\NUL)"; }
+
 GuardedPage::GuardedPage() : m_pages(nullptr), m_size(0) {
   SYSTEM_INFO system{};
   GetSystemInfo(&system);
