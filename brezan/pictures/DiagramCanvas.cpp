@@ -1,84 +1,135 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/pictures/DiagramCanvas.h"
 
+#include "brezan/pictures/DiagramFont.h"
 #include "brezan/pictures/PngFile.h"
+#include "gui/drawing/PixelMath.h"
 
-#include <numbers>
+#include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace qlx::tools {
 
-DiagramCanvas::DiagramCanvas(int width, int height)
-    : m_surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height),
-                cairo_surface_destroy),
-      m_context(cairo_create(m_surface.get()), cairo_destroy) {
-  colour(kPaper);
-  cairo_paint(cr());
+namespace {
+
+std::uint32_t byteOf(double part) {
+  return static_cast<std::uint32_t>(std::lround(std::clamp(part, 0.0, 1.0) * gui::kFull));
+}
+
+} // namespace
+
+std::uint32_t pixelOf(const DiagramColour& c) {
+  return gui::kFull << 24 | byteOf(c.red) << 16 | byteOf(c.green) << 8 | byteOf(c.blue);
+}
+
+DiagramCanvas::DiagramCanvas(int width, int height, const DiagramColour& paper)
+    : m_pixels(width, height) {
+  std::ranges::fill(m_pixels.pixels, pixelOf(paper));
 }
 
 void DiagramCanvas::colour(const DiagramColour& c, double opacity) {
-  cairo_set_source_rgba(cr(), c.red, c.green, c.blue, opacity);
+  m_colour = gui::scaled(pixelOf(c), byteOf(opacity));
+}
+
+void DiagramCanvas::fill(const gui::ShapeFiller& shape) {
+  shape.fill(m_pixels, {0, 0, m_pixels.width, m_pixels.height}, m_colour);
 }
 
 void DiagramCanvas::fill(const DiagramBox& box) {
-  cairo_rectangle(cr(), box.x, box.y, box.width, box.height);
-  cairo_fill(cr());
+  gui::ShapeFiller shape;
+  shape.addRoundRect({box.x, box.y, box.right(), box.bottom()}, 0.0);
+  fill(shape);
 }
 
 void DiagramCanvas::line(double x0, double y0, double x1, double y1, double width) {
-  cairo_set_line_width(cr(), width);
-  cairo_move_to(cr(), x0, y0);
-  cairo_line_to(cr(), x1, y1);
-  cairo_stroke(cr());
+  const std::array<gui::CPoint, 2> ends{{{x0, y0}, {x1, y1}}};
+  gui::ShapeFiller shape;
+  shape.addLine(ends, width);
+  fill(shape);
 }
 
+void DiagramCanvas::dashedLineDown(double x, double y0, double y1) {
+  constexpr double kDash = 5.0;
+  constexpr double kGap = 4.0;
+  for (double y = y0; y < y1; y += kDash + kGap) line(x, y, x, std::min(y + kDash, y1));
+}
+
+// Each piece reaches a little beyond its ends, which closes the gaps between pieces of different
+// directions and, unlike pointed corners, leaves no spike where the curve turns back.
 void DiagramCanvas::curve(std::span<const std::pair<double, double>> points, double width) {
-  cairo_new_path(cr()); // text leaves a point behind
-  cairo_set_line_width(cr(), width);
-  for (const auto& [x, y] : points) cairo_line_to(cr(), x, y);
-  cairo_stroke(cr());
+  gui::ShapeFiller shape;
+  for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+    const gui::CPoint from{points[i].first, points[i].second};
+    const gui::CPoint to{points[i + 1].first, points[i + 1].second};
+    const gui::CPoint along = to - from;
+    const double length = std::hypot(along.x, along.y);
+    if (length == 0.0) continue;
+    const double reach = 0.35 * width / length;
+    const gui::CPoint beyond{along.x * reach, along.y * reach};
+    const std::array<gui::CPoint, 2> ends{from - beyond, to + beyond};
+    shape.addLine(ends, width);
+  }
+  fill(shape);
 }
 
 void DiagramCanvas::dot(double x, double y, double radius) {
-  cairo_new_path(cr());
-  cairo_arc(cr(), x, y, radius, 0.0, 2.0 * std::numbers::pi);
-  cairo_fill(cr());
+  gui::ShapeFiller shape;
+  shape.addRoundRect({x - radius, y - radius, x + radius, y + radius}, radius);
+  fill(shape);
 }
 
 void DiagramCanvas::frame(const DiagramBox& box) {
   colour(kInk);
-  cairo_set_line_width(cr(), 1.0);
-  cairo_rectangle(cr(), box.x - 0.5, box.y - 0.5, box.width + 1, box.height + 1);
-  cairo_stroke(cr());
+  const double right = box.right() + 1.0;
+  const double bottom = box.bottom() + 1.0;
+  fill(DiagramBox{box.x - 1.0, box.y - 1.0, box.width + 2.0, 1.0});
+  fill(DiagramBox{box.x - 1.0, bottom - 1.0, box.width + 2.0, 1.0});
+  fill(DiagramBox{box.x - 1.0, box.y, 1.0, box.height});
+  fill(DiagramBox{right - 1.0, box.y, 1.0, box.height});
 }
 
-double DiagramCanvas::textWidth(const std::string& words, double size) {
-  cairo_set_font_size(cr(), size);
-  cairo_text_extents_t extents;
-  cairo_text_extents(cr(), words.c_str(), &extents);
-  return extents.x_advance;
+void DiagramCanvas::image(const gui::PixelBuffer& pixels, int x, int y) {
+  for (int row = 0; row < pixels.height; ++row)
+    std::copy_n(pixels.row(row), pixels.width, m_pixels.row(y + row) + x);
+}
+
+double DiagramCanvas::textWidth(const std::string& words, double size, bool bold) {
+  return advanceOf(words, size, bold);
+}
+
+void DiagramCanvas::cover(int x, int y, std::uint8_t coverage) {
+  if (coverage == 0 || x < 0 || y < 0 || x >= m_pixels.width || y >= m_pixels.height) return;
+  std::uint32_t& pixel = m_pixels.row(y)[x];
+  pixel = gui::over(gui::scaled(m_colour, coverage), pixel);
 }
 
 void DiagramCanvas::text(double x, double y, const std::string& words, double size, Align align,
                          bool bold, const DiagramColour& c) {
-  cairo_select_font_face(cr(), "Liberation Sans", CAIRO_FONT_SLANT_NORMAL,
-                         bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-  const double width = textWidth(words, size);
+  const double part = align == Align::Left ? 0.0 : align == Align::Right ? 1.0 : 0.5;
+  const double begin = x - part * textWidth(words, size, bold);
+  const double column = std::floor(begin);
+  const DrawnText drawn = drawText(words, size, begin - column, bold);
+  const int left = static_cast<int>(column) + drawn.left;
+  const int top = static_cast<int>(std::lround(y)) + drawn.top;
   colour(c);
-  cairo_move_to(cr(), align == Align::Left ? x : x - (align == Align::Right ? width : width / 2),
-                y);
-  cairo_show_text(cr(), words.c_str());
+  auto coverage = drawn.coverage.begin();
+  for (int row = 0; row < drawn.height; ++row)
+    for (int across = 0; across < drawn.width; ++across)
+      cover(left + across, top + row, *coverage++);
 }
 
 void DiagramCanvas::uprightText(double x, double y, const std::string& words) {
-  cairo_save(cr());
-  cairo_translate(cr(), x, y);
-  cairo_rotate(cr(), -std::numbers::pi / 2.0);
-  text(0, 0, words, 14, Align::Centre);
-  cairo_restore(cr());
+  const DrawnText drawn = drawText(words, 14);
+  const int left = static_cast<int>(std::lround(x)) + drawn.top;
+  const int bottom = static_cast<int>(std::lround(y + drawn.advance / 2.0)) - drawn.left - 1;
+  colour(kInk);
+  auto coverage = drawn.coverage.begin();
+  for (int row = 0; row < drawn.height; ++row)
+    for (int across = 0; across < drawn.width; ++across)
+      cover(left + row, bottom - across, *coverage++);
 }
 
-void DiagramCanvas::save(const std::filesystem::path& path) const {
-  savePng(m_surface.get(), path);
-}
+void DiagramCanvas::save(const std::filesystem::path& path) const { savePng(m_pixels, path); }
 
 } // namespace qlx::tools

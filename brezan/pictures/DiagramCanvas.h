@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <cairo/cairo.h>
+#include "gui/CRect.h"
+#include "gui/drawing/PixelBuffer.h"
+#include "gui/drawing/ShapeFiller.h"
 
+#include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <span>
 #include <string>
 #include <utility>
@@ -27,30 +29,38 @@ inline constexpr DiagramColour kFaint{0.84, 0.82, 0.79};
 inline constexpr DiagramColour kBlue{0.16, 0.40, 0.62};   ///< the first of two curves
 inline constexpr DiagramColour kOrange{0.83, 0.42, 0.14}; ///< the second
 
+/// A colour as an opaque pixel.
+std::uint32_t pixelOf(const DiagramColour& c);
+
 enum class Align { Left, Centre, Right };
 
-/// A sheet of paper for diagrams, in pixels from its upper left corner.
+/// A sheet of paper for diagrams, in pixels from its upper left corner. The same on every machine.
 class DiagramCanvas {
  public:
-  DiagramCanvas(int width, int height);
+  DiagramCanvas(int width, int height, const DiagramColour& paper = kPaper);
 
-  cairo_t* cr() { return m_context.get(); }
   void colour(const DiagramColour& c, double opacity = 1.0);
   void fill(const DiagramBox& box);
+  void fill(const gui::ShapeFiller& shape);
   void line(double x0, double y0, double x1, double y1, double width = 1.0);
+  void dashedLineDown(double x, double y0, double y1); ///< from the upper to the lower end
   void curve(std::span<const std::pair<double, double>> points, double width);
   void dot(double x, double y, double radius);
-  void frame(const DiagramBox& box); ///< a line around the box
-  double textWidth(const std::string& words, double size);
+  void frame(const DiagramBox& box);                        ///< a line around the box
+  void image(const gui::PixelBuffer& pixels, int x, int y); ///< opaque pixels, inside the sheet
+  double textWidth(const std::string& words, double size, bool bold = false);
   /// `x` is where the words begin, have their middle or end; `y` is their base line.
   void text(double x, double y, const std::string& words, double size = 14,
             Align align = Align::Left, bool bold = false, const DiagramColour& c = kInk);
   void uprightText(double x, double y, const std::string& words); ///< from below, centred on y
+  const gui::PixelBuffer& pixels() const { return m_pixels; }
   void save(const std::filesystem::path& path) const; ///< as PNG. Throws std::runtime_error.
 
  private:
-  std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> m_surface;
-  std::unique_ptr<cairo_t, decltype(&cairo_destroy)> m_context;
+  void cover(int x, int y, std::uint8_t coverage);
+
+  gui::PixelBuffer m_pixels;
+  std::uint32_t m_colour = 0; ///< premultiplied
 };
 
 } // namespace qlx::tools

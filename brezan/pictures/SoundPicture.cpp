@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <memory>
 #include <stdexcept>
 
 namespace qlx::tools {
@@ -95,7 +94,7 @@ void Painter::lever() {
         i + 1 < m_sound.marks.size() ? timeX(m_sound.marks[i + 1].seconds) : kLeverBox.right();
     colour(leverColour(mark.state));
     fill({from, kLeverBox.y, to - from, kLeverBox.height});
-    if (textWidth(mark.words, 14) + 12 < to - from)
+    if (textWidth(mark.words, 14, true) + 12 < to - from)
       text(from + 8, kLeverBox.y + 20, mark.words, 14, Align::Left, true,
            mark.state == LeverState::Stopped ? kPaper : kInk);
   }
@@ -126,6 +125,7 @@ void Painter::levelCurve(const std::vector<double>& channel, const DiagramColour
   std::vector<double> energy(channel.size() + 1, 0.0);
   for (std::size_t i = 0; i < channel.size(); ++i)
     energy[i + 1] = energy[i] + channel[i] * channel[i];
+  std::vector<std::pair<double, double>> points;
   for (int column = 0; column <= static_cast<int>(kLevelBox.width); ++column) {
     const double x = column;
     const auto centre = static_cast<long long>(static_cast<double>(size) * x / kLevelBox.width);
@@ -135,14 +135,10 @@ void Painter::levelCurve(const std::vector<double>& channel, const DiagramColour
         (energy[static_cast<std::size_t>(to)] - energy[static_cast<std::size_t>(from)]) /
         static_cast<double>(std::max(1LL, to - from));
     const double y = levelY(10.0 * std::log10(std::max(power, 1e-12)));
-    if (column == 0)
-      cairo_move_to(cr(), kLevelBox.x + x, y);
-    else
-      cairo_line_to(cr(), kLevelBox.x + x, y);
+    points.emplace_back(kLevelBox.x + x, y);
   }
   colour(c, 0.85);
-  cairo_set_line_width(cr(), 1.4);
-  cairo_stroke(cr());
+  curve(points, 1.4);
 }
 
 void Painter::spectrum() {
@@ -153,23 +149,15 @@ void Painter::spectrum() {
   const SpectrogramRange range{static_cast<int>(kSpectrumBox.width),
                                static_cast<int>(kSpectrumBox.height), kLowestHz, kHighestHz};
   const Spectrogram levels = spectrogram(middle, m_sound.rate, range);
-  const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> image(
-      cairo_image_surface_create(CAIRO_FORMAT_RGB24, range.columns, range.rows),
-      cairo_surface_destroy);
-  unsigned char* data = cairo_image_surface_get_data(image.get());
-  const int stride = cairo_image_surface_get_stride(image.get());
+  gui::PixelBuffer image(range.columns, range.rows);
   for (int row = 0; row < range.rows; ++row) {
-    auto* pixels = reinterpret_cast<std::uint32_t*>(data + stride * (range.rows - 1 - row));
+    std::uint32_t* const pixels = image.row(range.rows - 1 - row);
     for (int column = 0; column < range.columns; ++column) {
       const double db = static_cast<double>(levels.at(column, row));
-      const DiagramColour c = heat((db - kDarkestDb) / (kBrightestDb - kDarkestDb));
-      const auto byte = [](double v) { return static_cast<std::uint32_t>(std::lround(v * 255.0)); };
-      pixels[column] = byte(c.red) << 16 | byte(c.green) << 8 | byte(c.blue);
+      pixels[column] = pixelOf(heat((db - kDarkestDb) / (kBrightestDb - kDarkestDb)));
     }
   }
-  cairo_surface_mark_dirty(image.get());
-  cairo_set_source_surface(cr(), image.get(), kSpectrumBox.x, kSpectrumBox.y);
-  cairo_paint(cr());
+  DiagramCanvas::image(image, static_cast<int>(kSpectrumBox.x), static_cast<int>(kSpectrumBox.y));
   frame(kSpectrumBox);
   constexpr std::pair<double, const char*> kTicks[] = {{50, "50"},    {100, "100"},   {200, "200"},
                                                        {500, "500"},  {1000, "1 k"},  {2000, "2 k"},
@@ -183,16 +171,13 @@ void Painter::spectrum() {
 }
 
 void Painter::marks() {
-  constexpr double kDashes[] = {5, 4};
   for (const LeverMark& mark : m_sound.marks) {
     if (mark.seconds <= 0.0) continue;
     const double x = timeX(mark.seconds);
-    cairo_set_dash(cr(), kDashes, 2, 0);
     colour(kInk, 0.8);
-    line(x, kLevelBox.y, x, kLevelBox.bottom());
+    dashedLineDown(x, kLevelBox.y, kLevelBox.bottom());
     colour(kPaper, 0.8);
-    line(x, kSpectrumBox.y, x, kSpectrumBox.bottom());
-    cairo_set_dash(cr(), nullptr, 0, 0);
+    dashedLineDown(x, kSpectrumBox.y, kSpectrumBox.bottom());
   }
 }
 

@@ -4,7 +4,7 @@
 #include "brezan/System.h"
 #include "brezan/pictures/DiagramCanvas.h"
 
-#include <cstdint>
+#include <cmath>
 #include <numbers>
 #include <sstream>
 #include <stdexcept>
@@ -17,32 +17,31 @@ namespace {
 constexpr int kIconSize = 64;
 
 /// A rotor seen from above, in the colours of the panel: the mouth of a horn that turns.
-std::vector<std::uint32_t> drawIcon() {
+gui::PixelBuffer drawIcon() {
   constexpr double kMiddle = kIconSize / 2.0;
-  constexpr double kTurn = 2.0 * std::numbers::pi;
-  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(kIconSize) * kIconSize);
-  const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
-      cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels.data()),
-                                          CAIRO_FORMAT_ARGB32, kIconSize, kIconSize, kIconSize * 4),
-      cairo_surface_destroy);
-  const std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context(cairo_create(surface.get()),
-                                                                   cairo_destroy);
-  cairo_t* cr = context.get();
-  cairo_set_source_rgb(cr, kInk.red, kInk.green, kInk.blue);
-  cairo_paint(cr);
-  cairo_set_source_rgb(cr, kFaint.red, kFaint.green, kFaint.blue);
-  cairo_set_line_width(cr, 3.0);
-  cairo_arc(cr, kMiddle, kMiddle, 26.0, 0.0, kTurn);
-  cairo_stroke(cr);
-  cairo_set_source_rgb(cr, kOrange.red, kOrange.green, kOrange.blue);
-  cairo_move_to(cr, kMiddle, kMiddle);
-  cairo_arc(cr, kMiddle, kMiddle, 21.0, -kTurn / 8.0 - 0.45, -kTurn / 8.0 + 0.45);
-  cairo_close_path(cr);
-  cairo_fill(cr);
-  cairo_arc(cr, kMiddle, kMiddle, 7.0, 0.0, kTurn);
-  cairo_fill(cr);
-  cairo_surface_flush(surface.get());
-  return pixels;
+  constexpr gui::CRect kAll{0.0, 0.0, kIconSize, kIconSize};
+  DiagramCanvas canvas(kIconSize, kIconSize, kInk);
+  gui::ShapeFiller ring;
+  ring.addRoundRect(kAll.insetBy(4.5, 4.5), kIconSize);
+  ring.addRoundRect(kAll.insetBy(7.5, 7.5), kIconSize, gui::ShapeFiller::Direction::Anticlockwise);
+  canvas.colour(kFaint);
+  canvas.fill(ring);
+
+  constexpr double kMouth = 21.0;     // from the axis
+  constexpr double kHalfWidth = 0.45; // radians
+  constexpr double kAim = -std::numbers::pi / 4.0;
+  constexpr int kSteps = 8;
+  std::vector<gui::CPoint> horn{{kMiddle, kMiddle}};
+  for (int step = 0; step <= kSteps; ++step) {
+    const double angle = kAim + kHalfWidth * (2.0 * step / kSteps - 1.0);
+    horn.push_back({kMiddle + kMouth * std::cos(angle), kMiddle + kMouth * std::sin(angle)});
+  }
+  gui::ShapeFiller rotor;
+  rotor.addOutline(std::move(horn));
+  canvas.colour(kOrange);
+  canvas.fill(rotor);
+  canvas.dot(kMiddle, kMiddle, 7.0);
+  return canvas.pixels();
 }
 
 } // namespace
@@ -56,10 +55,9 @@ void wantEditorScale(double scale) {
 EditorWindow::EditorWindow(PluginHost& host) : m_host(host) {
   const auto size = host.editorSize();
   if (!size) throw std::runtime_error("the plug-in has no editor");
-  const std::vector<std::uint32_t> icon = drawIcon();
-  m_window = platform::nativeWindowSystem().openTopLevel(
-      {host.effectName(), "brezan", {icon.data(), kIconSize, kIconSize}}, size->width,
-      size->height);
+  const gui::PixelBuffer icon = drawIcon();
+  m_window = platform::nativeWindowSystem().openTopLevel({host.effectName(), "brezan", icon.view()},
+                                                         size->width, size->height);
   if (m_window == nullptr) throw std::runtime_error("there is no display to open a window on");
   m_window->setListener(this);
   m_window->show();

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace qlx::gui {
@@ -20,6 +21,9 @@ class ShapeFiller {
 
   /// The radius is at most half of the shorter side. An empty rectangle adds nothing.
   void addRoundRect(const CRect& where, CCoord radius, Direction direction = Direction::Clockwise);
+
+  /// Any outline; the last point is joined to the first.
+  void addOutline(std::vector<CPoint> points) { m_outlines.push_back(std::move(points)); }
 
   /// A line of the given width through the points, with flat ends and pointed corners. Neighbouring
   /// points differ, and the line never turns straight back.
