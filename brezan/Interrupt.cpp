@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/Interrupt.h"
 
-#include <array>
+#include "brezan/System.h"
+
 #include <csignal>
 
 namespace qlx::tools {
@@ -14,16 +15,7 @@ extern "C" void noteSignal(int number) { interrupted = number; }
 
 } // namespace
 
-void noteInterrupts() {
-  for (const int number : std::array{SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction before {};
-    if (sigaction(number, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) continue;
-    struct sigaction action {};
-    action.sa_handler = noteSignal;
-    sigaction(number, &action, nullptr);
-  }
-  for (const int number : std::array{SIGPIPE, SIGXFSZ}) std::signal(number, SIG_IGN);
-}
+void noteInterrupts() { watchForInterrupts(noteSignal); }
 
 void throwIfInterrupted() {
   if (interrupted != 0) throw Interrupted(interrupted);

@@ -2,19 +2,30 @@
 #include "brezan/StandardStreams.h"
 
 #include "brezan/Interrupt.h"
+#include "brezan/System.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
 
 namespace qlx::tools {
 
+namespace {
+
+/// How many bytes are read or written in one go; the type that counts them depends on the system.
+unsigned portionOf(std::size_t bytes) {
+  constexpr std::size_t kMost = std::size_t{1} << 20;
+  return static_cast<unsigned>(std::min(bytes, kMost));
+}
+
+} // namespace
+
 int writeAll(int file, std::span<const char> bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    const ssize_t written = ::write(file, bytes.data(), portionOf(bytes.size()));
     if (written < 0 && errno != EINTR) return errno;
     if (written < 0)
       throwIfInterrupted();
@@ -51,14 +62,11 @@ StandardOutput::int_type StandardOutput::overflow(int_type c) {
 
 int readAsFile(int file) {
   const auto fail = [] { throw std::system_error(errno, std::generic_category()); };
-  std::FILE* copy = std::tmpfile();
-  if (copy == nullptr) fail();
-  const int result = ::dup(fileno(copy));
-  std::fclose(copy);
+  const int result = openTemporaryFile();
   if (result < 0) fail();
   std::array<char, 1 << 16> bytes{};
   for (;;) {
-    const ssize_t got = ::read(file, bytes.data(), bytes.size());
+    const ssize_t got = ::read(file, bytes.data(), portionOf(bytes.size()));
     if (got < 0 && errno == EINTR) {
       throwIfInterrupted();
       continue;

@@ -33,6 +33,9 @@ std::filesystem::path executablePath();
 /// Folders in which hosts look for plug-ins, most particular first.
 std::vector<std::filesystem::path> pluginFolders();
 
+/// Those folders in the user's words.
+std::string pluginFolderWords();
+
 /// File name of the plug-in on this system.
 std::string pluginFileName();
 
@@ -48,6 +51,21 @@ bool pinThread(int processor);
 
 /// Sets a variable of this process's environment, for what is loaded from now on.
 void setEnvironment(const std::string& name, const std::string& value);
+
+/// From now on calls `note` with a number above 0 when the user or the system wants this program to
+/// end (on Windows: Ctrl+C, Ctrl+Break, a console window that is closed, a shutdown), on any
+/// thread or inside a signal handler. Signals that the caller had ignored stay so. A reader that
+/// has gone and a limit of the file's size become errors of writing.
+void watchForInterrupts(void (*note)(int));
+
+/// Standard streams carry bytes and UTF-8, whatever the system makes of them otherwise.
+void prepareStandardStreams();
+
+/// A file descriptor to read the file's bytes from, -1 with errno when there is none.
+int openForReading(const std::filesystem::path& path);
+
+/// A file descriptor to write and read a file that goes with its last use, -1 with errno.
+int openTemporaryFile();
 
 /// True when standard error is a terminal that can redraw a line.
 bool errorStreamIsTerminal();

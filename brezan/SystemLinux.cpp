@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/System.h"
 
+#include <array>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <fstream>
 #include <sched.h>
 #include <sstream>
@@ -43,6 +47,10 @@ std::vector<fs::path> pluginFolders() {
   return folders;
 }
 
+std::string pluginFolderWords() {
+  return "../lib/vst, $VST_PATH, ~/.vst, /usr/local/lib/vst, /usr/lib/vst";
+}
+
 std::string pluginFileName() { return "QLXBrezan.so"; }
 
 std::optional<std::size_t> residentBytes() {
@@ -73,6 +81,29 @@ bool pinThread(int processor) {
 
 void setEnvironment(const std::string& name, const std::string& value) {
   setenv(name.c_str(), value.c_str(), 1);
+}
+
+void watchForInterrupts(void (*note)(int)) {
+  for (const int number : std::array{SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    if (sigaction(number, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) continue;
+    struct sigaction action {};
+    action.sa_handler = note;
+    sigaction(number, &action, nullptr);
+  }
+  for (const int number : std::array{SIGPIPE, SIGXFSZ}) std::signal(number, SIG_IGN);
+}
+
+void prepareStandardStreams() {}
+
+int openForReading(const fs::path& path) { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }
+
+int openTemporaryFile() {
+  std::FILE* const file = std::tmpfile();
+  if (file == nullptr) return -1;
+  const int copy = dup(fileno(file));
+  std::fclose(file);
+  return copy;
 }
 
 bool errorStreamIsTerminal() {

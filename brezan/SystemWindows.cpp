@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: ISC
 #include "brezan/System.h"
 
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
 #include <io.h>
 #include <stdexcept>
+#include <utility>
 
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -37,10 +43,14 @@ fs::path executablePath() {
 
 std::vector<fs::path> pluginFolders() {
   std::vector<fs::path> folders;
-  for (const wchar_t* const variable : {L"CommonProgramFiles", L"ProgramFiles"})
-    if (const wchar_t* const base = _wgetenv(variable))
-      folders.push_back(fs::path(base) / "VSTPlugins");
+  for (const auto& [variable, name] :
+       {std::pair{L"CommonProgramFiles", "VST2"}, std::pair{L"ProgramFiles", "VSTPlugins"}})
+    if (const wchar_t* const base = _wgetenv(variable)) folders.push_back(fs::path(base) / name);
   return folders;
+}
+
+std::string pluginFolderWords() {
+  return "%CommonProgramFiles%\\VST2 and %ProgramFiles%\\VSTPlugins";
 }
 
 std::string pluginFileName() { return "QLXBrezan.dll"; }
@@ -75,7 +85,52 @@ void setEnvironment(const std::string& name, const std::string& value) {
   SetEnvironmentVariableA(name.c_str(), value.c_str());
 }
 
-bool errorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
+namespace {
+
+std::atomic<void (*)(int)> noteInterrupt{nullptr};
+
+BOOL WINAPI onConsoleEvent(DWORD event) {
+  const bool byKey = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+  noteInterrupt.load()(byKey ? SIGINT : SIGTERM);
+  // The process would end with this call; it has some seconds to end by itself.
+  if (!byKey) Sleep(INFINITE);
+  return TRUE;
+}
+
+} // namespace
+
+void watchForInterrupts(void (*note)(int)) {
+  noteInterrupt = note;
+  SetConsoleCtrlHandler(onConsoleEvent, TRUE);
+}
+
+void prepareStandardStreams() {
+  for (std::FILE* const stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+  SetConsoleOutputCP(CP_UTF8);
+}
+
+int openForReading(const fs::path& path) {
+  return _wopen(path.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+}
+
+int openTemporaryFile() {
+  std::wstring folder(MAX_PATH + 1, L'\0');
+  std::wstring path(MAX_PATH + 1, L'\0');
+  if (GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()) == 0 ||
+      GetTempFileNameW(folder.c_str(), L"qlx", 0, path.data()) == 0) {
+    errno = EACCES;
+    return -1;
+  }
+  return _wopen(path.c_str(), _O_RDWR | _O_BINARY | _O_TEMPORARY | _O_NOINHERIT);
+}
+
+// The bar is redrawn by terminal sequences, which old consoles do not know.
+bool errorStreamIsTerminal() {
+  const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
+  DWORD mode = 0;
+  return GetConsoleMode(console, &mode) != 0 &&
+         SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
 
 int errorStreamColumns() {
   CONSOLE_SCREEN_BUFFER_INFO about{};

@@ -7,7 +7,6 @@
 #include "platform/Version.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -17,7 +16,7 @@ namespace qlx::tools {
 namespace {
 
 // What shells report for a program that went because nobody reads on.
-constexpr int kBrokenPipeStatus = 128 + SIGPIPE;
+constexpr int kBrokenPipeStatus = 128 + 13; // 13 is SIGPIPE's number
 
 void addHelpCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("help", "Say more about a command");
@@ -52,7 +51,12 @@ int parse(int argc, char** argv) {
   addEditCommand(program);
   addScreenshotCommand(program);
   addManualCommand(program);
+#ifdef QLX_INSTALL
+  addInstallCommands(program);
+#endif
+#ifdef QLX_VALIDATE
   addValidateCommand(program);
+#endif
 #ifdef QLX_LIVE
   addLiveCommand(program);
 #endif
@@ -83,6 +87,7 @@ int parse(int argc, char** argv) {
 }
 
 int run(int argc, char** argv) {
+  prepareStandardStreams();
   noteInterrupts();
   StandardOutput output;
   const int status = parse(argc, argv);
@@ -101,11 +106,9 @@ int run(int argc, char** argv) {
 } // namespace
 
 void addPluginOption(CLI::App& command, std::string& plugin) {
-  command.add_option(
-      "--plugin", plugin,
-      "Plug-in file; by default " + pluginFileName() +
-          " beside this program, in ../lib/vst, $VST_PATH, ~/.vst, /usr/local/lib/vst, "
-          "/usr/lib/vst");
+  command.add_option("--plugin", plugin,
+                     "Plug-in file; by default " + pluginFileName() + " beside this program, in " +
+                         pluginFolderWords());
 }
 
 } // namespace qlx::tools

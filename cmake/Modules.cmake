@@ -64,3 +64,18 @@ function(qlx_test name)
     endforeach()
   endif()
 endfunction()
+
+# qlx_find_headers(package header folder): the imported target package::package of a library of headers alone. A cross build
+# takes the build machine's, through a folder of links to them, because the build machine's other headers must stay out.
+function(qlx_find_headers package header folder)
+  if(NOT CMAKE_CROSSCOMPILING)
+    find_package(${package} REQUIRED GLOBAL)
+    return()
+  endif()
+  find_path(${package}_HEADERS ${header} REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include)
+  set(links ${CMAKE_BINARY_DIR}/headers/${package})
+  file(MAKE_DIRECTORY ${links})
+  file(CREATE_LINK ${${package}_HEADERS}/${folder} ${links}/${folder} SYMBOLIC)
+  add_library(${package}::${package} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${package}::${package} SYSTEM INTERFACE ${links})
+endfunction()

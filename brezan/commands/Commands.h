@@ -21,7 +21,12 @@ void addReportCommand(CLI::App& program);
 void addEditCommand(CLI::App& program);
 void addScreenshotCommand(CLI::App& program);
 void addManualCommand(CLI::App& program);
+#ifdef QLX_INSTALL
+void addInstallCommands(CLI::App& program);
+#endif
+#ifdef QLX_VALIDATE
 void addValidateCommand(CLI::App& program);
+#endif
 #ifdef QLX_LIVE
 void addLiveCommand(CLI::App& program);
 #endif

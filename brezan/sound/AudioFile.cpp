@@ -2,13 +2,13 @@
 #include "brezan/sound/AudioFile.h"
 
 #include "brezan/StandardStreams.h"
+#include "brezan/System.h"
 #include "brezan/Words.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <fcntl.h>
 #include <limits>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -58,7 +58,7 @@ SNDFILE* openSound(const std::filesystem::path& path, SF_INFO& info) {
   };
   std::error_code error;
   if (std::filesystem::is_directory(path, error)) fail("it is a folder");
-  int file = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  int file = path == "-" ? dup(STDIN_FILENO) : openForReading(path);
   if (file < 0) fail(std::strerror(errno));
   struct stat status {};
   if (fstat(file, &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -163,7 +163,8 @@ AudioOutput::AudioOutput(const std::filesystem::path& path, const OutputSettings
   if (sourceRate != settings.rate)
     m_converter.emplace(sourceRate, settings.rate, settings.channels);
   if (settings.matching) {
-    m_held.reset(std::tmpfile());
+    const int held = openTemporaryFile();
+    m_held.reset(held < 0 ? nullptr : fdopen(held, "w+b"));
     if (!m_held) throw std::runtime_error("cannot make a temporary file to match the loudness in");
     m_meter.emplace(settings.channels, sourceRate);
   }

@@ -13,7 +13,11 @@ if(NOT mingw_about MATCHES "Thread model: posix")
   message(FATAL_ERROR "${CMAKE_CXX_COMPILER} is not a compiler of the posix thread model (g++-mingw-w64-x86-64-posix)")
 endif()
 
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+# Where scripts/windows_libraries.sh has put the libraries of brezan.exe.
+set(QLX_WINDOWS_LIBRARIES "" CACHE PATH "Prefix of libraries for the target, besides the compiler's own")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QLX_WINDOWS_LIBRARIES)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${QLX_WINDOWS_LIBRARIES})
+set(ENV{PKG_CONFIG_LIBDIR} "${QLX_WINDOWS_LIBRARIES}/lib/pkgconfig")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

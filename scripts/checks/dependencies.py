@@ -23,13 +23,15 @@ ALLOWED = {
                "editor"},
     "lv2": {"plugin", "plugin/parameters", "sdk", "presets/store", "presets/panel", "gui"},
     "live": {"sdk"},
-    "brezan": {"sdk", "engine", "platform", "resources", "presets/format", "presets/store", "live"},
+    "brezan": {"sdk", "engine", "platform", "gui", "resources", "presets/format", "presets/store", "live"},
 }
 # Pairs of modules of which the first may include these headers of the second only.
 ONLY = {
     ("resources", "engine"): {"engine/rotor/Recordings.h"},
     ("resources", "gui"): {"gui/drawing/GlyphPack.h", "gui/drawing/PackedImage.h", "gui/drawing/PngImage.h"},
     ("brezan", "engine"): {"engine/rotor/Recordings.h"},
+    ("brezan", "gui"): {"gui/CRect.h", "gui/drawing/PixelBuffer.h", "gui/drawing/PixelMath.h", "gui/drawing/ShapeFiller.h",
+                        "gui/drawing/Utf8.h"},
     ("resources", "platform"): {"platform/ModuleResources.h", "platform/PixelRect.h"},
     ("presets/panel", "resources"): {"resources/images/Images.h", "resources/images/WindowLayout.h"},
     ("editor", "resources"): {"resources/images/Images.h", "resources/images/WindowLayout.h"},
