@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: ISC
+#include "platform/FlushToZero.h"
 #include "plugin/RotaryEffect.h"
 
 #include <new>
@@ -17,6 +18,7 @@ bool hostAnswers(HostCallback host) {
 EffectRecord* createEffectInstance(HostCallback host) noexcept {
   try {
     if (!hostAnswers(host)) return nullptr;
+    const qlx::platform::FullPrecision fullPrecision;
     auto* const effect = new (std::nothrow) qlx::plugin::RotaryEffect(host);
     return effect == nullptr ? nullptr : effect->getRecord();
   } catch (...) {

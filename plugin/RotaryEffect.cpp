@@ -156,8 +156,16 @@ std::int32_t RotaryEffect::processEvents(const sdk::EventList* events) {
   return m_midiLever.processEvents(events);
 }
 
+// Filters are designed here and in setParameter, too, and must not depend on the host's modes.
+std::intptr_t RotaryEffect::dispatch(std::int32_t opcode, std::int32_t index, std::intptr_t value,
+                                     void* ptr, float opt) {
+  const platform::FullPrecision fullPrecision;
+  return CPresetSystemEffect::dispatch(opcode, index, value, ptr, opt);
+}
+
 void RotaryEffect::setParameter(std::int32_t index, float value) {
   if (std::isnan(value)) return;
+  const platform::FullPrecision fullPrecision;
   const ParameterRow* const row = parameterRow(index);
   if (row != nullptr) {
     m_parameters.apply(*row, value);

@@ -32,6 +32,8 @@ class RotaryEffect final : public presets::CPresetSystemEffect, public editor::E
   void processDoubleReplacing(double** inputs, double** outputs, std::int32_t frames) override;
   std::int32_t processEvents(const sdk::EventList* events) override;
 
+  std::intptr_t dispatch(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                         float opt) override;
   /// Indices 0..119 change the sound; any other only reaches the editor. Not-a-number is ignored.
   void setParameter(std::int32_t index, float value) override;
   float getParameter(std::int32_t index) override;
