@@ -114,7 +114,7 @@ bool COptionMenu::onKeyAction(KeyAction action, const CButtonState& /*modifiers*
   const int current = getCurrentIndex();
   const int last = getNbEntries() - 1;
   const int page = m_perColumn > 0 ? m_perColumn : getNbEntries();
-  int next = current;
+  int next = 0;
   switch (action) {
   case KeyAction::kPress: return popup();
   case KeyAction::kStepUp: next = current - 1; break; // the one above
