@@ -52,7 +52,11 @@ void DiagramCanvas::line(double x0, double y0, double x1, double y1, double widt
 void DiagramCanvas::dashedLineDown(double x, double y0, double y1) {
   constexpr double kDash = 5.0;
   constexpr double kGap = 4.0;
-  for (double y = y0; y < y1; y += kDash + kGap) line(x, y, x, std::min(y + kDash, y1));
+  const auto dashes = static_cast<int>(std::ceil((y1 - y0) / (kDash + kGap)));
+  for (int i = 0; i < dashes; ++i) {
+    const double y = y0 + i * (kDash + kGap);
+    line(x, y, x, std::min(y + kDash, y1));
+  }
 }
 
 // Each piece reaches a little beyond its ends, which closes the gaps between pieces of different

@@ -14,7 +14,8 @@
 namespace {
 
 // zlib packs tighter than what the writer would use otherwise.
-unsigned char* packed(unsigned char* data, int length, int* packedLength, int quality) {
+[[maybe_unused]] unsigned char* packed(unsigned char* data, int length, int* packedLength,
+                                       int quality) {
   uLongf size = compressBound(static_cast<uLong>(length));
   auto* const result = static_cast<unsigned char*>(std::malloc(size));
   if (result == nullptr ||
@@ -29,8 +30,13 @@ unsigned char* packed(unsigned char* data, int length, int* packedLength, int qu
 } // namespace
 
 #define STBIW_ZLIB_COMPRESS packed
+#ifndef __clang_analyzer__ // it finds fault with the header's own code
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
+#else
+extern "C" unsigned char* stbi_write_png_to_mem(const unsigned char* pixels, int stride, int width,
+                                                int height, int channels, int* length);
+#endif
 #define STBI_WRITE_NO_STDIO
 #include <stb_image_write.h>
 
