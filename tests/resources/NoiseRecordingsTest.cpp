@@ -192,7 +192,8 @@ TEST(PackedRecording, ReturnsEverySampleAndRefusesShortenedBytes) {
     const std::int32_t silence = 0;
     const std::int32_t alternating = i % 2 == 0 ? kPeak : -kPeak;
     const std::int32_t lone = i % 1000 == 0 ? -kPeak : i % 3;
-    const std::int32_t arbitrary = static_cast<std::int32_t>(i * 2654435761U) / 2048;
+    const std::int32_t arbitrary =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(i) * 2654435761U) / 2048;
     steps[static_cast<std::size_t>(i)] =
         std::array{silence, alternating, lone, arbitrary}[static_cast<std::size_t>(i * 4 / size)];
   }

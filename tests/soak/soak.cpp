@@ -356,7 +356,7 @@ void turnForHours(const Options& options, unsigned seed) {
 Options parse(int argc, char** argv) {
   Options options;
   options.plugin = PLUGIN;
-  for (int i = 1; i < argc; ++i) {
+  for (int i = 1; i < argc; i += 2) {
     const std::string word = argv[i];
     const char* value = i + 1 < argc ? argv[i + 1] : "";
     if (word == "--hours") {
@@ -368,7 +368,6 @@ Options parse(int argc, char** argv) {
     } else {
       throw std::runtime_error("usage: soak [--hours H] [--seed N]... [--plugin FILE]");
     }
-    ++i;
   }
   require(options.hours > 0.0 && options.hours < 1000.0, "hours: more than 0, below 1000");
   if (options.seeds.empty()) options.seeds = {1, 2, 3};
