@@ -83,7 +83,7 @@ bool canBeDecoded(Bytes file) {
 std::optional<ImageSize> pngSize(Bytes file) {
   if (!canBeDecoded(file)) return std::nullopt;
   return ImageSize{static_cast<int>(bigEndian(file.subspan(kWidthPlace, 4))),
-                 static_cast<int>(bigEndian(file.subspan(kHeightPlace, 4)))};
+                   static_cast<int>(bigEndian(file.subspan(kHeightPlace, 4)))};
 }
 
 std::vector<Bytes> partedPngFiles(Bytes bytes) {
@@ -126,7 +126,7 @@ std::optional<PixelBuffer> decodePng(Bytes file) {
 }
 
 std::optional<std::vector<std::uint8_t>> inflated(Bytes stream, std::size_t size) {
-  if (stream.size() > std::numeric_limits<int>::max() / kLargestExpansion ||
+  if (size == 0 || stream.size() > std::numeric_limits<int>::max() / kLargestExpansion ||
       size > stream.size() * kLargestExpansion)
     return std::nullopt;
   std::vector<std::uint8_t> content(size);

@@ -435,6 +435,11 @@ TEST(GlyphPack, RefusesOtherForms) {
          p = qlx::test::deflatedGlyphPack(p);
          ++p[4];
        }},
+      {"deflated, nothing told",
+       [](ByteVector& p) {
+         p = qlx::test::deflatedGlyphPack(p);
+         std::fill(p.begin() + 4, p.begin() + 8, std::uint8_t{0});
+       }},
       {"deflated, cut",
        [](ByteVector& p) {
          p = qlx::test::deflatedGlyphPack(p);
