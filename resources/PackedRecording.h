@@ -19,7 +19,8 @@
 /// follow.
 namespace qlx::resources {
 
-/// Full scale is 1; the error of rounding to it is noise at -125 dB, 70 dB below the quietest recording.
+/// Full scale is 1; the error of rounding to it is noise at -125 dB, 70 dB below the quietest
+/// recording.
 inline constexpr float kSampleStep = 0x1p-19F;
 inline constexpr std::size_t kPredictorOrder = 8;
 inline constexpr std::size_t kPackedBlock = 4096;

@@ -3,6 +3,7 @@
 # Sourced by what runs several commands one after the other: step for each, then step_summary, which tells how each went.
 # A step that fails does not keep the others from running.
 step_results=()
+step_faults=()
 step_status=0
 step_log=$(mktemp)
 trap 'rm -f "$step_log"' EXIT
@@ -28,6 +29,7 @@ step() {
     result=FAILED
     step_status=1
   fi
+  [[ $result != FAILED* ]] || step_fault "$name"
   step_end "$name" "$result" $((SECONDS - begin))
 }
 
@@ -39,8 +41,18 @@ step_end() {
   step_results+=("$(printf '%-46s %3d min %2d s  %s' "$1" $(($3 / 60)) $(($3 % 60)) "$2")")
 }
 
+# What tells most of why a step failed: the lines that name a fault, else the last ones. In the summary, too, as whoever
+# reads a long log begins at its end.
+step_fault() {
+  local lines
+  lines=$(grep -E '(error|warning):|\*\*\*(Failed|Exception|Timeout)|FINDING|FAILED|SUMMARY: |^In .* line ' "$step_log" | head -n 20) ||
+    lines=$(tail -n 20 "$step_log")
+  step_faults+=("!! $1" "$lines")
+}
+
 # Fails if a step has.
 step_summary() {
+  if [ ${#step_faults[@]} -gt 0 ]; then printf '%s\n' "== what failed" "${step_faults[@]}"; fi
   echo "== summary"
   printf '%s\n' "${step_results[@]}"
   return "$step_status"
