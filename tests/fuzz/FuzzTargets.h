@@ -38,4 +38,13 @@ inline std::vector<FuzzTarget> allFuzzTargets() {
   return all;
 }
 
+/// What fuzzing found to reach further than the seeds, as kept in tests/fuzz/corpus by
+/// ./dev fuzz --keep: one file a target of inputs one after another, each behind its length in two
+/// bytes, the low one first. Throws std::runtime_error if the file is cut.
+std::vector<std::vector<std::uint8_t>> keptInputs(const char* target);
+
+/// Replaces the kept inputs of a target by the shortest files of FOLDER, as many as fit into 48
+/// KiB.
+void keepInputs(const char* target, const std::string& folder);
+
 } // namespace qlx::test

@@ -36,5 +36,16 @@ TEST(Fuzz, SeedsCutAndTurnedDoNoHarm) {
   testing::internal::GetCapturedStderr();
 }
 
+/// What fuzzing found to reach the most code, as it is.
+TEST(Fuzz, KeptInputsDoNoHarm) {
+  testing::internal::CaptureStderr();
+  for (const FuzzTarget& target : allFuzzTargets()) {
+    const auto inputs = keptInputs(target.name);
+    EXPECT_FALSE(inputs.empty()) << target.name;
+    for (const auto& input : inputs) target.run(input);
+  }
+  testing::internal::GetCapturedStderr();
+}
+
 } // namespace
 } // namespace qlx::test

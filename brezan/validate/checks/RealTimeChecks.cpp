@@ -70,12 +70,7 @@ void playWatched(const Effect& effect, Stall kind, Random random, int blocks) {
       watched(effect, kind, "setParameter on the audio thread", [&] { effect.set(index, value); });
     }
     if (random.chance(4)) {
-      for (int k = 0; k < events.count(); ++k)
-        events.midi(k,
-                    {static_cast<std::uint8_t>(random.between(0x80, 0xEF)),
-                     static_cast<std::uint8_t>(random.below(128)),
-                     static_cast<std::uint8_t>(random.below(128))},
-                    random.below(kBlock));
+      events.randomMidi(random, kBlock);
       watched(effect, kind, "process events",
               [&] { effect.call(sdk::EffectOpcode::ProcessEvents, 0, 0, events.list()); });
     }

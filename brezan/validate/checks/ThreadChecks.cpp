@@ -21,12 +21,7 @@ void playBlocks(const Effect& effect, int blocks, Random random) {
   TestSound sound(random);
   const EventMemory events(2);
   for (int i = 0; i < blocks; ++i) {
-    for (int k = 0; k < events.count(); ++k)
-      events.midi(k,
-                  {static_cast<std::uint8_t>(random.between(0x80, 0xEF)),
-                   static_cast<std::uint8_t>(random.below(128)),
-                   static_cast<std::uint8_t>(random.below(128))},
-                  random.below(kBlock));
+    events.randomMidi(random, kBlock);
     if (random.chance(8)) effect.call(sdk::EffectOpcode::ProcessEvents, 0, 0, events.list());
     audio.process(random.between(1, kBlock), std::ref(sound));
   }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include "brezan/validate/Random.h"
 #include "brezan/validate/host/GuardedMemory.h"
 #include "sdk/VstTypes.h"
 
@@ -33,6 +34,15 @@ class EventMemory {
     at.byteSize = sizeof(sdk::MidiEvent);
     at.deltaFrames = frame;
     for (std::size_t i = 0; i < bytes.size(); ++i) at.midiData[i] = static_cast<char>(bytes[i]);
+  }
+  /// A random channel message, at a random frame of a block of FRAMES, in each place.
+  void randomMidi(Random& random, int frames) const {
+    for (int i = 0; i < m_count; ++i) {
+      const auto status = static_cast<std::uint8_t>(random.between(0x80, 0xEF));
+      const auto first = static_cast<std::uint8_t>(random.below(128));
+      const auto second = static_cast<std::uint8_t>(random.below(128));
+      midi(i, {status, first, second}, random.below(frames));
+    }
   }
   /// A null pointer in its place.
   void remove(int index) const { pointers()[index] = nullptr; }
