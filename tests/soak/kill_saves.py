@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: ISC
 """kill_saves.py BREZAN [--kills N] [--seed S]: kills `brezan` with SIGKILL at random moments while it replaces presets, banks,
-states, settings, sound files and pictures; then lets each of these saves meet a full disk, a limit of file size, a folder that is
-read-only and one that vanishes. Afterwards there must be the whole old or the whole new file, and, once a save has succeeded,
+states, settings, sound files and pictures; then lets each of these saves meet a full disk, a quota, a limit of file size, a
+folder that is read-only and one that vanishes. Afterwards there must be the whole old or the whole new file, and, once a save has succeeded,
 nothing beside it. Prints how often each was found."""
 import argparse
 import collections
+import contextlib
 import math
 import os
 import pathlib
@@ -21,6 +22,7 @@ import time
 import wave
 
 VARIANTS = ("2dB", "5dB")
+REASONS = {"limit of file size": "File too large", "full disk": "No space left", "read-only": "Read-only", "quota": "quota exceeded"}
 
 
 class Save:
@@ -129,17 +131,64 @@ def kill_some(bench, save, kills, random_numbers):
     return "", found
 
 
+def make_quota(image, folder):
+    """FOLDER becomes a subvolume of btrfs, to which limit_quota may set a limit."""
+    with open(image, "wb") as file:
+        file.truncate(256 << 20)
+    subprocess.run(["mkfs.btrfs", "-q", image], stdout=subprocess.DEVNULL, check=True)
+    subprocess.run(["mount", "-o", "loop", image, folder], check=True)
+    subprocess.run(["btrfs", "-q", "quota", "enable", folder], check=True)
+    subprocess.run(["btrfs", "-q", "subvolume", "create", folder / "limited"], check=True)
+    subprocess.run(["umount", folder], check=True)
+    subprocess.run(["mount", "-o", "loop,subvol=limited", image, folder], check=True)
+
+
+def limit_quota(folder):
+    """No byte more than there is now."""
+    subprocess.run(["btrfs", "-q", "quota", "rescan", "-w", folder], check=True)
+    subprocess.run(["btrfs", "-q", "qgroup", "limit", "1", folder], check=True)
+
+
+@contextlib.contextmanager
+def disk_with(fault, folder, home):
+    """FOLDER with all that is in it lies on a file system of its own that has the fault."""
+    kept, image = home / "kept", home / "image"
+    shutil.move(folder, kept)
+    folder.mkdir()
+    if fault == "quota":
+        make_quota(image, folder)
+    else:
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=8m", "tmpfs", folder], check=True)
+    shutil.copytree(kept, folder, dirs_exist_ok=True)
+    if fault == "full disk":
+        space = os.statvfs(folder)
+        with open(folder / "filler", "wb") as filler:
+            filler.write(b"x" * (space.f_bavail * space.f_frsize))
+    elif fault == "read-only":
+        subprocess.run(["mount", "-o", "remount,ro", folder], check=True)
+    else:
+        limit_quota(folder)
+    try:
+        yield
+    finally:
+        subprocess.run(["umount", folder], check=True)
+        folder.rmdir()
+        shutil.move(kept, folder)
+        image.unlink(missing_ok=True)
+
+
 def meet_faults(bench, save, root):
     """Names of the faults met; a word on the first that does harm."""
     (first, _), _, _ = learn(bench, save)
     bench.must(*save.arguments(save.target, VARIANTS[0]))
     target = pathlib.Path(save.target)
-    neighbours, met = around(target), []
+    met = []
 
     def expect_refusal(fault, **more):
+        neighbours = around(target)
         code, said = bench.run(save.arguments(save.target, VARIANTS[1]), **more)
         met.append(fault)
-        if code == 0 or not said.strip():
+        if code == 0 or REASONS[fault] not in said and save.name != "settings" or not said.strip():
             return f"{save.name}, {fault}: exit code {code}, '{said.strip()}'"
         if content(target) != first or around(target) != neighbours:
             return f"{save.name}, {fault}: the old file is harmed, or something is left: {around(target)}"
@@ -150,26 +199,12 @@ def meet_faults(bench, save, root):
         signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
 
     wrong = expect_refusal("limit of file size", preexec_fn=limit)
-    if not wrong and root:
-        for fault, option in (("full disk", "size=4k,nr_inodes=5"), ("read-only", "size=8m,ro")):
-            disk = target.parent
-            kept = bench.home / "kept"
-            shutil.move(disk, kept)
-            disk.mkdir()
-            subprocess.run(["mount", "-t", "tmpfs", "-o", "size=8m", "tmpfs", disk], check=True)
-            shutil.copytree(kept, disk, dirs_exist_ok=True)
-            if fault == "full disk":
-                space = os.statvfs(disk)
-                with open(disk / "filler", "wb") as filler:
-                    filler.write(b"x" * (space.f_bavail * space.f_frsize))
-                neighbours = around(target)
-            else:
-                subprocess.run(["mount", "-o", "remount,ro", disk], check=True)
-            wrong = wrong or expect_refusal(fault)
-            subprocess.run(["umount", disk], check=True)
-            disk.rmdir()
-            shutil.move(kept, disk)
-            neighbours = around(target)
+    for fault in list(REASONS)[1:] if root else ():
+        if fault == "quota" and not shutil.which("mkfs.btrfs"):
+            met.append("quota not tried: no btrfs-progs")
+        elif not wrong:
+            with disk_with(fault, target.parent, bench.home):
+                wrong = expect_refusal(fault)
     if not wrong:
         gone = target.parent.with_name("gone")
         target.parent.rename(gone)

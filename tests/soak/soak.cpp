@@ -2,7 +2,7 @@
 // Hours of playing, faster than real time: the plug-in through the interface that hosts use, its
 // editor opened and closed, beside the plain model, which is told the same. A second of sound that
 // differs from the model's, a sample that is not finite, and heap, descriptors, threads, windows or
-// memory of the X server that grow end it with an error. Then the rotors alone, whose turns are
+// resources of the display that grow end it with an error. Then the rotors alone, whose turns are
 // compared with the closed form of their motion.
 #include "brezan/plugin/PluginHost.h"
 #include "tests/engine/EngineFixture.h"
@@ -13,6 +13,9 @@
 #include "tests/support/desktop/VirtualDisplay.h"
 #include "tests/support/desktop/X11Host.h"
 #include "tests/system/Scenario.h"
+
+#include <unistd.h>
+#include <xcb/res.h>
 
 #include <cstdio>
 #include <random>
@@ -73,14 +76,36 @@ class Programme {
   double m_phase[2]{}, m_hz[2]{};
 };
 
-struct Holdings {
-  std::size_t heap, descriptors, threads, clients;
+/// Windows, pictures, cursors and so on that the display keeps for this process.
+std::size_t displayResources(xcb_connection_t* xcb) {
+  const xcb_res_client_id_spec_t any{0, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+  const auto ids =
+      owned(xcb_res_query_client_ids_reply(xcb, xcb_res_query_client_ids(xcb, 1, &any), nullptr));
+  require(ids != nullptr, "the display does not tell of its resources");
+  std::size_t all = 0;
+  auto client = xcb_res_query_client_ids_ids_iterator(ids.get());
+  for (; client.rem > 0; xcb_res_client_id_value_next(&client)) {
+    if (*xcb_res_client_id_value_value(client.data) != static_cast<std::uint32_t>(getpid()))
+      continue;
+    const auto types = owned(xcb_res_query_client_resources_reply(
+        xcb, xcb_res_query_client_resources(xcb, client.data->spec.client), nullptr));
+    if (types == nullptr) continue; // it has just gone
+    const xcb_res_type_t* type = xcb_res_query_client_resources_types(types.get());
+    for (int i = 0; i < xcb_res_query_client_resources_types_length(types.get()); ++i)
+      all += type[i].count;
+  }
+  return all;
+}
 
-  static Holdings now(X11Host& screen) {
+/// What this process holds while no editor is open; of the display's resources, while one is.
+struct Holdings {
+  std::size_t heap, descriptors, threads, clients, resources;
+
+  static Holdings now(X11Host& screen, std::size_t resources) {
     const std::filesystem::directory_iterator tasks("/proc/self/task");
     return {heapBytes(), openDescriptors(),
             static_cast<std::size_t>(std::distance(begin(tasks), end(tasks))),
-            screen.children(screen.window())};
+            screen.children(screen.window()), resources};
   }
 };
 
@@ -105,7 +130,7 @@ class Session {
     m_model.restoreSlots(0);
     playFor(20.0);
     closeEditor();
-    const Holdings first = Holdings::now(m_screen);
+    const Holdings first = Holdings::now(m_screen, m_resources);
     for (double next = 600.0; m_seconds < static_cast<double>(m_frames);) {
       act();
       playFor(0.05 + 2.0 * share() * share());
@@ -113,8 +138,10 @@ class Session {
       next += 600.0;
       report();
     }
+    if (!m_editorOpen) openEditor();
+    m_host.idleEditor();
     closeEditor();
-    compare(first, Holdings::now(m_screen));
+    compare(first, Holdings::now(m_screen, m_resources));
     report();
   }
 
@@ -184,7 +211,11 @@ class Session {
     ++m_openings;
   }
   void closeEditor() {
-    if (m_editorOpen) m_host.closeEditor();
+    if (m_editorOpen) {
+      m_screen.sync();
+      m_resources = displayResources(m_screen.xcb());
+      m_host.closeEditor();
+    }
     m_editorOpen = false;
     m_screen.sync();
   }
@@ -234,13 +265,14 @@ class Session {
 
   void compare(const Holdings& first, const Holdings& last) const {
     std::printf("seed %u: heap %zu -> %zu bytes, descriptors %zu -> %zu, threads %zu -> %zu, "
-                "windows in the host's %zu -> %zu\n",
+                "windows in the host's %zu -> %zu, the display's resources with an editor %zu -> "
+                "%zu\n",
                 m_seed, first.heap, last.heap, first.descriptors, last.descriptors, first.threads,
-                last.threads, first.clients, last.clients);
+                last.threads, first.clients, last.clients, first.resources, last.resources);
     require(last.heap <= first.heap + kHeapSlack, "the heap has grown" + where());
     require(last.descriptors <= first.descriptors && last.threads <= first.threads &&
-                last.clients <= first.clients,
-            "descriptors, threads or windows are left" + where());
+                last.clients <= first.clients && last.resources <= first.resources,
+            "descriptors, threads, windows or what the display keeps are left" + where());
   }
 
   void report() const {
@@ -257,6 +289,7 @@ class Session {
   tools::PluginHost m_host;
   reference::ReferenceEffect m_model;
   X11Host m_screen;
+  std::size_t m_resources = 0; // when the editor was closed
   long long m_frames;
   double m_rate = 44100.0, m_seconds = 0.0, m_untilIdle = 0.0;
   bool m_editorOpen = false, m_started = false;
