@@ -39,12 +39,12 @@ inline std::vector<FuzzTarget> allFuzzTargets() {
 }
 
 /// What fuzzing found to reach further than the seeds, as kept in tests/fuzz/corpus by
-/// ./dev fuzz --keep: one file a target of inputs one after another, each behind its length in two
-/// bytes, the low one first. Throws std::runtime_error if the file is cut.
+/// ./dev fuzz --keep: one file a target, of inputs one after another, each behind its length in two
+/// bytes, the low one first. None if there is no such file; throws std::runtime_error if it is cut.
 std::vector<std::vector<std::uint8_t>> keptInputs(const char* target);
 
-/// Replaces the kept inputs of a target by the shortest files of FOLDER, as many as fit into 48
-/// KiB.
+/// Replaces the kept inputs of a target by the shortest files of FOLDER that together fit into
+/// 24 KiB.
 void keepInputs(const char* target, const std::string& folder);
 
 } // namespace qlx::test

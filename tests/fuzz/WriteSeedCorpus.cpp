@@ -23,8 +23,7 @@ void writeSeeds(const std::filesystem::path& to) {
 } // namespace
 
 /// Writes the seeds of every fuzz target and what is kept of earlier runs into FOLDER/<target>/;
-/// with
-/// --keep takes what is to be kept from there.
+/// with --keep takes what is to be kept from there.
 int main(int argc, char** argv) {
   try {
     if (argc == 2) {
