@@ -82,7 +82,7 @@ RotaryEffect::RotaryEffect(sdk::HostCallback host)
   selectPreset(0);
   m_engine.performAllPendingWork();
   suspend();
-  resume();
+  switchOn();
   suspend();
 }
 
@@ -112,6 +112,11 @@ void RotaryEffect::fillFactoryPresets() {
 void RotaryEffect::suspend() { m_engine.switchOff(); }
 
 void RotaryEffect::resume() {
+  resources::unpackNoiseRecordings();
+  switchOn();
+}
+
+void RotaryEffect::switchOn() {
   CPresetSystemEffect::resume();
   m_engine.switchOn();
 }

@@ -26,6 +26,7 @@ class RotaryEffect final : public presets::CPresetSystemEffect, public editor::E
   ~RotaryEffect() override { destroyEditor(); }
 
   void suspend() override;
+  /// The first of all instances to be resumed unpacks the recordings that they share.
   void resume() override;
   void setSampleRate(float hz) override;
   void processReplacing(float** inputs, float** outputs, std::int32_t frames) override;
@@ -65,6 +66,7 @@ class RotaryEffect final : public presets::CPresetSystemEffect, public editor::E
   double sustainState() const noexcept override { return m_midiLever.sustainState(); }
 
  private:
+  void switchOn();
   void createEditor();
   void fillFactoryPresets();
   void applyParameterDefaults();

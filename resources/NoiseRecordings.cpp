@@ -4,10 +4,11 @@
 #include "resources/PackedRecording.h"
 
 #include <array>
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
-#include <vector>
 
 namespace qlx::resources {
 
@@ -31,35 +32,48 @@ extern const std::byte qlxRecordings[];
 
 namespace {
 
-class UnpackedRecordings {
+constexpr std::size_t kTotalLength =
+    std::accumulate(kLengths.begin(), kLengths.end(), std::size_t{0});
+
+class RecordingMemory {
  public:
-  UnpackedRecordings()
-      : m_samples(std::accumulate(kLengths.begin(), kLengths.end(), std::size_t{0})) {
-    std::span<float> room(m_samples);
+  RecordingMemory() {
+    std::span rest(m_samples.get(), kTotalLength);
     for (std::size_t i = 0; i < kLengths.size(); ++i) {
-      const std::span packed(qlxRecordings + qlxRecordingPlaces[i],
-                             qlxRecordings + qlxRecordingPlaces[i + 1]);
-      const auto samples = room.first(kLengths[i]);
-      room = room.subspan(samples.size());
-      if (!unpackRecording(packed, samples)) throw std::logic_error("a recording is damaged");
-      m_spans[i] = samples;
+      m_spans[i] = rest.first(kLengths[i]);
+      rest = rest.subspan(kLengths[i]);
     }
   }
 
-  engine::Recordings spans() const {
-    return {{m_spans[0], m_spans[1]}, m_spans[2], m_spans[3], m_spans[4], m_spans[5]};
+  engine::Recordings recordings() const {
+    return {{m_spans[0], m_spans[1]}, m_spans[2], m_spans[3], m_spans[4], m_spans[5], &m_filled};
+  }
+
+  void fill() {
+    for (std::size_t i = 0; i < kLengths.size(); ++i) {
+      const std::span packed(qlxRecordings + qlxRecordingPlaces[i],
+                             qlxRecordings + qlxRecordingPlaces[i + 1]);
+      if (!unpackRecording(packed, m_spans[i])) throw std::logic_error("a recording is damaged");
+    }
+    m_filled.store(true, std::memory_order_release);
   }
 
  private:
-  std::vector<float> m_samples;
-  std::array<std::span<const float>, kLengths.size()> m_spans{};
+  /// Not written before it is filled: the system takes no page for it until then.
+  std::unique_ptr<float[]> m_samples = std::make_unique_for_overwrite<float[]>(kTotalLength);
+  std::array<std::span<float>, kLengths.size()> m_spans{};
+  std::atomic<bool> m_filled{false};
 };
+
+RecordingMemory& memory() {
+  static RecordingMemory shared;
+  return shared;
+}
 
 } // namespace
 
-engine::Recordings noiseRecordings() {
-  static const UnpackedRecordings unpacked;
-  return unpacked.spans();
-}
+engine::Recordings noiseRecordings() { return memory().recordings(); }
+
+void unpackNoiseRecordings() { [[maybe_unused]] static const bool once = (memory().fill(), true); }
 
 } // namespace qlx::resources

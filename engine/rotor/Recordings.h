@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <span>
 
@@ -31,6 +32,10 @@ struct Recordings {
   std::span<const float> drumSlow;  ///< kDrumSlowLength + guard
   std::span<const float> drumFast;  ///< kDrumFastLength + guard
   std::span<const float> startStop; ///< kStartStopLength + 1
+
+  /// Whether the memory is filled; until then nothing reads it and the motors are silent. Null:
+  /// it is from the beginning. May become true at any time, by any thread; never false again.
+  const std::atomic<bool>* filled = nullptr;
 };
 
 } // namespace qlx::engine

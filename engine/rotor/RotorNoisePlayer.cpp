@@ -74,12 +74,11 @@ NoiseBlend NoiseSpeedRange::drumBlend(double speed) const noexcept {
   return {std::sqrt(std::sqrt(1.0 - x)), x * x};
 }
 
-RotorNoisePlayer::RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
-                                   std::span<const float> fastLoop,
-                                   std::span<const float> startStop,
+RotorNoisePlayer::RotorNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
+                                   std::span<const float> slowLoop, std::span<const float> fastLoop,
                                    const Distance& distance) noexcept
-    : m_kernels(kernels), m_distance(distance), m_slowLoop(slowLoop), m_fastLoop(fastLoop),
-      m_switchSound(startStop),
+    : m_kernels(kernels), m_distance(distance), m_filled(recordings.filled), m_slowLoop(slowLoop),
+      m_fastLoop(fastLoop), m_switchSound(recordings.startStop),
       m_bandPass(44100.0, Response::BandPass, distance.bandHz, distance.firstQ, 0) {
   m_bandPass.setEnabled(true);
 }
@@ -127,10 +126,11 @@ RotorNoisePlayer::Gains RotorNoisePlayer::gainsFor(std::span<const double> speed
     }
     m_blendedSpeed = -1.0;
   }
+  const bool filled = areRecordingsFilled();
   const auto heard = [&](const SubBlock& samples) {
-    return std::any_of(samples.begin(),
-                       samples.begin() + static_cast<std::ptrdiff_t>(speeds.size()),
-                       [](double gain) { return gain != 0.0; });
+    return filled && std::any_of(samples.begin(),
+                                 samples.begin() + static_cast<std::ptrdiff_t>(speeds.size()),
+                                 [](double gain) { return gain != 0.0; });
   };
   gains.slowHeard = heard(gains.slow);
   gains.fastHeard = heard(gains.fast);
@@ -144,8 +144,9 @@ void RotorNoisePlayer::addSwitchSound(std::span<double> samples) noexcept {
 
 HornNoisePlayer::HornNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
                                  int microphone) noexcept
-    : RotorNoisePlayer(kernels, recordings.hornSlow[static_cast<std::size_t>(microphone)],
-                       recordings.hornFast, recordings.startStop, kHornDistance),
+    : RotorNoisePlayer(recordings, kernels,
+                       recordings.hornSlow[static_cast<std::size_t>(microphone)],
+                       recordings.hornFast, kHornDistance),
       m_turnOffset(kHornTurnOffset[static_cast<std::size_t>(microphone)]) {}
 
 void HornNoisePlayer::setSampleRate(double hz) noexcept {
@@ -198,7 +199,7 @@ void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
 
 DrumNoisePlayer::DrumNoisePlayer(const Recordings& recordings,
                                  const kernels::Kernels& kernels) noexcept
-    : RotorNoisePlayer(kernels, recordings.drumSlow, recordings.drumFast, recordings.startStop,
+    : RotorNoisePlayer(recordings, kernels, recordings.drumSlow, recordings.drumFast,
                        kDrumDistance) {}
 
 void DrumNoisePlayer::setSampleRate(double hz) noexcept {

@@ -6,6 +6,7 @@
 #include "engine/signal/Biquad.h"
 #include "engine/signal/SubBlock.h"
 
+#include <atomic>
 #include <cstdint>
 #include <span>
 
@@ -68,7 +69,9 @@ class RotorNoisePlayer {
   void setSlowVolume(double volume) noexcept { m_slowVolume = volume; }
   void setFastVolume(double volume) noexcept { m_fastVolume = volume; }
   void setSwitchVolume(double volume) noexcept { m_switchSound.setVolume(volume); }
-  void trigger() noexcept { m_switchSound.trigger(); }
+  void trigger() noexcept {
+    if (areRecordingsFilled()) m_switchSound.trigger();
+  }
 
   /// Farther microphones hear less of the noise, and more of the band's middle.
   void setMicDistance(double metres) noexcept;
@@ -83,8 +86,8 @@ class RotorNoisePlayer {
     double exponent;
   };
 
-  RotorNoisePlayer(const kernels::Kernels& kernels, std::span<const float> slowLoop,
-                   std::span<const float> fastLoop, std::span<const float> startStop,
+  RotorNoisePlayer(const Recordings& recordings, const kernels::Kernels& kernels,
+                   std::span<const float> slowLoop, std::span<const float> fastLoop,
                    const Distance& distance) noexcept;
 
   void setRate(double hz) noexcept; ///< engine rate
@@ -101,9 +104,13 @@ class RotorNoisePlayer {
                  NoiseBlend (NoiseSpeedRange::*law)(double) const noexcept) noexcept;
   void addSwitchSound(std::span<double> samples) noexcept;
   double gain(double level) const noexcept { return m_distanceGain * level; }
+  bool areRecordingsFilled() const noexcept {
+    return m_filled == nullptr || m_filled->load(std::memory_order_acquire);
+  }
 
   const kernels::Kernels& m_kernels;
   const Distance& m_distance;
+  const std::atomic<bool>* m_filled;
   std::span<const float> m_slowLoop;
   std::span<const float> m_fastLoop;
   SwitchSound m_switchSound;

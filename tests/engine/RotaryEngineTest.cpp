@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <xmmintrin.h>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -288,6 +289,31 @@ TEST(RotaryEngine, StopAndReleaseBetweenTwoBlocksStillSounds) {
   f.engine.set(Setting::Stop, 1.0);
   f.engine.set(Setting::Stop, 0.0);
   EXPECT_GT(peak(f.render(4096, 512, 0.0).left), 1e-4);
+}
+
+/// Recordings that are unpacked while an engine is running already.
+TEST(RotaryEngine, MotorsAreSilentUntilTheirRecordingsAreFilled) {
+  const test::PlainRecordings loud(0.5F);
+  std::atomic<bool> filled{false};
+  Recordings recordings = loud.spans();
+  recordings.filled = &filled;
+  EngineFixture f(recordings), late(recordings);
+  for (EngineFixture* each : {&f, &late}) {
+    for (const Setting s : {Setting::HornSlowNoiseVolume, Setting::HornFastNoiseVolume,
+                            Setting::DrumSlowNoiseVolume, Setting::DrumFastNoiseVolume,
+                            Setting::HornSwitchNoiseVolume, Setting::DrumSwitchNoiseVolume})
+      each->engine.set(s, 1.0);
+    each->settle();
+  }
+  for (const double stop : {1.0, 0.0}) { // the switch's sound is there, too
+    f.engine.set(Setting::Stop, stop);
+    EXPECT_LT(peak(f.render(4096, 512, 0.0).left), 1e-9);
+  }
+  filled = true;
+  late.engine.set(Setting::Stop, 1.0);
+  for (EngineFixture* each : {&f, &late}) {
+    EXPECT_GT(peak(each->render(4096, 512, 0.0).left), 1e-4);
+  }
 }
 
 TEST(RotaryEngine, ProcessingAllocatesNothing) {

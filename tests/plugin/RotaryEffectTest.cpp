@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: ISC
+#include "resources/NoiseRecordings.h"
 #include "tests/support/CountingAllocator.h"
 #include "tests/support/EffectFixture.h"
 #include "tests/support/MidiMessage.h"
@@ -6,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <numbers>
@@ -349,6 +351,22 @@ TEST_F(RotaryEffectTest, ValuesOutOfRangeAreSoonForgotten) {
     loudest(0.1);
     EXPECT_LT(loudest(0.4), 4.0F * undisturbed) << "trial " << trial;
   }
+}
+
+/// What follows runs in a process of its own, where no other test has resumed an instance.
+TEST(RotaryEffectCreation, RecordingsStayPackedUntilAnInstanceIsResumed) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto unpacked = [] { return resources::noiseRecordings().filled->load(); };
+  const auto steps = [&] {
+    RotaryEffect first(nullptr), second(nullptr);
+    first.setSampleRate(48000.0F);
+    for (const int on : {0, 1, 1}) {
+      if (on != 0) (unpacked() ? second : first).resume();
+      if (unpacked() != (on != 0)) std::exit(1);
+    }
+    std::exit(0);
+  };
+  EXPECT_EXIT(steps(), testing::ExitedWithCode(0), "");
 }
 
 /// For the thread sanitizer as much as for the result: the host's threads meet in single values

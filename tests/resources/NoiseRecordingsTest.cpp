@@ -25,6 +25,7 @@ using recordings::Signal;
 using Samples = std::span<const float>;
 
 std::array<Samples, 6> allRecordings() {
+  resources::unpackNoiseRecordings();
   const engine::Recordings r = resources::noiseRecordings();
   return {r.hornSlow[0], r.hornSlow[1], r.hornFast, r.drumSlow, r.drumFast, r.startStop};
 }

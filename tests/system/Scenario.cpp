@@ -142,6 +142,7 @@ Stereo play(const std::string& script, Player& player) {
 }
 
 reference::Recordings plugInRecordings() {
+  resources::unpackNoiseRecordings();
   const engine::Recordings r = resources::noiseRecordings();
   return {r.hornSlow[0], r.hornSlow[1], r.hornFast, r.drumSlow, r.drumFast, r.startStop};
 }
