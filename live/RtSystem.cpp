@@ -112,7 +112,8 @@ void RtSystem::openAudio(const Wishes& wishes) {
   const auto callback = [](void* out, void* in, unsigned frames, double, RtAudioStreamStatus status,
                            void* self) {
     auto& system = *static_cast<RtSystem*>(self);
-    if (status != 0) system.m_lateBlocks.fetch_add(1, std::memory_order_relaxed);
+    constexpr int kAbort = 2;
+    if (!system.hasClock(status != 0)) return kAbort;
     system.process(static_cast<float*>(out), static_cast<const float*>(in),
                    static_cast<int>(frames));
     return 0;
@@ -159,6 +160,25 @@ void RtSystem::stop() noexcept {
     if (m_audio && m_audio->isStreamRunning()) m_audio->abortStream();
   } catch (const RtAudioError&) { // it stands still, then
   }
+}
+
+/// A card that has been unplugged asks for block after block, each late and none waited for, and
+/// would keep a processor busy at the highest priority.
+bool RtSystem::hasClock(bool isLate) noexcept {
+  constexpr int kMostInARow = 100;
+  if (!isLate) {
+    m_lateInARow = 0;
+    return true;
+  }
+  m_lateBlocks.fetch_add(1, std::memory_order_relaxed);
+  const auto now = std::chrono::steady_clock::now();
+  if (m_lateInARow++ == 0) m_lateSince = now;
+  if (m_lateInARow <= kMostInARow) return true;
+  const std::chrono::duration<double> taken = now - m_lateSince;
+  const bool tooFast = taken.count() * m_rate < 0.5 * kMostInARow * m_blockFrames;
+  m_lateInARow = 0;
+  if (tooFast) m_alive.store(false, std::memory_order_relaxed);
+  return !tooFast;
 }
 
 void RtSystem::process(float* out, const float* in, int frames) noexcept {

@@ -5,6 +5,7 @@
 #include "live/Ring.h"
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,7 +41,8 @@ class RtSystem final : public AudioSystem {
   void start(BlockProcessor& processor) override;
   void stop() noexcept override;
   int lateBlocks() const override { return m_lateBlocks.load(std::memory_order_relaxed); }
-  bool isAlive() const override { return true; }
+  /// False once the card has gone.
+  bool isAlive() const override { return m_alive.load(std::memory_order_relaxed); }
   std::size_t midiInputs() const { return m_midi.size(); }
 
  private:
@@ -52,6 +54,7 @@ class RtSystem final : public AudioSystem {
   void openAudio(const Wishes& wishes);
   void openMidi(const std::string& wanted);
   void process(float* out, const float* in, int frames) noexcept;
+  bool hasClock(bool isLate) noexcept;
 
   std::unique_ptr<RtAudio> m_audio;
   std::vector<std::unique_ptr<MidiInput>> m_midi;
@@ -62,6 +65,9 @@ class RtSystem final : public AudioSystem {
   std::vector<float> m_silence;
   std::array<MidiMessage, kMostMessages> m_messages{}; ///< the audio thread's
   std::atomic<int> m_lateBlocks{0};
+  std::atomic<bool> m_alive{true};
+  int m_lateInARow = 0; ///< this and the next: the audio thread's
+  std::chrono::steady_clock::time_point m_lateSince;
 };
 
 } // namespace qlx::live
