@@ -97,20 +97,70 @@ constexpr std::array<PortScale, kNumHostParameters> kScales = {{
     {position<17>, PortKind::kChoice}, // MIDIchl
 }};
 
-/// The last float in 0..1 that a predicate holds for, which holds up to some place; floats that
-/// are not negative stand in the order of their bits. 0 when it holds nowhere.
+/// The last float in 0..1 that a predicate holds for, which holds up to some place, best near
+/// `near`; floats that are not negative stand in the order of their bits. 0 when it holds nowhere.
 template <typename Holds>
-float lastWhere(Holds holds) noexcept {
-  std::uint32_t low = 0;
-  std::uint32_t high = std::bit_cast<std::uint32_t>(1.0F);
+float lastWhere(Holds holds, float near) noexcept {
+  constexpr auto kTop = std::bit_cast<std::uint32_t>(1.0F);
+  const auto holdsAt = [&](std::uint32_t bits) { return holds(std::bit_cast<float>(bits)); };
+  auto low = std::bit_cast<std::uint32_t>(near); // holds, in the end
+  std::uint32_t high = low;                      // above it nothing does
+  std::uint32_t step = 1;
+  if (holdsAt(low)) {
+    for (; high < kTop; step *= 4) {
+      const std::uint32_t probe = std::min(kTop, low + step);
+      if (!holdsAt(probe)) {
+        high = probe - 1;
+        break;
+      }
+      low = high = probe;
+    }
+  } else {
+    do {
+      if (low == 0) return 0.0F;
+      high = low - 1;
+      low -= std::min(low, step);
+      step *= 4;
+    } while (!holdsAt(low));
+  }
   while (low < high) {
     const std::uint32_t middle = low + (high - low + 1) / 2;
-    if (holds(std::bit_cast<float>(middle)))
+    if (holdsAt(middle))
       low = middle;
     else
       high = middle - 1;
   }
   return std::bit_cast<float>(low);
+}
+
+/// Some place near the one where `toPort` reaches `port`, by the rule of false position: the end
+/// that stays twice counts half. `port` is above that of 0.
+float nearPlaceOf(float port, float (*toPort)(float) noexcept) noexcept {
+  constexpr int kMostSteps = 12; // for curves that the rule is no good for
+  double low = 0.0;
+  double high = 1.0;
+  double under = static_cast<double>(toPort(0.0F)) - port;
+  double over = static_cast<double>(toPort(1.0F)) - port;
+  if (over <= 0.0) return 1.0F;
+  int side = 0;
+  auto v = 0.0F;
+  for (int i = 0; i < kMostSteps; ++i) {
+    v = static_cast<float>(low - under * (high - low) / (over - under));
+    const double miss = static_cast<double>(toPort(v)) - port;
+    if (miss == 0.0) break;
+    if (miss < 0.0) {
+      low = v;
+      under = miss;
+      if (side < 0) over /= 2.0;
+      side = -1;
+    } else {
+      high = v;
+      over = miss;
+      if (side > 0) under /= 2.0;
+      side = 1;
+    }
+  }
+  return v;
 }
 
 float next(float v) noexcept {
@@ -146,10 +196,11 @@ float PortScale::toValue(float port) const noexcept {
     return std::clamp(share, 0.0F, 1.0F);
   }
   if (!(port > from)) return 0.0F;
-  const float high = lastWhere([&](float v) { return toPort(v) <= port; });
+  const float near = nearPlaceOf(port, toPort);
+  const float high = lastWhere([&](float v) { return toPort(v) <= port; }, near);
   if (toPort(high) == port) {
     if (high == 0.0F) return high;
-    const float below = lastWhere([&](float v) { return toPort(v) < port; });
+    const float below = lastWhere([&](float v) { return toPort(v) < port; }, high);
     return plainest(next(below), high);
   }
   const float above = next(high);
