@@ -291,13 +291,13 @@ void play(const LiveOptions& options, ManagedSession& session) {
   if (const auto* client = dynamic_cast<const live::JackSystem*>(player->system()))
     say("playing as JACK client \"" + client->name() + "\" at " + fixed(client->rate(), 0) +
         " Hz in blocks of " + std::to_string(client->blockFrames()) + " frames");
-  if (const auto* card = dynamic_cast<const live::RtSystem*>(player->system())) {
+  if (const auto* card = dynamic_cast<const live::RtSystem*>(player->system()))
     say("playing on the sound card at " + fixed(card->rate(), 0) + " Hz in blocks of " +
         std::to_string(card->blockFrames()) + " frames, " + std::to_string(card->midiInputs()) +
         " MIDI inputs");
-    if (!lockMemory())
-      std::cerr << "brezan: warning: this user may not lock memory; see 'ulimit -l'\n";
-  }
+  // A server that runs in real time needs the same right of its user and has said so.
+  if (!lockMemory() && dynamic_cast<const live::RtSystem*>(player->system()) != nullptr)
+    std::cerr << "brezan: warning: this user may not lock memory; see 'ulimit -l'\n";
 
   live::LearnMenu menu(*player, [&names](int parameter) { return names[parameter]; });
   host.setMenuListener([&menu](sdk::EditorMenu& shown) { return menu.answer(shown); });
