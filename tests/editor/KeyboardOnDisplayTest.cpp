@@ -79,13 +79,26 @@ class KeyboardOnDisplay : public testing::TestWithParam<bool> {
     user("mousemove " + std::to_string(left + x) + " " + std::to_string(top + y) + " " + then);
   }
   void click(int x, int y) { point(x, y, "click 1"); }
+  /// The host's window comes to another screen.
+  void moveTo(std::uint32_t x, std::uint32_t y, double scale) {
+    rig.editor->setHostScale(scale);
+    rig.editor->idle();
+    sdk::EditRectangle* size = nullptr;
+    ASSERT_TRUE(rig.editor->getRect(&size));
+    host->resizeWindow(size->right, size->bottom + kRim);
+    host->moveWindow(x, y);
+    ASSERT_TRUE(until([&] { return host->corner().first >= static_cast<int>(x); }));
+    user("sleep 0.1"); // a window manager may move it once more
+    std::tie(left, top) = host->corner();
+    rig.effect.log.clear();
+  }
   void leave() { point(kWidth / 2, kHeight + kRim / 2); }
   void key(const char* codes) { user(std::string("key --delay 1 ") + codes); }
 
   std::string name() const { return std::string(rig.effect.getPresetSlot(0).nameText()); }
 
   TemporaryFolder folder;
-  VirtualDisplay display{{"-screen", "0", "800x700x24"}};
+  VirtualDisplay display{{"-screen", "0", "1000x1300x24"}};
   std::optional<ChildProcess> manager;
   std::optional<X11Host> host;
   EditorRig rig{&platform::nativeWindowSystem()};
@@ -132,6 +145,37 @@ TEST_P(KeyboardOnDisplay, WalkingLeavesTheHostItsKeys) {
   EXPECT_EQ(host->focused(), host->window());
   key("23 116");
   EXPECT_EQ(host->keys(), "23 116");
+}
+
+TEST_P(KeyboardOnDisplay, HandAndKeysFollowTheWindowToScreensOfOtherScales) {
+  std::uint32_t x = 20;
+  for (const double scale : {1.0, 2.0, 1.5, 1.0}) {
+    SCOPED_TRACE(scale);
+    for (int i = 0; i < 36; ++i) rig.effect.setParameter(i, 0.0F);
+    moveTo(x += 15, 40, scale);
+    const auto at = [scale](double logical) { return static_cast<int>(logical * scale); };
+    const auto moved = [&](int toX, int toY, const char* then) { point(at(toX), at(toY), then); };
+    moved(42, 75, "mousedown 1");
+    moved(62, 75, "mouseup 1");
+    moved(357, 187, "click 1");
+    moved(372, 365, "click 1");
+    moved(369, 543, "click 1");
+    EXPECT_EQ(std::exchange(rig.effect.log, {}),
+              "(17 17=50 )17 (2 2=1000 )2 (4 4=0 4=1000 )4 (0 0=0 0=1000 )0");
+    moved(42, 75, "click 1");
+    key(kTab);
+    key("111");
+    EXPECT_EQ(rig.effect.log, "(17 )17 (18 18=10 )18");
+    const auto shown = host->pixels(host->window(), static_cast<std::uint16_t>(at(401)),
+                                    static_cast<std::uint16_t>(at(570)));
+    gui::PixelBuffer whole(at(401), at(570));
+    gui::CDrawContext context(whole, rig.frame().getTypeface(), scale);
+    rig.frame().draw(context);
+    EXPECT_TRUE(shown == whole.pixels) << "the screen shows another picture";
+    key(kEscape);
+    EXPECT_EQ(host->focused(), host->window());
+    host->keys();
+  }
 }
 
 TEST_P(KeyboardOnDisplay, LayoutMayChangeWhileAnEditorIsOpen) {

@@ -78,6 +78,13 @@ class X11Host {
     xcb_configure_window(m_xcb, m_window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place.data());
     sync();
   }
+  void resizeWindow(int width, int height) {
+    const std::array<std::uint32_t, 2> size{static_cast<std::uint32_t>(width),
+                                            static_cast<std::uint32_t>(height)};
+    xcb_configure_window(m_xcb, m_window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         size.data());
+    sync();
+  }
   void warp(std::int16_t x, std::int16_t y) {
     xcb_warp_pointer(m_xcb, XCB_NONE, m_window, 0, 0, 0, 0, x, y);
     sync();
