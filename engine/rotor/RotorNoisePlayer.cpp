@@ -179,7 +179,7 @@ void HornNoisePlayer::read(std::span<const double> speeds, double micAngle,
   const double loopOffset = micAngle / kHornFastTurns + m_turnOffset;
   const auto n = static_cast<int>(speeds.size());
   const Gains gains = gainsFor(speeds, &NoiseSpeedRange::hornBlend);
-  SubBlock position, sum{};
+  SubBlock position{}, sum{}; // kernels read whole vectors
   if (gains.slowHeard) {
     for (std::size_t i = 0; i < speeds.size(); ++i)
       position[i] = m_slowPosition + static_cast<double>(static_cast<int>(i)) * m_slowStep;
@@ -229,7 +229,7 @@ void DrumNoisePlayer::process(std::span<const double> speeds, double micAngle, d
   const double loopOffset = micAngle / kDrumFastTurns + kDrumTurnOffset;
   const auto n = static_cast<int>(speeds.size());
   const Gains gains = gainsFor(speeds, &NoiseSpeedRange::drumBlend);
-  SubBlock position, slow{}, fast{}, between{};
+  SubBlock position{}, slow{}, fast{}, between{}; // kernels read whole vectors
   advanceTurns(m_slowPhase, 1.0 / kDrumSlowTurns, speeds, {position.data(), speeds.size()});
   if (gains.slowHeard) {
     for (std::size_t i = 0; i < speeds.size(); ++i) position[i] *= kSlow;

@@ -16,6 +16,9 @@ import subprocess
 import sys
 import time
 
+# What makes a compiler take a precompiled header, which a folder that is configured but not built has none of; the header's
+# text is included beside it.
+PRECOMPILED = re.compile(r" -Xclang -include-pch -Xclang \S+")
 NOT_CHECKED = re.compile(r"^(tests|bench|build)/")
 INCLUDE = re.compile(rb'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 
@@ -51,9 +54,17 @@ class Includes:
         return sorted(found)
 
 
-def sources(root, build, pattern):
-    """(file, command) of what is to be checked, by the compilation database."""
-    for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
+def without_precompiled(build, to):
+    """Entries of the compilation database of BUILD, which are also written into the folder TO."""
+    text = PRECOMPILED.sub("", (build / "compile_commands.json").read_text(encoding="utf-8"))
+    to.mkdir(exist_ok=True)
+    (to / "compile_commands.json").write_text(text, encoding="utf-8")
+    return json.loads(text)
+
+
+def sources(root, entries, pattern):
+    """(file, command) of what is to be checked."""
+    for entry in entries:
         path = pathlib.Path(entry["directory"], entry["file"]).resolve()
         name = str(path.relative_to(root)) if path.is_relative_to(root) else ""
         if path.suffix == ".cpp" and name and not NOT_CHECKED.match(name) and re.search(pattern, name):
@@ -63,15 +74,15 @@ def sources(root, build, pattern):
 class Tidy:
     """Runs clang-tidy on several sources at once, until a point in time if one is given."""
 
-    def __init__(self, root, build, end):
-        self.root, self.build, self.end = root, build, end
+    def __init__(self, root, database, end):
+        self.root, self.database, self.end = root, database, end
 
     def check(self, name):
         """(exit code, text); code None: not finished in time."""
         left = None if self.end is None else self.end - time.monotonic()
         if left is not None and left <= 0:
             return None, ""
-        command = ["clang-tidy", "-p", str(self.build), "--quiet", str(self.root / name)]
+        command = ["clang-tidy", "-p", str(self.database), "--quiet", str(self.root / name)]
         with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                               start_new_session=True) as process:
             try:
@@ -95,6 +106,8 @@ def main():
     root, build = options.root, options.build
     end = None if options.limit is None else time.monotonic() + 60 * options.limit
 
+    database = build / "tidy-commands"
+    entries = without_precompiled(build, database)
     stamps = build / "tidy"
     stamps.mkdir(exist_ok=True)
     common = subprocess.run(["clang-tidy", "--version"], capture_output=True, text=True, check=True).stdout
@@ -102,7 +115,7 @@ def main():
     includes = Includes(root)
     waiting = {}
     total = 0
-    for name, command in sources(root, build, options.files):
+    for name, command in sources(root, entries, options.files):
         total += 1
         key = [common, command] + [f"{part} {includes.sums[part]}" for part in includes.closure(name)]
         stamp = stamps / hashlib.sha256("\n".join(key).encode()).hexdigest()
@@ -115,7 +128,7 @@ def main():
         return 1
     print(f"tidy: {total - len(waiting)} of {total} sources are known to be clean", flush=True)
 
-    tidy = Tidy(root, build, end)
+    tidy = Tidy(root, database, end)
     faulty, stopped, unread, done = [], [], [], 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         futures = {pool.submit(tidy.check, name): name for name in waiting}
