@@ -3,6 +3,7 @@
 
 #include <RtAudio.h>
 #include <RtMidi.h>
+#include <alsa/asoundlib.h>
 
 #include <algorithm>
 #include <charconv>
@@ -19,6 +20,21 @@ constexpr int kPriority = 70;
 constexpr unsigned kMostShown = 999;
 
 void ignore(RtAudioError::Type /*type*/, const std::string& /*words*/) {}
+
+void silent(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/,
+            const char* /*words*/, ...) {}
+
+// ALSA's library tells on standard error of each device that it tried in vain; what matters of that
+// is said by this system.
+void quieten() { snd_lib_error_set_handler(silent); }
+
+// RtMidi would write to standard error.
+bool hasMidi() {
+  snd_seq_t* sequencer = nullptr;
+  if (snd_seq_open(&sequencer, "default", SND_SEQ_OPEN_DUPLEX, SND_SEQ_NONBLOCK) < 0) return false;
+  snd_seq_close(sequencer);
+  return true;
+}
 
 bool matches(const std::string& wanted, unsigned number, const std::string& name) {
   unsigned asked = 0;
@@ -52,6 +68,7 @@ RtAudio::StreamParameters device(RtAudio& audio, const std::string& wanted, bool
 } // namespace
 
 std::vector<std::string> RtSystem::list() {
+  quieten();
   std::vector<std::string> lines;
   RtAudio audio(RtAudio::LINUX_ALSA);
   audio.showWarnings(false);
@@ -63,17 +80,22 @@ std::vector<std::string> RtSystem::list() {
                                std::to_string(std::min(info.outputChannels, kMostShown)) + " out"
                          : "in use or not to be had"));
   }
+  if (lines.empty()) lines.emplace_back("audio  none on this machine");
+  const std::size_t cards = lines.size();
   try {
-    RtMidiIn midi(RtMidi::LINUX_ALSA);
-    for (unsigned i = 0; i < midi.getPortCount(); ++i)
-      lines.push_back("midi  " + std::to_string(i) + "  " + midi.getPortName(i));
-  } catch (const RtMidiError&) {
-    lines.emplace_back("midi  not to be had on this machine");
+    if (hasMidi()) {
+      RtMidiIn midi(RtMidi::LINUX_ALSA);
+      for (unsigned i = 0; i < midi.getPortCount(); ++i)
+        lines.push_back("midi  " + std::to_string(i) + "  " + midi.getPortName(i));
+    }
+  } catch (const RtMidiError&) { // its list ends here
   }
+  if (lines.size() == cards) lines.emplace_back("midi   none on this machine");
   return lines;
 }
 
 RtSystem::RtSystem(const Wishes& wishes) {
+  quieten();
   try {
     openAudio(wishes);
   } catch (const RtAudioError& error) {
@@ -126,7 +148,7 @@ void RtSystem::openAudio(const Wishes& wishes) {
 }
 
 void RtSystem::openMidi(const std::string& wanted) {
-  const unsigned count = RtMidiIn(RtMidi::LINUX_ALSA).getPortCount();
+  const unsigned count = hasMidi() ? RtMidiIn(RtMidi::LINUX_ALSA).getPortCount() : 0;
   for (unsigned i = 0; i < count; ++i) {
     auto input = std::make_unique<MidiInput>();
     input->port = std::make_unique<RtMidiIn>(RtMidi::LINUX_ALSA, "QLX Brezan");

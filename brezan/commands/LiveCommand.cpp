@@ -43,6 +43,7 @@ constexpr std::chrono::microseconds kIdleTime{16667};
 constexpr std::chrono::milliseconds kStatusTime{200};
 constexpr const char* kClientName = "QLX Brezan";
 constexpr const char* kLever = "Lever";
+constexpr int kNone = -1; // of the parameters
 constexpr const char* kManagerVariable = "NSM_URL";
 // Value of the user's settings with the learned controllers.
 constexpr const char* kMapName = "midi-controllers";
@@ -214,11 +215,27 @@ class ManagedSession {
   bool m_answered = false;
 };
 
+/// A file that cannot be saved after the music is refused before it.
+void requireFolder(const std::string& file, bool writable) {
+  if (file.empty()) return;
+  std::error_code error;
+  const fs::path folder = fs::weakly_canonical(fs::absolute(file, error), error).parent_path();
+  if (!fs::is_directory(folder, error))
+    throw std::runtime_error("there is no folder for '" + file + "'");
+  if (writable && ::access(folder.c_str(), W_OK) != 0)
+    throw std::runtime_error("'" + file + "' could not be saved: its folder may not be written to");
+}
+
 void play(const LiveOptions& options, ManagedSession& session) {
   PluginHost host(locatePlugin(options.plugin));
   const Names names(host);
+  const int learned = options.learn.empty() ? kNone : names.require(options.learn);
   StartingPoint start = options.start;
-  if (session.isThere()) start.state = session.stateFile();
+  if (session.isThere())
+    start.state = session.stateFile();
+  else
+    requireFolder(start.state, true);
+  requireFolder(options.map, false);
   std::error_code error;
   if (!fs::exists(start.state, error)) start.state.clear(); // saved there for the first time
   {
@@ -246,7 +263,9 @@ void play(const LiveOptions& options, ManagedSession& session) {
   events.open = [&]() -> std::unique_ptr<live::AudioSystem> {
     if (useJack) {
       std::unique_ptr<live::JackSystem> jack = live::JackSystem::open(session.clientName(), wishes);
-      if (jack || options.audio == "jack" || !wishes.strict) return jack;
+      if (!jack && options.audio == "jack" && wishes.strict)
+        throw std::runtime_error("no JACK server is running");
+      if (jack || !wishes.strict) return jack;
     }
     useJack = false;
     return std::make_unique<live::RtSystem>(options.card);
@@ -270,7 +289,6 @@ void play(const LiveOptions& options, ManagedSession& session) {
         " of channel " + std::to_string(controller.channel));
   };
   if (options.learnTouched) {
-    say("move a control in the window, then the controller that shall move it");
     // Set before blocks come, since it is called on the audio thread, too: pedal and wheel move the
     // lever there, which is no wish to learn.
     host.setEditListener([&running, control = std::this_thread::get_id()](const HostEdit& edit) {
@@ -284,10 +302,6 @@ void play(const LiveOptions& options, ManagedSession& session) {
   player.emplace(effectHost, std::move(map), std::move(events));
   running = &*player;
   player->effect().setProgramChannel(options.channel);
-  if (!options.learn.empty()) {
-    player->learn(names.require(options.learn));
-    say("move a controller for " + options.learn);
-  }
   if (const auto* client = dynamic_cast<const live::JackSystem*>(player->system()))
     say("playing as JACK client \"" + client->name() + "\" at " + fixed(client->rate(), 0) +
         " Hz in blocks of " + std::to_string(client->blockFrames()) + " frames");
@@ -295,6 +309,12 @@ void play(const LiveOptions& options, ManagedSession& session) {
     say("playing on the sound card at " + fixed(card->rate(), 0) + " Hz in blocks of " +
         std::to_string(card->blockFrames()) + " frames, " + std::to_string(card->midiInputs()) +
         " MIDI inputs");
+  if (learned != kNone) {
+    player->learn(learned);
+    say("move a controller for " + names[learned]);
+  }
+  if (options.learnTouched)
+    say("move a control in the window, then the controller that shall move it");
   // A server that runs in real time needs the same right of its user and has said so.
   if (!lockMemory() && dynamic_cast<const live::RtSystem*>(player->system()) != nullptr)
     std::cerr << "brezan: warning: this user may not lock memory; see 'ulimit -l'\n";
