@@ -7,9 +7,6 @@ foreach(usr ${staged})
   file(REMOVE_RECURSE ${documents}/LICENSE ${documents}/LICENSES
     ${usr}/lib/lv2/qlx-brezan.lv2/LICENSE ${usr}/lib/lv2/qlx-brezan.lv2/LICENSES)
   execute_process(COMMAND strip --strip-unneeded ${usr}/lib/lv2/qlx-brezan.lv2/brezan.so COMMAND_ERROR_IS_FATAL ANY)
-  # The linker takes its mode from the umask.
-  file(CHMOD ${usr}/lib/lv2/qlx-brezan.lv2/brezan.so
-    PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
   file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${documents})
   # A version without a revision is a package of its own, whose changelog is `changelog`.
   file(COPY ${CMAKE_CURRENT_LIST_DIR}/changelog DESTINATION ${documents})
