@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "gui/drawing/CBitmap.h"
 
+#include "gui/drawing/EnlargedPixels.h"
 #include "gui/drawing/PackedImage.h"
 #include "gui/drawing/PngImage.h"
 
@@ -73,67 +74,6 @@ std::optional<ImageSize> sizeOf(Bytes part) {
 std::optional<PixelBuffer> decodedPart(std::span<const Bytes> parts, std::size_t index) {
   const Bytes part = parts[index];
   return isPackedImage(part) ? decodePackedImage(parts, index) : decodePng(part);
-}
-
-// One and a half times as large by Catmull-Rom's cubic through the pixels' middles: every two make
-// three, whose middles lie 1/6 of a pixel before the first's, midway, and 1/6 behind the second's.
-// Of each of the three: the first of its four neighbours from the pair's first, and their weights.
-struct Phase {
-  int first;
-  std::array<int, 4> weights; ///< in units of 1 / 4096
-};
-constexpr int kWeightBits = 12;
-constexpr std::array<Phase, 3> kPhases{
-    {{-2, {-47, 540, 3840, -237}}, {-1, {-256, 2304, 2304, -256}}, {0, {-237, 3840, 540, -47}}}};
-
-/// Means of four lines of `bytes` bytes, pixels of little-endian words: no colour exceeds the alpha
-/// behind it.
-void mixLines(const std::array<const std::uint8_t*, 4>& from, const std::array<int, 4>& weights,
-              std::uint8_t* to, int bytes) {
-  constexpr int kHalf = 1 << (kWeightBits - 1);
-  for (int i = 0; i < bytes; ++i) {
-    const int sum = weights[0] * from[0][i] + weights[1] * from[1][i] + weights[2] * from[2][i] +
-                    weights[3] * from[3][i] + kHalf;
-    to[i] = static_cast<std::uint8_t>(std::clamp(sum >> kWeightBits, 0, 255));
-  }
-  for (int i = 0; i < bytes; i += 4) {
-    const std::uint8_t alpha = to[i + 3];
-    for (int c = 0; c < 3 && alpha < 255; ++c) to[i + c] = std::min(to[i + c], alpha);
-  }
-}
-
-const std::uint8_t* bytesOf(const std::uint32_t* pixels) {
-  return reinterpret_cast<const std::uint8_t*>(pixels);
-}
-
-/// Both sides of `picture` are even.
-PixelBuffer halfAsLargeAgain(const PixelBuffer& picture) {
-  PixelBuffer wide(picture.width / 2 * 3, picture.height);
-  PixelBuffer large(wide.width, picture.height / 2 * 3);
-  // A row's ends are repeated, so that its pixels all have four neighbours.
-  constexpr int kMargin = 2;
-  std::vector<std::uint32_t> line(static_cast<std::size_t>(picture.width + 2 * kMargin));
-  for (int y = 0; y < picture.height; ++y) {
-    const std::uint32_t* row = picture.row(y);
-    std::fill_n(std::copy_n(row, picture.width, std::fill_n(line.begin(), kMargin, row[0])),
-                kMargin, row[picture.width - 1]);
-    for (int x = 0; x < wide.width; ++x) {
-      const Phase& phase = kPhases[static_cast<std::size_t>(x % 3)];
-      const std::uint8_t* first = bytesOf(line.data() + kMargin + x / 3 * 2 + phase.first);
-      mixLines({first, first + 4, first + 8, first + 12}, phase.weights,
-               reinterpret_cast<std::uint8_t*>(wide.row(y) + x), 4);
-    }
-  }
-  for (int y = 0; y < large.height; ++y) {
-    const Phase& phase = kPhases[static_cast<std::size_t>(y % 3)];
-    std::array<const std::uint8_t*, 4> rows{};
-    for (int i = 0; i < 4; ++i) {
-      const int from = std::clamp(y / 3 * 2 + phase.first + i, 0, wide.height - 1);
-      rows[static_cast<std::size_t>(i)] = bytesOf(wide.row(from));
-    }
-    mixLines(rows, phase.weights, reinterpret_cast<std::uint8_t*>(large.row(y)), 4 * large.width);
-  }
-  return large;
 }
 
 } // namespace
