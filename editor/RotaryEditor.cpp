@@ -86,7 +86,8 @@ double RotaryEditor::scaleToOpenWith() const {
   if (const char* text = std::getenv("QLX_SCALE")) wishes.environment = scaleFromText(text);
   wishes.host = m_hostScale;
   wishes.stored = scaleFromText(settings().readScale());
-  if (!wishes.environment && !wishes.host && !wishes.stored) wishes.desktop = m_windows.scale();
+  if (!wishes.environment && !wishes.host && !wishes.stored)
+    wishes.desktop = m_screenScale ? m_screenScale : m_windows.scale();
   return chosenScale(wishes);
 }
 
@@ -95,10 +96,18 @@ void RotaryEditor::setHostScale(double scale) {
   if (m_controls != nullptr) m_scaleToCome = scaleToOpenWith();
 }
 
+// The user has moved the window, so a host that makes no room is no news.
+void RotaryEditor::followScreen(double scale) {
+  m_screenScale = scale;
+  m_scaleToCome = scaleToOpenWith();
+  m_scaleIsScreens = true;
+}
+
 // Between events, and only if the host makes room.
 void RotaryEditor::followScale() {
   if (!m_scaleToCome || m_controls == nullptr) return;
   const double scale = *std::exchange(m_scaleToCome, std::nullopt);
+  const bool screens = std::exchange(m_scaleIsScreens, false);
   const auto frame = getFrame();
   const double before = frame->getScale();
   if (scale == before) return;
@@ -107,6 +116,7 @@ void RotaryEditor::followScale() {
   if (getFrame() != frame) return; // a host may open the window anew instead
   if (roomy) return frame->setScale(scale);
   setRectangle(before);
+  if (screens) return;
   gui::CMessageBox::show(*frame, "Size of the window",
                          "The new size shows when the window is opened again.", {"OK"},
                          [](int /*button*/) {});
@@ -203,6 +213,7 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, d
   CPresetSystemEditor::open(parent); // the preset panel lies on top
   m_contextMenu->onClosed([this] { menuClosed(); });
   frame->setWalkOrder(walkOrder(controlTree(*frame)));
+  frame->onScaleChanged([this](double screens) { followScreen(screens); });
   frame->onContextClick([this](const gui::CPoint& where) { openContextMenu(where); });
   frame->open();
   return true;

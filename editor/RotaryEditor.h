@@ -61,6 +61,7 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   double scaleToOpenWith() const;
   void setRectangle(double scale);
   void followScale();
+  void followScreen(double scale);
   void openContextMenu(const gui::CPoint& where);
   std::vector<ContextMenu::Item> askHost(sdk::EditorMenu::Event event, std::int32_t chosen = 0);
   void showMenu(std::vector<ContextMenu::Item> items);
@@ -81,7 +82,9 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   gui::CBitmapRef m_background;
   sdk::EditRectangle m_rectangle{};
   std::optional<double> m_hostScale;
+  std::optional<double> m_screenScale; ///< of the screen that the window was on last
   std::optional<double> m_scaleToCome; ///< of the open window
+  bool m_scaleIsScreens = false;       ///< the one to come was not chosen by the user
   plugin::ParameterFormatter* m_formatter = nullptr;
   ParameterMirror m_mirror;
   ContextMenu* m_contextMenu = nullptr; ///< the frame's

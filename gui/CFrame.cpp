@@ -241,6 +241,12 @@ bool CFrame::onWindowEvent(const WindowEvent& event) {
     break;
   case WindowEventType::kPressOutside: closePopup(); break;
   case WindowEventType::kTick: idle(); break;
+  case WindowEventType::kTextBoxChanged:
+    if (m_focusView != nullptr) m_focusView->onTextBoxChanged(event.text);
+    break;
+  case WindowEventType::kScaleChanged:
+    if (m_scaleChanged) m_scaleChanged(event.scale);
+    break;
   case WindowEventType::kSelectionText:
     if (m_focusView != nullptr) m_focusView->onSelectionText(event.text);
     break;

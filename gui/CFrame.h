@@ -79,6 +79,11 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   void takeKeyboardFocus();
   void giveKeyboardFocusBack();
 
+  /// Called when the window has come to a screen of another scale, with that scale.
+  void onScaleChanged(std::function<void(double scale)> changed) {
+    m_scaleChanged = std::move(changed);
+  }
+
   /// Opens a view in a window of its own above the screen, its corner at the given place as far as
   /// the screen has room for it. Keys go to it until it closes, by closePopup, a press elsewhere,
   /// or the loss of the keyboard or the window; `closed` is called then. One at a time; an open one
@@ -144,6 +149,7 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   std::vector<std::unique_ptr<CFrame>> m_removedPopups;
   std::unique_ptr<CFrame> m_popup;
   std::function<void()> m_popupClosed;
+  std::function<void(double scale)> m_scaleChanged;
   CView* m_focusView = nullptr;
   std::vector<CView*> m_walkOrder;
   CView* m_walkView = nullptr; ///< where walking goes on

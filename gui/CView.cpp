@@ -40,6 +40,7 @@ bool CView::onKeyDown(const CKeyCode& /*key*/) { return false; }
 bool CView::onKeyUp(const CKeyCode& /*key*/) { return false; }
 bool CView::onKeyAction(KeyAction /*action*/, const CButtonState& /*modifiers*/) { return false; }
 void CView::onSelectionText(std::string_view /*text*/) {}
+void CView::onTextBoxChanged(std::string_view /*text*/) {}
 
 void CView::setViewSize(const CRect& size) {
   if (m_frame != nullptr) m_frame->invalidRect(m_size);

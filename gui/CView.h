@@ -57,6 +57,8 @@ class CView : public CBaseObject {
   virtual bool isEditingText() const { return false; }
   /// Text asked for with platform::NativeWindow::requestText has arrived.
   virtual void onSelectionText(std::string_view text);
+  /// The window's platform::TextBox holds this text now.
+  virtual void onTextBoxChanged(std::string_view text);
   /// Called at every idle of the frame while the view has the focus.
   virtual void onIdle() {}
 

@@ -3,6 +3,7 @@
 
 #include "platform/PixelView.h"
 #include "platform/PointerShape.h"
+#include "platform/TextBox.h"
 #include "platform/WindowEvent.h"
 
 #include <chrono>
@@ -82,6 +83,10 @@ class NativeWindow {
   /// Asks for the text that is on offer; it arrives as a kSelectionText event at a later pump, or
   /// never when its owner doesn't answer.
   virtual void requestText(Selection selection) = 0;
+
+  /// Opens the system's own text box over a field of this window, one at a time. Null when the
+  /// system has none; the field is then edited by its own means.
+  virtual std::unique_ptr<TextBox> openTextBox(const TextBoxLook& /*look*/) { return nullptr; }
 
   /// A steady clock for blinking and the like.
   virtual std::chrono::milliseconds now() const = 0;

@@ -63,8 +63,10 @@ enum class WindowEventType : std::uint8_t {
   kPressOutside, ///< to a popup's owner: a button went down outside both, or the owner moved or was
                  ///< hidden
   kTick,         ///< time to do what is done at an idle: whoever calls pump doesn't at present
-  kSelectionText, ///< answer to NativeWindow::requestText: text (empty when there is none)
-  kClosed,        ///< the window is gone or, at top level, the user asked to close it
+  kTextBoxChanged, ///< the user has edited the window's TextBox: its whole text
+  kScaleChanged,   ///< the window has come to a screen of another scale
+  kSelectionText,  ///< answer to NativeWindow::requestText: text (empty when there is none)
+  kClosed,         ///< the window is gone or, at top level, the user asked to close it
 };
 
 /// One thing that happened to a window. Coordinates are whole pixels from the window's top left
@@ -80,6 +82,7 @@ struct WindowEvent {
   std::uint32_t modifiers = 0; ///< Modifier bits
   bool doubleClick = false;
   float distance = 0.0F;
+  double scale = 0.0; ///< as WindowSystem::scale
   VirtualKey key = VirtualKey::kNone;
   char32_t character = 0; ///< the key's own character without compose, 0 when it has none
   std::string text;       ///< what the key types (UTF-8, composed), or selected text

@@ -10,7 +10,7 @@ trap 'rm -f "$step_log"' EXIT
 
 # step NAME SECONDS COMMAND...: no limit if SECONDS is 0. What the command printed is in $step_log until the next step.
 # A command that was stopped for the time, or that ended with 3 because its own limit was reached, is no error unless it
-# had reported one.
+# had reported one. One that has nothing to work with says "SKIPPED: " and why, and ends with 0.
 step() {
   local name=$1 limit=$2 code=0 begin=$SECONDS result
   shift 2
@@ -19,6 +19,7 @@ step() {
   "$@" 2>&1 | tee "$step_log" || code=$?
   if [ "$code" -eq 0 ]; then
     result=passed
+    if grep -q '^SKIPPED: ' "$step_log"; then result="SKIPPED for lack of tools"; fi
   elif [ "$code" -eq 3 ] || { [ "$limit" -gt 0 ] && [ $((SECONDS - begin)) -ge "$limit" ]; }; then
     result="CUT for lack of time"
     if grep -qE '\*\*\*(Failed|Exception|Timeout)|FINDING' "$step_log"; then

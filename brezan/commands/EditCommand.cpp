@@ -59,15 +59,23 @@ class SilentPlayer {
 };
 
 /// Prints what happens, a line each: "begin edit", "automate" and "end edit" as the host is told of
-/// them, on whatever thread, and "value" for every parameter that stands elsewhere after an idle.
+/// them, on whatever thread, "value" for every parameter that stands elsewhere after an idle, and
+/// "key" for those that the editor leaves to its host.
 class EditLog {
  public:
-  explicit EditLog(PluginHost& host) : m_host(host) {
+  EditLog(PluginHost& host, EditorWindow& window) : m_host(host), m_window(window) {
     for (int i = 0; i < host.parameterCount(); ++i) m_values.push_back(host.value(i));
     host.setEditListener([this](const HostEdit& edit) { onEdit(edit); });
+    window.setKeyListener([](const platform::WindowEvent& key) {
+      std::cout << "key " + std::to_string(static_cast<int>(key.key)) + ' ' + key.text + '\n'
+                << std::flush;
+    });
     std::cout << "open\n" << std::flush;
   }
-  ~EditLog() { m_host.setEditListener({}); }
+  ~EditLog() {
+    m_window.setKeyListener({});
+    m_host.setEditListener({});
+  }
   EditLog(const EditLog&) = delete;
   EditLog& operator=(const EditLog&) = delete;
 
@@ -96,6 +104,7 @@ class EditLog {
   }
 
   PluginHost& m_host;
+  EditorWindow& m_window;
   std::vector<float> m_values;
 };
 
@@ -116,7 +125,7 @@ void edit(const EditOptions& options) {
   }
   EditorWindow window(host);
   std::optional<EditLog> log;
-  if (options.log) log.emplace(host);
+  if (options.log) log.emplace(host, window);
   const SilentPlayer player(host);
   const auto begun = Clock::now();
   for (auto next = begun; window.isOpen(); next += kIdleTime) {

@@ -81,6 +81,7 @@ void EditorWindow::idle() {
 
 bool EditorWindow::onWindowEvent(const platform::WindowEvent& event) {
   if (event.type == platform::WindowEventType::kClosed) m_open = false;
+  if (event.type == platform::WindowEventType::kKeyDown && m_keyListener) m_keyListener(event);
   return false;
 }
 

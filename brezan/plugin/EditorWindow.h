@@ -4,7 +4,9 @@
 #include "brezan/plugin/PluginHost.h"
 #include "platform/NativeWindow.h"
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace qlx::tools {
 
@@ -26,6 +28,11 @@ class EditorWindow final : private platform::WindowListener {
   /// What a host does for an open editor some 30 to 60 times a second.
   void idle();
 
+  /// Is told of the keys that the plug-in has left to its host.
+  void setKeyListener(std::function<void(const platform::WindowEvent&)> listener) {
+    m_keyListener = std::move(listener);
+  }
+
   /// The desktop's number of the window.
   std::uintptr_t number() const { return m_window->handle(); }
 
@@ -34,6 +41,7 @@ class EditorWindow final : private platform::WindowListener {
 
   PluginHost& m_host;
   std::unique_ptr<platform::NativeWindow> m_window;
+  std::function<void(const platform::WindowEvent&)> m_keyListener;
   bool m_open = true;
 };
 

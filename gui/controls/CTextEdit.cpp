@@ -36,6 +36,7 @@ void CTextEdit::setText(std::string_view text) {
   if (!untouched) return;
   CTextLabel::setText(text);
   m_box->model.setText(text);
+  if (hasNativeBox()) return m_box->native->setText(text);
   moved();
 }
 
@@ -46,11 +47,53 @@ void CTextEdit::beginTextEdit() {
   m_box->model.setText(getText());
   getFrame()->takeKeyboardFocus();
   getFrame()->setFocusView(this);
-  moved();
+  m_box->native = openNativeBox();
+  if (!hasNativeBox()) moved();
+  setDirty();
+}
+
+// The field without text is what the system's box shows behind it.
+std::unique_ptr<platform::TextBox> CTextEdit::openNativeBox() {
+  using Look = platform::TextBoxLook;
+  const CFrame& frame = *getFrame();
+  const double scale = frame.getScale();
+  const PixelRect field = getViewSize().scaledBy(scale).touchedPixels();
+  PixelBuffer whole(field.right, field.bottom);
+  CDrawContext context(whole, nullptr, scale);
+  drawBack(context);
+  PixelBuffer back(field.width(), field.height());
+  for (int y = 0; y < back.height; ++y)
+    std::copy_n(whole.row(field.top + y) + field.left, back.width, back.row(y));
+
+  Look look;
+  look.text = getText();
+  look.field = field;
+  look.background = back.view();
+  const CColor& colour = getFontColor();
+  look.colour = static_cast<std::uint32_t>(colour.red << 16 | colour.green << 8 | colour.blue);
+  look.fontHeight = CRect::nearest(getFont().size * scale);
+  look.limit = m_inputLimit;
+  switch (getHoriAlign()) {
+  case CHoriTxtAlign::kLeftText: look.align = Look::Align::Left; break;
+  case CHoriTxtAlign::kCenterText: look.align = Look::Align::Centre; break;
+  case CHoriTxtAlign::kRightText: look.align = Look::Align::Right; break;
+  }
+  return frame.getWindow().openTextBox(look);
+}
+
+void CTextEdit::onTextBoxChanged(std::string_view text) {
+  if (!hasNativeBox()) return;
+  m_box->model.setText(text);
+  CTextLabel::setText(firstCharacters(m_box->model.text(), m_fieldLimit));
 }
 
 void CTextEdit::endTextEdit(bool accept) {
   if (m_box == nullptr) return;
+  if (hasNativeBox()) {
+    // Its last change may still be on its way, and the keyboard is the window's again.
+    if (getFrame()->isOpen()) onTextBoxChanged(m_box->native->text());
+    m_box->native = nullptr;
+  }
   const std::unique_ptr<Box> box = std::move(m_box);
   if (getFrame()->getFocusView() == this) getFrame()->setFocusView(nullptr);
   if (!accept) setText(box->before);
@@ -86,7 +129,7 @@ void CTextEdit::moved() {
 }
 
 void CTextEdit::onIdle() {
-  if (m_box == nullptr || getFrame()->getWindow().now() < m_box->blinkAt) return;
+  if (m_box == nullptr || hasNativeBox() || getFrame()->getWindow().now() < m_box->blinkAt) return;
   m_box->caretShown = !m_box->caretShown;
   m_box->blinkAt = getFrame()->getWindow().now() + kBlink;
   setDirty();
@@ -135,6 +178,11 @@ std::size_t CTextEdit::positionAt(CCoord x) const {
 
 void CTextEdit::draw(CDrawContext& context) {
   if (m_box == nullptr) return CTextLabel::draw(context);
+  if (hasNativeBox()) {
+    drawBack(context);
+    setDirty(false);
+    return;
+  }
   const CRect& field = getViewSize();
   const TextEditModel& model = m_box->model;
   const int left = textLeft();
@@ -171,6 +219,7 @@ CMouseEventResult CTextEdit::onMouseDown(const CPoint& where, const CButtonState
     beginTextEdit();
     return CMouseEventResult::kHandledDontNeedMoves;
   }
+  if (hasNativeBox()) return CMouseEventResult::kHandledDontNeedMoves; // a press beside its line
   TextEditModel& model = m_box->model;
   if (buttons.isMiddleButton()) {
     model.moveTo(positionAt(where.x), false);
@@ -229,6 +278,7 @@ bool CTextEdit::onKeyDown(const CKeyCode& key) {
     return true;
   default: break;
   }
+  if (hasNativeBox()) return false; // it gets its keys from the system
   if (onMotionKey(key) || onShortcut(key)) return true;
   const bool command =
       (key.modifiers & (platform::kModifierControl | platform::kModifierSuper)) != 0;

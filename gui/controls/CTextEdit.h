@@ -3,6 +3,7 @@
 
 #include "gui/controls/CTextLabel.h"
 #include "gui/controls/TextEditModel.h"
+#include "platform/TextBox.h"
 
 #include <chrono>
 #include <memory>
@@ -13,9 +14,10 @@ namespace qlx::gui {
 /// without margins, in the field's font, colour and alignment and showing its background, with all
 /// of the text selected and the keyboard focus. While editing, every change is copied into the
 /// field, cut to its own limit. Enter, Tab or the loss of the focus accept: the listener is told
-/// (valueChanged). Escape brings the old text back and tells nobody. Inside the box: arrows, Home,
-/// End, with Control by words, with Shift selecting; mouse selection, double-click for a word;
-/// Control with A, C, X, V; the middle button pastes the primary selection.
+/// (valueChanged). Escape brings the old text back and tells nobody. The box is the system's
+/// own where it has one (platform::TextBox); else it knows arrows, Home, End, with Control by
+/// words, with Shift selecting; mouse selection, double-click for a word; Control with A, C, X, V;
+/// the middle button pastes the primary selection.
 class CTextEdit : public CTextLabel {
  public:
   CTextEdit(const CRect& size, CControlListener* listener, std::int32_t tag, std::string_view text,
@@ -36,6 +38,7 @@ class CTextEdit : public CTextLabel {
   void onFocusLost() override;
   bool isEditingText() const override { return m_box != nullptr; }
   void onSelectionText(std::string_view text) override;
+  void onTextBoxChanged(std::string_view text) override;
   void onIdle() override;
   void removed() override;
 
@@ -63,7 +66,11 @@ class CTextEdit : public CTextLabel {
     bool caretShown = true;
     bool selecting = false;
     std::chrono::milliseconds blinkAt{0};
+    std::unique_ptr<platform::TextBox> native{}; ///< the system's own, or null
   };
+
+  bool hasNativeBox() const { return m_box != nullptr && m_box->native != nullptr; }
+  std::unique_ptr<platform::TextBox> openNativeBox();
 
   // Pens stand at pixels of the window, x is a place in the layout.
   int room() const;

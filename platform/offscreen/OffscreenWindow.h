@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,9 @@ class OffscreenWindow final : public NativeWindow {
   PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
   void requestText(Selection selection) override;
+  std::unique_ptr<TextBox> openTextBox(const TextBoxLook& look) override {
+    return m_textBoxes ? m_textBoxes(look) : nullptr;
+  }
   std::chrono::milliseconds now() const override { return m_now; }
 
   /// Queues an event.
@@ -44,6 +49,11 @@ class OffscreenWindow final : public NativeWindow {
 
   /// The window is gone, as when its parent is destroyed.
   void destroyByOthers();
+
+  /// From now on it has text boxes, as the windows of some systems.
+  void setTextBoxes(std::function<std::unique_ptr<TextBox>(const TextBoxLook&)> make) {
+    m_textBoxes = std::move(make);
+  }
 
   void advance(std::chrono::milliseconds by) { m_now += by; }
 
@@ -77,6 +87,7 @@ class OffscreenWindow final : public NativeWindow {
   std::vector<WindowEvent> m_queue;
   std::vector<VirtualKey> m_passedOn;
   std::array<std::string, 2> m_selections;
+  std::function<std::unique_ptr<TextBox>(const TextBoxLook&)> m_textBoxes;
   WindowListener* m_listener = nullptr;
   const OffscreenWindowSystem* m_system = nullptr;
   OffscreenWindow* m_owner = nullptr;

@@ -11,6 +11,8 @@
 namespace qlx::platform {
 namespace {
 
+constexpr UINT kDpiChangedAfterParent = 0x02E3; // WM_DPICHANGED_AFTERPARENT of Windows 10
+
 bool isDown(int key) { return (GetKeyState(key) & 0x8000) != 0; }
 
 std::uint32_t modifiers() {
@@ -256,8 +258,19 @@ LRESULT Win32Window::handle(HWND window, UINT message, WPARAM word, LPARAM detai
   case WM_MOUSEACTIVATE: return m_owner != nullptr ? MA_NOACTIVATE : MA_ACTIVATE;
   case WM_KEYDOWN:
   case WM_KEYUP: onKey(message, word, details); return 0;
-  case WM_SETFOCUS:
-  case WM_KILLFOCUS: onFocus(message == WM_SETFOCUS); return 0;
+  case WM_SETFOCUS: onFocus(true); return 0;
+  case WM_KILLFOCUS:
+    // To the text box the keyboard goes within the window.
+    if (m_textBox == nullptr || !m_textBox->is(reinterpret_cast<HWND>(word))) onFocus(false);
+    return 0;
+  case kDpiChangedAfterParent: queueScale(); return 0;
+  case WM_CTLCOLOREDIT:
+    if (m_textBox == nullptr || !m_textBox->is(reinterpret_cast<HWND>(details))) break;
+    return reinterpret_cast<LRESULT>(m_textBox->prepare(reinterpret_cast<HDC>(word)));
+  case WM_COMMAND:
+    if (m_textBox == nullptr || !m_textBox->is(reinterpret_cast<HWND>(details))) break;
+    m_textBox->onNotice(HIWORD(word));
+    return 0;
   case WM_CLOSE: queue(WindowEventType::kClosed); return 0;
   case WM_DESTROY:
     queue(WindowEventType::kClosed);

@@ -34,6 +34,26 @@ HCURSOR cursorOf(PointerShape shape) {
   return LoadCursorW(nullptr, IDC_ARROW);
 }
 
+constexpr double kPlainDpi = 96.0;
+
+/// Of the screen that the user's session began with. 1 in a process that leaves scaling to the
+/// system.
+double systemScale() {
+  const HDC screen = GetDC(nullptr);
+  const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+  ReleaseDC(nullptr, screen);
+  return dpi > 0 ? dpi / kPlainDpi : 1.0;
+}
+
+/// Of the screen that a window is on; Windows before 10 have one scale for all.
+double scaleOf(HWND window) {
+  using GetDpi = UINT(WINAPI*)(HWND);
+  static const auto getDpi = reinterpret_cast<GetDpi>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32"), "GetDpiForWindow")));
+  const UINT dpi = getDpi == nullptr ? 0 : getDpi(window);
+  return dpi > 0 ? dpi / kPlainDpi : systemScale();
+}
+
 bool isPressed(int key) { return (GetAsyncKeyState(key) & 0x8000) != 0; }
 
 } // namespace
@@ -55,12 +75,17 @@ WindowClass::~WindowClass() {
   if (--classUsers == 0) UnregisterClassW(m_name.c_str(), ownModule());
 }
 
-WindowPicture::WindowPicture(int width, int height) : m_context(CreateCompatibleDC(nullptr)) {
+HBITMAP createPicture(int width, int height, std::uint32_t** pixels) {
   const BITMAPINFO info = bitmapInfo(width, height);
-  void* pixels = nullptr;
-  m_bitmap = CreateDIBSection(m_context, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
+  void* memory = nullptr;
+  const HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &memory, nullptr, 0);
+  *pixels = static_cast<std::uint32_t*>(memory);
+  return bitmap;
+}
+
+WindowPicture::WindowPicture(int width, int height)
+    : m_context(CreateCompatibleDC(nullptr)), m_bitmap(createPicture(width, height, &m_pixels)) {
   if (m_bitmap == nullptr) return;
-  m_pixels = static_cast<std::uint32_t*>(pixels);
   m_bitmapBefore = SelectObject(m_context, m_bitmap);
 }
 
@@ -101,8 +126,10 @@ bool Win32Window::create(const Manner& manner, RECT outside) {
 
 std::unique_ptr<Win32Window> Win32Window::createChild(HWND parent, int width, int height) {
   std::unique_ptr<Win32Window> window(new Win32Window(nullptr, width, height));
-  const Manner child{.style = WS_CHILD | WS_CLIPSIBLINGS, .parent = parent};
-  return window->create(child, {0, 0, width, height}) ? std::move(window) : nullptr;
+  const Manner child{.style = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, .parent = parent};
+  if (!window->create(child, {0, 0, width, height})) return nullptr;
+  window->queueScale(systemScale());
+  return window;
 }
 
 std::unique_ptr<Win32Window> Win32Window::createTopLevel(const TopLevelLook& look, int width,
@@ -169,9 +196,17 @@ void Win32Window::paint() {
   EndPaint(m_window, &paint);
 }
 
+void Win32Window::queueScale(double unless) {
+  WindowEvent event;
+  event.type = WindowEventType::kScaleChanged;
+  event.scale = scaleOf(m_window);
+  if (event.scale != unless) queue(std::move(event));
+}
+
 void Win32Window::show() { ShowWindow(m_window, m_owner != nullptr ? SW_SHOWNOACTIVATE : SW_SHOW); }
 
 void Win32Window::resize(int width, int height) {
+  if (m_textBox != nullptr) queue(WindowEventType::kFocusLost); // it lies where the field was
   m_width = width;
   m_height = height;
   m_place = {m_place.left, m_place.top, m_place.left + width, m_place.top + height};
@@ -200,13 +235,22 @@ std::chrono::milliseconds Win32Window::now() const {
 // --- Keyboard focus ---
 
 void Win32Window::takeFocus() {
-  if (!isOpen() || GetFocus() == m_window) return;
+  if (!isOpen() || GetFocus() == m_window || m_textBox != nullptr) return;
   m_focusBefore = SetFocus(m_window);
 }
 
 void Win32Window::giveFocusBack() {
   if (!isOpen() || m_owner != nullptr || m_focusBefore == nullptr || GetFocus() != m_window) return;
   SetFocus(m_focusBefore);
+}
+
+std::unique_ptr<TextBox> Win32Window::openTextBox(const TextBoxLook& look) {
+  if (!isOpen() || m_textBox != nullptr) return nullptr;
+  auto box = std::make_unique<Win32TextBox>(*this, look);
+  if (!box->isOpen()) return nullptr;
+  m_textBox = box.get();
+  box->begin();
+  return box;
 }
 
 // --- Popups ---
@@ -292,6 +336,8 @@ namespace {
 
 class Win32WindowSystem final : public WindowSystem {
  public:
+  std::optional<double> scale() const override { return systemScale(); }
+
   constexpr Win32WindowSystem() = default;
   // Nothing is to be done when the library is unloaded.
   constexpr ~Win32WindowSystem() override;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/NativeWindow.h"
+#include "platform/windows/Win32TextBox.h"
 #include "platform/windows/Windows.h"
 
 #include <array>
@@ -25,6 +26,9 @@ class WindowClass {
   std::wstring m_name;
 };
 
+/// Memory for a picture that the system can paint from, rows from the top. Null when there is none.
+HBITMAP createPicture(int width, int height, std::uint32_t** pixels);
+
 /// A picture in memory that the system can paint from.
 class WindowPicture {
  public:
@@ -40,9 +44,9 @@ class WindowPicture {
 
  private:
   HDC m_context;
-  HBITMAP m_bitmap = nullptr;
-  HGDIOBJ m_bitmapBefore = nullptr;
   std::uint32_t* m_pixels = nullptr;
+  HBITMAP m_bitmap;
+  HGDIOBJ m_bitmapBefore = nullptr;
 };
 
 /// A window of the Windows desktop. What happens to it is kept until the next pump; its picture is
@@ -68,9 +72,12 @@ class Win32Window final : public NativeWindow {
   PixelRect place() const override { return m_place; }
   void offerText(Selection selection, std::string_view text) override;
   void requestText(Selection selection) override;
+  std::unique_ptr<TextBox> openTextBox(const TextBoxLook& look) override;
   std::chrono::milliseconds now() const override;
 
  private:
+  friend class Win32TextBox; // it is a part of the window that happens to have a handle of its own
+
   /// What happened, and for keys the message that told it.
   struct Happening {
     WindowEvent event;
@@ -99,7 +106,11 @@ class Win32Window final : public NativeWindow {
   void onCaptureLost();
   void onKey(UINT message, WPARAM key, LPARAM details);
   void onFocus(bool gained);
+  void textBoxTold(WindowEvent event) { queue(std::move(event)); }
+  void textBoxGone() { m_textBox = nullptr; }
   void onTimer();
+  /// Tells the scale of the screen that the window is on, unless it is this one.
+  void queueScale(double unless = 0.0);
   void paint();
   void watchPopup();
   void tell(const Happening& happening);
@@ -109,6 +120,7 @@ class Win32Window final : public NativeWindow {
   WindowClass m_class{procedure};
   Win32Window* m_owner;
   Win32Window* m_popup = nullptr;
+  Win32TextBox* m_textBox = nullptr; ///< its owner's
   WindowListener* m_listener = nullptr;
   int m_width;
   int m_height;

@@ -84,6 +84,29 @@ TEST_F(OpenEditor, ItsSizeIsChosenFromAMenu) {
   EXPECT_EQ(rig.settings->readText("Scale"), "1.5");
 }
 
+TEST_F(OpenEditor, FollowsTheScaleOfTheScreenUnlessTheUserHasChosen) {
+  const auto movedTo = [this](double scale) {
+    platform::WindowEvent event;
+    event.type = WindowEventType::kScaleChanged;
+    event.scale = scale;
+    rig.window().inject(event);
+    rig.editor->idle();
+    return rig.window().picture().width;
+  };
+  rig.effect.log.clear();
+  EXPECT_EQ(movedTo(2.0), 802);
+  EXPECT_EQ(std::exchange(rig.effect.log, {}), "802x1140");
+  rig.editor->close();
+  ASSERT_TRUE(rig.open());
+  EXPECT_EQ(rig.window().picture().width, 802) << "it opens where it was last";
+  rig.effect.makesRoom = false;
+  EXPECT_EQ(movedTo(1.0), 802);
+  EXPECT_EQ(rig.frame().getModalView(), nullptr) << "nobody has asked for it";
+  rig.effect.makesRoom = true;
+  rig.settings->writeText("Scale", "1.5");
+  EXPECT_EQ(movedTo(3.0), 601);
+}
+
 TEST_F(OpenEditor, HostAddsToTheMenuOfAControl) {
   using Menu = sdk::EditorMenu;
   std::string asked;

@@ -50,7 +50,7 @@ class Played {
  public:
   Played() {
     keepSettingsIn(m_home.path());
-    unsetenv("DISPLAY");
+    forgetDisplay();
     m_effect = (new plugin::RotaryEffect(&host))->getRecord(); // until Close
   }
   ~Played() { call(EffectOpcode::Close); }

@@ -146,6 +146,89 @@ TEST_F(TextEdits, AcceptsOrCancels) {
   }
 }
 
+/// A system's text box, typed into by the test.
+struct ScriptedTextBox final : platform::TextBox {
+  explicit ScriptedTextBox(std::string& typed) : content(typed) {}
+  std::string text() const override { return content; }
+  void setText(std::string_view utf8) override { content = utf8; }
+  std::string& content;
+};
+
+class SystemTextBoxes : public TextEdits {
+ public:
+  SystemTextBoxes() {
+    window->setTextBoxes([this](const platform::TextBoxLook& asked) {
+      look = asked;
+      back.assign(asked.background.pixels,
+                  asked.background.pixels + asked.background.width * asked.background.height);
+      content = asked.text;
+      return std::make_unique<ScriptedTextBox>(content);
+    });
+    edit->setFontColor({1, 2, 3, 255});
+    edit->setBackColor({40, 50, 60, 255});
+  }
+  void typed(const std::string& text) {
+    content = text;
+    platform::WindowEvent event;
+    event.type = platform::WindowEventType::kTextBoxChanged;
+    event.text = text;
+    window->inject(event);
+  }
+
+  platform::TextBoxLook look;
+  std::vector<std::uint32_t> back;
+  std::string content;
+};
+
+TEST_F(SystemTextBoxes, LieOverTheFieldWithoutItsText) {
+  click(60, 27);
+  EXPECT_EQ(look.text, edit->getText());
+  EXPECT_EQ(look.field.left, 20);
+  EXPECT_EQ(look.field.bottom, 35);
+  EXPECT_EQ(look.colour, 0x010203U);
+  EXPECT_EQ(look.fontHeight, 11);
+  EXPECT_EQ(look.limit, 255U);
+  ASSERT_EQ(back.size(), 120U * 15U);
+  for (int y = 1; y < 14; ++y)
+    for (int x = 1; x < 119; ++x)
+      ASSERT_EQ(back[static_cast<std::size_t>(y * 120 + x)], 0xFF28323CU) << x << ", " << y;
+  frame->idle();
+  EXPECT_EQ(shown()[27 * 200 + 30], 0xFF28323CU) << "nothing of the text shows behind it";
+  EXPECT_EQ(shown(), redrawnWhole());
+}
+
+TEST_F(SystemTextBoxes, TheirTextIsTheFields) {
+  click(60, 27);
+  EXPECT_TRUE(edit->isEditingText());
+  typed("123456789012345678901234567890");
+  frame->idle();
+  EXPECT_EQ(edit->getText(), "12345678901234567890123456789");
+  edit->setText("Other"); // from the store, while something else is being typed
+  EXPECT_EQ(content, "123456789012345678901234567890");
+  typed("Größe");
+  key(kEscape);
+  EXPECT_EQ(edit->getText(), "Other");
+  EXPECT_EQ(recorder.take(), "");
+
+  click(60, 27);
+  edit->setText("Another"); // nothing has been typed yet
+  EXPECT_EQ(content, "Another");
+  content = "Typed at the last moment"; // which the window has not been told yet
+  key(kReturn);
+  EXPECT_EQ(edit->getText(), "Typed at the last moment");
+  EXPECT_EQ(recorder.take(), "v0 ");
+  EXPECT_FALSE(window->hasFocus());
+
+  click(60, 27);
+  typed("Left by a click");
+  click(5, 90);
+  EXPECT_EQ(edit->getText(), "Left by a click");
+  EXPECT_EQ(recorder.take(), "v0 ");
+  click(60, 27);
+  key(kHome); // a host's own idea of a key is not the box's
+  EXPECT_EQ(window->takePassedOn(), std::vector{kHome});
+}
+
 TEST_F(TextEdits, FieldTakesTwentyNineOfManyCharacters) {
   click(60, 27);
   type("123456789012345678901234567890");

@@ -174,6 +174,106 @@ TEST_F(Win32WindowTest, UnusedKeysGoOnToTheWindowThatHadTheFocus) {
   EXPECT_EQ(GetFocus(), host);
 }
 
+class TextBoxTest : public Win32WindowTest {
+ protected:
+  static constexpr PixelRect kField{5, 10, 55, 30};
+
+  void open(const char* text) {
+    SetForegroundWindow(host);
+    SetFocus(host);
+    window->takeFocus();
+    const std::vector<std::uint32_t> green(50 * 20, 0xFF00FF00U);
+    box = window->openTextBox({.text = text,
+                               .field = kField,
+                               .background = {green.data(), 50, 20},
+                               .colour = 0x0000FF,
+                               .fontHeight = 11,
+                               .align = TextBoxLook::Align::Centre,
+                               .limit = 5});
+    ASSERT_NE(box, nullptr);
+    edit = GetFocus();
+    turn();
+    listener.events.clear();
+  }
+  void type(wchar_t letter) {
+    PostMessageW(edit, WM_CHAR, letter, 1);
+    turn();
+  }
+
+  std::unique_ptr<TextBox> box;
+  HWND edit = nullptr;
+};
+
+TEST_F(TextBoxTest, LiesInTheMiddleOfTheFieldAndShowsItsBackground) {
+  open("Größe");
+  EXPECT_NE(edit, own());
+  EXPECT_EQ(GetParent(edit), own());
+  EXPECT_EQ(window->openTextBox(TextBoxLook{}), nullptr); // one at a time
+  RECT place{};
+  GetClientRect(edit, &place);
+  MapWindowPoints(edit, own(), reinterpret_cast<POINT*>(&place), 2);
+  EXPECT_EQ(place.left, kField.left);
+  EXPECT_EQ(place.right, kField.right);
+  EXPECT_LE(std::abs((place.top + place.bottom) - (kField.top + kField.bottom)), 1);
+  DWORD from = 0;
+  DWORD to = 0;
+  SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+  EXPECT_EQ(from, 0U);
+  EXPECT_EQ(to, 5U);
+  box->setText("");
+  messages();
+  const auto seen = openWindowRobot()->picture(reinterpret_cast<std::uintptr_t>(edit), 0);
+  ASSERT_TRUE(seen);
+  EXPECT_EQ(seen->pixels[5], 0xFF00FF00U);
+}
+
+TEST_F(TextBoxTest, TellsTextEndAndLossOfTheKeyboard) {
+  open("old");
+  type(L'ä');
+  type(L'日');
+  ASSERT_NE(listener.last(Type::kTextBoxChanged), nullptr);
+  EXPECT_EQ(listener.last(Type::kTextBoxChanged)->text, "ä日");
+  EXPECT_EQ(box->text(), "ä日");
+  for (int i = 0; i < 5; ++i) type(L'x');
+  EXPECT_EQ(box->text(), "ä日xxx");
+  for (const auto& [key, virtualKey] :
+       {std::pair{VK_RETURN, VirtualKey::kReturn}, std::pair{VK_ESCAPE, VirtualKey::kEscape},
+        std::pair{VK_TAB, VirtualKey::kTab}}) {
+    listener.events.clear();
+    PostMessageW(edit, WM_KEYDOWN, static_cast<WPARAM>(key), 1);
+    turn();
+    ASSERT_NE(listener.last(Type::kKeyDown), nullptr);
+    EXPECT_EQ(listener.last(Type::kKeyDown)->key, virtualKey);
+  }
+  EXPECT_EQ(box->text(), "ä日xxx");
+  EXPECT_EQ(listener.last(Type::kFocusLost), nullptr);
+  SetFocus(host);
+  turn();
+  EXPECT_NE(listener.last(Type::kFocusLost), nullptr);
+}
+
+TEST_F(TextBoxTest, ItsEndLeavesTheKeyboardToTheWindow) {
+  open("a");
+  box.reset();
+  EXPECT_EQ(GetFocus(), own());
+  EXPECT_EQ(IsWindow(edit), 0);
+  turn();
+  EXPECT_EQ(listener.last(Type::kFocusLost), nullptr);
+  window->giveFocusBack();
+  EXPECT_EQ(GetFocus(), host);
+
+  open("b");
+  SetFocus(host);
+  box.reset();
+  EXPECT_EQ(GetFocus(), host); // it had lost it
+
+  open("c");
+  DestroyWindow(host);
+  EXPECT_EQ(box->text(), "");
+  box->setText("d");
+  box.reset();
+}
+
 TEST_F(Win32WindowTest, APopupTakesNoFocusAndStaysOnTheScreen) {
   SetFocus(host);
   const HWND before = GetFocus();

@@ -4,7 +4,9 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/ThisSystem.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
@@ -74,6 +76,62 @@ TEST_F(EntryTest, TheHostIsAskedForItsVersionOnlyUntilItHasTheRecord) {
   effect->dispatcher(effect, 12, 0, 1, nullptr, 0.0F);
   EXPECT_THAT(requests, testing::ElementsAre(sdk::HostOpcode::WantMidi));
   close(effect);
+}
+
+/// The calling thread's x87 control word, set for a while.
+class X87Word {
+ public:
+  explicit X87Word(std::uint16_t word) : m_before(current()) { set(word); }
+  ~X87Word() { set(m_before); }
+  X87Word(const X87Word&) = delete;
+  X87Word& operator=(const X87Word&) = delete;
+
+  static std::uint16_t current() {
+    std::uint16_t word = 0;
+    __asm__ volatile("fnstcw %0" : "=m"(word));
+    return word;
+  }
+
+ private:
+  static void set(std::uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); }
+  std::uint16_t m_before;
+};
+
+TEST_F(EntryTest, SoundsTheSameAndKeepsTheHostsX87WordWhateverItIs) {
+  constexpr std::int32_t kFrames = 256;
+  constexpr std::uint16_t kExtendedPrecision = 0x037F;
+  constexpr std::uint16_t kDoublePrecision = 0x027F; // that of new threads on Windows
+  constexpr std::uint16_t kSinglePrecisionUpwards = 0x087F;
+  const auto heard = [&](std::uint16_t word) {
+    std::vector<double> sound;
+    const X87Word ofHost(word);
+    const auto keeps = [&](const char* call) { EXPECT_EQ(X87Word::current(), word) << call; };
+    EffectRecord* const effect = entry("VSTPluginMain")(host);
+    keeps("entry");
+    effect->dispatcher(effect, 10, 0, 0, nullptr, 44100.0F);
+    effect->dispatcher(effect, 12, 0, 1, nullptr, 0.0F);
+    keeps("dispatcher");
+    std::array<double, kFrames> left{};
+    std::array<double, kFrames> right{};
+    std::array<double*, 2> buffers{left.data(), right.data()};
+    for (int block = 0; block < 60; ++block) {
+      // Filters of the amplifier, the horn and the drum are designed anew while they play.
+      for (const std::int32_t index : {6, 9, 13, 15, 22, 29})
+        effect->setParameter(effect, index, static_cast<float>(block % 9) / 8.0F);
+      keeps("setParameter");
+      for (std::size_t i = 0; i < left.size(); ++i) left[i] = right[i] = i % 64 < 32 ? 0.25 : -0.25;
+      effect->processDoubleReplacing(effect, buffers.data(), buffers.data(), kFrames);
+      keeps("processDoubleReplacing");
+      sound.insert(sound.end(), left.begin(), left.end());
+    }
+    close(effect);
+    keeps("close");
+    return sound;
+  };
+  const std::vector<double> expected = heard(kExtendedPrecision);
+  EXPECT_GT(*std::ranges::max_element(expected), 0.01);
+  EXPECT_EQ(heard(kDoublePrecision), expected);
+  EXPECT_EQ(heard(kSinglePrecisionUpwards), expected);
 }
 
 TEST_F(EntryTest, ScannersLeaveNoTrace) {

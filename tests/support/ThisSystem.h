@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 /// What tests need of the system that they run on.
 namespace qlx::test {
@@ -10,11 +11,19 @@ namespace qlx::test {
 /// which goes with the process.
 void keepSettingsIn(const std::filesystem::path& folder);
 
+#ifdef _WIN32
+/// That key's path below the user's part of the registry, as other programs find it.
+std::wstring keyOfSettings();
+#endif
+
 /// Whether anything was written there since.
 bool settingsWereWritten();
 
 /// From now on installed documents are those in `folder`; on Windows only those beside the program.
 void keepDocumentsIn(const std::filesystem::path& folder);
+
+/// From now on no window can be opened, where the environment names the display.
+void forgetDisplay();
 
 /// Whether this process has a shared library loaded.
 bool isLoaded(const std::filesystem::path& library);

@@ -18,6 +18,8 @@ bool settingsWereWritten() {
   return folder != nullptr && std::filesystem::exists(folder) && !std::filesystem::is_empty(folder);
 }
 
+void forgetDisplay() { unsetenv("DISPLAY"); }
+
 void keepDocumentsIn(const std::filesystem::path& folder) {
   ::setenv("XDG_DATA_HOME", folder.c_str(), 1);
   ::setenv("XDG_DATA_DIRS", folder.c_str(), 1);

@@ -16,6 +16,7 @@ constexpr const wchar_t* kKeysOfTests = L"Software\\QLXTest";
 class OwnKey {
  public:
   ~OwnKey() { remove(); }
+  const std::wstring& path() const { return m_path; }
   void become(const std::wstring& path) {
     remove();
     m_path = path;
@@ -41,9 +42,19 @@ class OwnKey {
 
 } // namespace
 
-void keepSettingsIn(const std::filesystem::path& folder) {
+namespace {
+
+OwnKey& ownKey() {
   static OwnKey key;
-  key.become(std::wstring(kKeysOfTests) + L'\\' + std::to_wstring(hash_value(folder)));
+  return key;
+}
+
+} // namespace
+
+std::wstring keyOfSettings() { return ownKey().path(); }
+
+void keepSettingsIn(const std::filesystem::path& folder) {
+  ownKey().become(std::wstring(kKeysOfTests) + L'\\' + std::to_wstring(hash_value(folder)));
 }
 
 bool settingsWereWritten() {
@@ -53,6 +64,8 @@ bool settingsWereWritten() {
   RegCloseKey(software);
   return true;
 }
+
+void forgetDisplay() {}
 
 void keepDocumentsIn(const std::filesystem::path& /*folder*/) {}
 
