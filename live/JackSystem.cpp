@@ -16,6 +16,18 @@ constexpr std::size_t kIn = 0;
 constexpr std::size_t kOut = 2;
 constexpr std::size_t kMidi = 4;
 
+// How long connections are looked at after JACK has told of a change: it tells before they are
+// seen.
+constexpr std::chrono::seconds kLookTime{1};
+// A connection that is missing for longer, beside some blocks, while its port is there was taken
+// apart by somebody. A port that goes is cut off first, and a new connection is not seen at once.
+constexpr std::chrono::milliseconds kGraceTime{200};
+
+bool contains(const std::vector<JackSystem::Connection>& list,
+              const JackSystem::Connection& wanted) {
+  return std::ranges::find(list, wanted) != list.end();
+}
+
 std::vector<std::string> taken(const char** names) {
   struct Free {
     void operator()(const char** memory) const { jack_free(memory); }
@@ -76,6 +88,12 @@ JackSystem::JackSystem(jack_client_t* client, Wishes wishes)
       client,
       [](jack_port_id_t, jack_port_id_t, int, void* self) {
         static_cast<JackSystem*>(self)->m_connectionsChanged.store(true, std::memory_order_relaxed);
+      },
+      this);
+  jack_set_port_registration_callback(
+      client,
+      [](jack_port_id_t port, int isThere, void* self) {
+        if (isThere != 0) static_cast<JackSystem*>(self)->noteAppeared(port);
       },
       this);
   jack_on_shutdown(
@@ -141,32 +159,70 @@ int JackSystem::process(jack_nframes_t frames) noexcept {
   return 0;
 }
 
+void JackSystem::noteAppeared(jack_port_id_t port) {
+  const jack_port_t* found = jack_port_by_id(m_client, port);
+  const char* name = found == nullptr ? nullptr : jack_port_name(found);
+  if (name == nullptr) return;
+  const std::lock_guard lock(m_appearedMutex);
+  if (m_appeared.size() < kMostAppeared) m_appeared.emplace_back(name);
+}
+
+bool JackSystem::hasAppeared(const std::string& port) {
+  const std::lock_guard lock(m_appearedMutex);
+  return std::ranges::find(m_appeared, port) != m_appeared.end();
+}
+
 void JackSystem::idle() {
   if (!isAlive()) return;
-  // A port that goes is cut off first.
-  for (const Connection& one : std::exchange(m_cut, {})) {
-    if (jack_port_by_name(m_client, one.other.c_str()) == nullptr)
-      m_awaited.push_back(one);
-    else
-      std::erase(m_connections, one);
+  std::size_t appeared = 0;
+  {
+    const std::lock_guard lock(m_appearedMutex);
+    appeared = m_appeared.size();
   }
   connectAwaited();
-  if (!m_connectionsChanged.exchange(false, std::memory_order_relaxed)) return;
-  std::vector<Connection> now;
+  const auto now = Clock::now();
+  if (m_connectionsChanged.exchange(false, std::memory_order_relaxed))
+    m_lookUntil = now + kLookTime;
+  if (now < m_lookUntil || !m_missing.empty()) compareConnections(now);
+  if (!m_missing.empty()) return;
+  // Ports that came meanwhile may belong to connections that are still to be missed.
+  const std::lock_guard lock(m_appearedMutex);
+  m_appeared.erase(m_appeared.begin(), m_appeared.begin() + static_cast<std::ptrdiff_t>(appeared));
+}
+
+void JackSystem::compareConnections(Clock::time_point now) {
+  std::vector<Connection> standing;
   for (std::size_t i = 0; i < m_ports.size(); ++i)
     for (std::string& other : taken(jack_port_get_all_connections(m_client, m_ports[i])))
-      now.push_back({i, std::move(other)});
-  now.insert(now.end(), m_awaited.begin(), m_awaited.end());
+      standing.push_back({i, std::move(other)});
   if (!isAlive()) return;
-  for (const Connection& one : m_connections)
-    if (std::ranges::find(now, one) == now.end()) m_cut.push_back(one);
-  now.insert(now.end(), m_cut.begin(), m_cut.end());
-  m_connections = std::move(now);
+  const std::vector<Missing> before = std::exchange(m_missing, {});
+  const auto grace = kGraceTime + std::chrono::duration<double>(4.0 * blockFrames() / rate());
+  std::vector<Connection> kept;
+  for (const Connection& one : m_connections) {
+    if (!contains(standing, one) && !contains(m_awaited, one)) {
+      if (jack_port_by_name(m_client, one.other.c_str()) == nullptr || hasAppeared(one.other)) {
+        m_awaited.push_back(one);
+      } else {
+        const auto known = std::ranges::find(before, one, &Missing::connection);
+        const auto since = known == before.end() ? now : known->since;
+        if (now - since > grace) continue;
+        m_missing.push_back({one, since});
+      }
+    }
+    kept.push_back(one);
+  }
+  for (const Connection& one : standing)
+    if (!contains(kept, one)) kept.push_back(one);
+  m_connections = std::move(kept);
 }
 
 void JackSystem::connectAwaited() {
   std::erase_if(m_awaited, [this](const Connection& one) {
-    return jack_port_by_name(m_client, one.other.c_str()) != nullptr && connect(one);
+    if (jack_port_by_name(m_client, one.other.c_str()) == nullptr || !connect(one)) return false;
+    const std::lock_guard lock(m_appearedMutex);
+    std::ranges::replace(m_appeared, one.other, std::string()); // a later cut is not due to it
+    return true;
   });
 }
 
@@ -176,7 +232,10 @@ bool JackSystem::connect(const Connection& one) {
   const bool isOutput = one.port >= kOut && one.port < kMidi;
   const int failure = isOutput ? jack_connect(m_client, own, one.other.c_str())
                                : jack_connect(m_client, one.other.c_str(), own);
-  return failure == 0 || failure == EEXIST;
+  if (failure != 0 && failure != EEXIST) return false;
+  // Also known when it is cut before the next look.
+  if (!contains(m_connections, one)) m_connections.push_back(one);
+  return true;
 }
 
 std::vector<std::string> JackSystem::portsOf(const std::string& name) const {

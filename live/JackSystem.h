@@ -7,7 +7,9 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,12 +59,21 @@ class JackSystem final : public AudioSystem {
   unsigned firstFrame() const { return m_firstFrame.load(std::memory_order_relaxed); }
 
  private:
+  using Clock = std::chrono::steady_clock;
+  struct Missing {
+    Connection connection;
+    Clock::time_point since;
+  };
+
   JackSystem(jack_client_t* client, Wishes wishes);
   int process(jack_nframes_t frames) noexcept;
   std::vector<std::string> portsOf(const std::string& name) const;
   void connect(const std::vector<std::string>& names);
   bool connect(const Connection& one);
   void connectAwaited();
+  void compareConnections(Clock::time_point now);
+  void noteAppeared(jack_port_id_t port); ///< on JACK's thread of notices
+  bool hasAppeared(const std::string& port);
 
   jack_client_t* m_client;
   Wishes m_wishes;
@@ -71,7 +82,11 @@ class JackSystem final : public AudioSystem {
   bool m_active = false;
   std::vector<Connection> m_connections;
   std::vector<Connection> m_awaited; ///< their ports are not there
-  std::vector<Connection> m_cut;     ///< since the last look, by whom is still to be seen
+  std::vector<Missing> m_missing;    ///< by whose doing is still to be seen
+  Clock::time_point m_lookUntil{};
+  static constexpr std::size_t kMostAppeared = 1024;
+  std::mutex m_appearedMutex;
+  std::vector<std::string> m_appeared; ///< ports, as long as the cut of a connection may be theirs
   std::atomic<bool> m_connectionsChanged{true};
   std::atomic<bool> m_alive{true};
   std::atomic<bool> m_freewheeling{false};

@@ -108,7 +108,7 @@ TEST_F(JackLossTest, UnpluggedMidiDeviceIsConnectedAgain) {
   }
   // What the user takes apart stays so, also when the device comes back.
   EXPECT_TRUE(keyboard.disconnect(kKeys, kInput));
-  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  std::this_thread::sleep_for(std::chrono::milliseconds(1000));
   keyboard.removePort(keys);
   std::this_thread::sleep_for(std::chrono::milliseconds(200));
   keyboard.addKeys();
