@@ -10,8 +10,8 @@
 
 namespace qlx::engine {
 
-/// Largest RoomSettings::size.
-inline constexpr double kLargestRoom = 8.0;
+/// Largest RoomSettings::size; the control's end is at 4.
+inline constexpr double kLargestRoom = 4.1;
 
 struct RoomSettings {
   double size = 1.0;        ///< scale of all paths
@@ -37,7 +37,7 @@ class Room {
 
  private:
   static constexpr std::size_t kTapCount = kernels::RoomSide::kTaps;
-  static constexpr int kLongestLine = 65536;
+  static constexpr int kLongestLine = 8192; ///< kLargestRoom at the highest engine rate, 50 kHz
   static constexpr int kContinued =
       kSubBlock + 8; ///< samples of the begin that follow the end again
 

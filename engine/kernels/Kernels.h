@@ -12,7 +12,7 @@ namespace qlx::engine::kernels {
 inline constexpr int kLongestSubBlock = 64;
 /// Samples of the lines of sound and of angles, which are followed by the first of them again:
 /// eight more than the longest sub-block.
-inline constexpr int kLineSize = 4096;
+inline constexpr int kLineSize = 2048;
 /// Pieces of a level law, four coefficients each, from the constant up.
 inline constexpr int kLevelPieces = 511;
 

@@ -15,8 +15,8 @@ namespace qlx::engine {
 /// Host samples between two updates of what follows the rotors' angle slowly (filters of the rays).
 inline constexpr int kUpdateInterval = 16;
 
-/// Length of the delay lines in which rotors and their sound are remembered: 4096 engine samples,
-/// over 27 m of air.
+/// Length of the delay lines in which rotors and their sound are remembered: 2048 engine samples,
+/// 13.9 m of air at the highest engine rate. The farthest image lies 12.3 m from a microphone.
 inline constexpr int kHistorySize = kernels::kLineSize;
 using DelayLine = ContinuedRing<kHistorySize>;
 

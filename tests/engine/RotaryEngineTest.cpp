@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: ISC
+#include "engine/cabinet/DrumModel.h"
+#include "engine/cabinet/HornMicrophone.h"
+#include "engine/rotor/RotorHistory.h"
 #include "engine/settings/SettingMailbox.h"
+#include "engine/settings/SettingTable.h"
 #include "tests/engine/EngineFixture.h"
 #include "tests/support/CountingAllocator.h"
 
 #include <gmock/gmock.h>
 #include <xmmintrin.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <span>
 
 namespace qlx::test {
 namespace {
@@ -289,6 +295,28 @@ TEST(RotaryEngine, StopAndReleaseBetweenTwoBlocksStillSounds) {
   f.engine.set(Setting::Stop, 1.0);
   f.engine.set(Setting::Stop, 0.0);
   EXPECT_GT(peak(f.render(4096, 512, 0.0).left), 1e-4);
+}
+
+/// At the limits of the settings and the highest engine rate; the kernels would read on where the
+/// lines begin anew.
+TEST(Cabinet, FarthestImageIsWithinReachOfTheLines) {
+  double farthest = 0.0; // metres
+  const auto measure = [&](std::span<const ImageSource> images, const MicrophonePosition& from) {
+    Rays rays;
+    rays.rebuild(images, from, 0.2);
+    for (std::size_t i = 0; i < images.size(); ++i) farthest = std::max(farthest, rays.distance[i]);
+  };
+  const double hornMetres = settingRow(Setting::HornMic1Distance).highest;
+  const double drumMetres = settingRow(Setting::DrumMicDistance).highest;
+  for (int step = -50; step <= 50; ++step) {
+    for (const CabinetWalls& walls : {CabinetWalls(false), CabinetWalls(true)}) {
+      const double turns = step / 100.0;
+      measure(hornImages({turns, hornMetres}, walls), {turns, hornMetres});
+      measure(drumImages({turns, drumMetres}, walls), {turns, drumMetres});
+    }
+  }
+  farthest += settingRow(Setting::HornFmRadius).highest;
+  EXPECT_LT(farthest * 50000.0 * kInverseSpeedOfSound + kSubBlock + 4, kHistorySize);
 }
 
 /// Recordings that are unpacked while an engine is running already.
