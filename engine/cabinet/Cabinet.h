@@ -54,9 +54,9 @@ class Cabinet {
   void clearCrossRings() noexcept { m_crossTalk.clearRings(); }
   void rebuildHorn1() noexcept { m_horn.rebuildGeometry(0); }
   void rebuildHorn2() noexcept { m_horn.rebuildGeometry(1); }
-  void rebuildReducedHorn() noexcept { m_reduced.rebuildHorn(); }
+  void rebuildReducedHorn() noexcept { m_reduced.rebuildHorn(m_horn.microphone(0).attenuation()); }
   void rebuildDrum() noexcept { m_drum.rebuildGeometry(); }
-  void rebuildReducedDrum() noexcept { m_reduced.rebuildDrum(); }
+  void rebuildReducedDrum() noexcept { m_reduced.rebuildDrum(m_drum.attenuation()); }
   void computeRoomTaps() noexcept { m_room.computeTaps(roomSettings, m_engineRate); }
   void clearRoom() noexcept { m_room.clear(); }
   void computeCrossDelays(SmoothedSettings& settings) noexcept;

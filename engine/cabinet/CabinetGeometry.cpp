@@ -63,27 +63,42 @@ void Rays::rebuild(std::span<const ImageSource> images, const MicrophonePosition
   }
 }
 
-void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept {
-  const double amRadius = cabinet.amRadius;
-  const double nearest = kNearestDistance - amRadius;
+void AttenuationLaw::compute(const Shape& shape) noexcept {
+  const double nearest = kNearestDistance - shape.amRadius;
   double* table = m_table.data();
-  table[0] = std::pow(amRadius * kInverseNearestDistance, cabinet.attenuationExponent);
+  table[0] = std::pow(shape.amRadius * kInverseNearestDistance, shape.exponent);
   double previous = nearest;
   for (int i = 1; i < kSize; ++i) {
     const double d = nearest + kTableStep * i;
-    const double exponent = d < nearest + cabinet.attenuationDistance
-                                ? 1.0 - std::pow((d - nearest) / cabinet.attenuationDistance,
-                                                 cabinet.attenuationFadeExponent)
+    const double exponent = d < nearest + shape.distance
+                                ? 1.0 - std::pow((d - nearest) / shape.distance, shape.fadeExponent)
                                 : 0.0;
-    table[i] = table[i - 1] * std::pow(previous / d, exponent * cabinet.attenuationExponent);
+    table[i] = table[i - 1] * std::pow(previous / d, exponent * shape.exponent);
     previous = d;
   }
   fitPieces();
+}
+
+void AttenuationLaw::rebuild(const CabinetSettings& cabinet, const Rays& rays,
+                             const AttenuationLaw& like) noexcept {
+  const double amRadius = cabinet.amRadius;
+  const Shape shape{amRadius, cabinet.attenuationExponent, cabinet.attenuationDistance,
+                    cabinet.attenuationFadeExponent};
+  if (shape != m_shape) {
+    if (shape == like.m_shape) {
+      m_table = like.m_table;
+      m_pieces = like.m_pieces;
+    } else {
+      compute(shape);
+    }
+    m_shape = shape;
+  }
   // The reference lies as far before the axis as the mouth is behind it on average.
   const double mean =
       (kHalfPeriodMean - rays.halfWidth[0] * kHalfPeriodMeanTimes4) * rays.signY[0] * amRadius;
-  const double direct = cubicTableRead(
-      (amRadius + rays.distance[0] - mean - kNearestDistance) * kEntriesPerMetre, table, kSize - 1);
+  const double direct =
+      cubicTableRead((amRadius + rays.distance[0] - mean - kNearestDistance) * kEntriesPerMetre,
+                     m_table.data(), kSize - 1);
   m_norm = std::pow(1.0 / direct, kNormalisedShare);
 }
 

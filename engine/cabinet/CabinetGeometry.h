@@ -87,7 +87,10 @@ class AttenuationLaw {
   /// that is nearest.
   static constexpr double kNearestDistance = 0.3;
 
-  void rebuild(const CabinetSettings& cabinet, const Rays& rays) noexcept;
+  /// Computing a law costs as much as two blocks of sound, so it is done only where the cabinet's
+  /// law has changed, and copied from `like` where that has it already.
+  void rebuild(const CabinetSettings& cabinet, const Rays& rays,
+               const AttenuationLaw& like) noexcept;
 
   /// Normalised level at `distance` metres from the centre of a circle of `amRadius`, where the
   /// source stands at `sine` (-1 nearest, +1 farthest) of its way.
@@ -102,8 +105,17 @@ class AttenuationLaw {
   double scale() const noexcept { return m_norm; }
 
  private:
+  /// What the raw law follows from, units as in CabinetSettings.
+  struct Shape {
+    double amRadius = 0.0; ///< never 0 in a cabinet
+    double exponent = 0.0, distance = 0.0, fadeExponent = 0.0;
+    bool operator==(const Shape&) const = default;
+  };
+
+  void compute(const Shape& shape) noexcept;
   void fitPieces() noexcept;
 
+  Shape m_shape;
   std::array<double, kSize> m_table{};
   std::array<std::array<double, 4>, kSize - 1> m_pieces{};
   double m_norm = 1.0;

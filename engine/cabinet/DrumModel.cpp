@@ -111,7 +111,7 @@ void DrumModel::rebuildGeometry() noexcept {
   const CabinetWalls walls = drumWalls(m_settings.cabinet);
   m_region = microphoneRegion(m_microphone, walls);
   m_rays.rebuild(drumImages(m_microphone, walls), m_microphone, m_settings.cabinet.amRadius);
-  m_attenuation.rebuild(m_settings.cabinet, m_rays);
+  m_attenuation.rebuild(m_settings.cabinet, m_rays, m_attenuation);
   m_lanesFresh = false;
 }
 

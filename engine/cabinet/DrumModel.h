@@ -52,6 +52,7 @@ class DrumModel {
   void setMicAngle(double turns) noexcept { m_microphone.angle = turns; }
   void setMicDistance(double metres) noexcept;
   const MicrophonePosition& microphone() const noexcept { return m_microphone; }
+  const AttenuationLaw& attenuation() const noexcept { return m_attenuation; }
   DrumNoisePlayer& noisePlayer() noexcept { return m_noisePlayer; }
 
   /// Level of the direct path without the rotor's movement.

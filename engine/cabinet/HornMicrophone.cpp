@@ -99,12 +99,12 @@ void HornMicrophone::setDistance(double metres) noexcept {
   m_noisePlayer.setMicDistance(metres);
 }
 
-void HornMicrophone::rebuildGeometry() noexcept {
+void HornMicrophone::rebuildGeometry(const AttenuationLaw& like) noexcept {
   const CabinetSettings& cabinet = m_settings.cabinet;
   const CabinetWalls walls(cabinet.flipSign < 0.0);
   m_region = microphoneRegion(m_position, walls);
   m_rays.rebuild(hornImages(m_position, walls), m_position, cabinet.amRadius);
-  m_attenuation.rebuild(cabinet, m_rays);
+  m_attenuation.rebuild(cabinet, m_rays, like);
   const bool leaks = m_region == MicrophoneRegion::Front && m_settings.openBackMode != 0 &&
                      cabinet.flipSign * microphoneSide(m_position) < 0.0;
   m_reflectionScale = leaks ? kOpenBackLoss : 1.0;

@@ -45,7 +45,8 @@ class HornMicrophone {
 
   void setAngle(double turns) noexcept { m_position.angle = turns; }
   void setDistance(double metres) noexcept;
-  void rebuildGeometry() noexcept;
+  /// `like`: the other microphone's law.
+  void rebuildGeometry(const AttenuationLaw& like) noexcept;
 
   const MicrophonePosition& position() const noexcept { return m_position; }
   const Rays& rays() const noexcept { return m_rays; }

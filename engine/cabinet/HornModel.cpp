@@ -101,7 +101,7 @@ void HornModel::resetFilters() noexcept {
 }
 
 void HornModel::rebuildGeometry(std::size_t microphone) noexcept {
-  m_microphones[microphone].rebuildGeometry();
+  m_microphones[microphone].rebuildGeometry(m_microphones[1 - microphone].attenuation());
   m_lanesFresh = false;
 }
 

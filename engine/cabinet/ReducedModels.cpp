@@ -93,21 +93,21 @@ void ReducedModels::resetHornFilters() noexcept {
   m_static.state[0] = 0.0;
 }
 
-void ReducedModels::rebuildHorn() noexcept {
+void ReducedModels::rebuildHorn(const AttenuationLaw& like) noexcept {
   const CabinetSettings& cabinet = m_hornSettings.cabinet;
   const CabinetWalls walls(cabinet.flipSign < 0.0);
   m_horn.region = microphoneRegion(m_microphone, walls);
   m_horn.rays.rebuild(hornImages(m_microphone, walls), m_microphone, cabinet.amRadius);
-  m_horn.attenuation.rebuild(cabinet, m_horn.rays);
+  m_horn.attenuation.rebuild(cabinet, m_horn.rays, like);
   m_lanesFresh = false;
 }
 
-void ReducedModels::rebuildDrum() noexcept {
+void ReducedModels::rebuildDrum(const AttenuationLaw& like) noexcept {
   const CabinetSettings& cabinet = m_drumSettings.cabinet;
   const CabinetWalls walls = drumWalls(cabinet);
   m_drum.region = microphoneRegion(m_microphone, walls);
   m_drum.rays.rebuild(drumImages(m_microphone, walls), m_microphone, cabinet.amRadius);
-  m_drum.attenuation.rebuild(cabinet, m_drum.rays);
+  m_drum.attenuation.rebuild(cabinet, m_drum.rays, like);
   m_lanesFresh = false;
 }
 

@@ -24,8 +24,9 @@ class ReducedModels {
   void clearDrum() noexcept;
   void resetHornFilters() noexcept;
   void resetDrumFilters() noexcept { clearDrum(); }
-  void rebuildHorn() noexcept;
-  void rebuildDrum() noexcept;
+  /// `like`: a law of the full model.
+  void rebuildHorn(const AttenuationLaw& like) noexcept;
+  void rebuildDrum(const AttenuationLaw& like) noexcept;
   void updateHornStaticPole() noexcept;
   void updateDrumStaticPole() noexcept;
 
