@@ -84,10 +84,23 @@ void Win32Window::tell(const Happening& happening) {
     PostMessageW(m_focusBefore, happening.message, happening.word, happening.details);
 }
 
+namespace {
+
+void fetchMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
+} // namespace
+
 void Win32Window::pump() {
   if (m_owner != nullptr || m_pumping) return;
   m_pumping = true;
   m_lastPump = now();
+  if (m_hasLoop) fetchMessages();
   for (Win32Window* const window : {this, m_popup}) {
     if (window == nullptr) continue;
     for (const Happening& happening : std::exchange(window->m_happened, {})) {

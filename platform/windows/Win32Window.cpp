@@ -143,6 +143,7 @@ std::unique_ptr<Win32Window> Win32Window::createTopLevel(const TopLevelLook& loo
   constexpr int kFromScreensCorner = 100;
   OffsetRect(&outside, kFromScreensCorner - outside.left, kFromScreensCorner - outside.top);
   if (!window->create(fixedSize, outside)) return nullptr;
+  window->m_hasLoop = true;
   if (look.icon.pixels != nullptr) window->setIcon(look.icon);
   return window;
 }

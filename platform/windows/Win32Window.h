@@ -138,6 +138,7 @@ class Win32Window final : public NativeWindow {
   wchar_t m_highSurrogate = 0; ///< first half of a character whose second half is to come
   bool m_leaveWanted = false;  ///< the system will tell when the pointer leaves
   bool m_pumping = false;
+  bool m_hasLoop = false; ///< the thread's messages are this window's to fetch: there is no host
   std::chrono::milliseconds m_lastPump{0};
 };
 

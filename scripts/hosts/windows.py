@@ -13,8 +13,7 @@ import tempfile
 import time
 
 KEY = r"HKCU\Software\Meridane\QLXBRZ1"
-CORNER = 100  # of the window's inside, on both axes
-PATIENCE = 60.0  # seconds
+PATIENCE = 20.0  # seconds
 
 
 def wine_program():
@@ -53,11 +52,11 @@ class Desk:
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writer)
         number = os.read(reader, 20).decode().strip()
-        self.environment = dict(os.environ, DISPLAY=":" + number, WINEPREFIX=str(home / "wine"), WINEDEBUG="-all",
+        self.environment = dict(os.environ, DISPLAY=":" + number, WINEPREFIX=os.environ.get("WINEPREFIX", str(home / "wine")), WINEDEBUG="-all",
                                 WINEDLLOVERRIDES="mscoree,mshtml=", LC_ALL="C.UTF-8")
         subprocess.run(["setxkbmap", "de"], env=self.environment, check=True)
         self.run("reg", "add", r"HKCU\Software\Wine\WineDbg", "/v", "ShowCrashDialog", "/t", "REG_DWORD", "/d", "0", "/f")
-        self.editor = None
+        self.editor, self.corner = None, [0, 0]
 
     def run(self, *words):
         return subprocess.run([self.wine, *words], env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
@@ -77,6 +76,11 @@ class Desk:
             self.editor = subprocess.Popen(command, env=self.environment, stdout=log, stderr=log)
         if not until(lambda: "open" in self.heard()):
             sys.exit(f"windows.py: no editor: {self.log.read_text()}")
+        shown = until(lambda: self.window("QLX Brezan"))
+        geometry = subprocess.run(["xdotool", "getwindowgeometry", "--shell", shown], env=self.environment, check=True,
+                                  stdout=subprocess.PIPE).stdout.decode()
+        self.corner = [int(re.search(rf"^{axis}=(\d+)", geometry, re.M).group(1)) for axis in "XY"]
+        print("the window's inside is at", self.corner, flush=True)
         time.sleep(1.0)
 
     def end(self):
@@ -91,8 +95,8 @@ class Desk:
         words = moves.split()
         for i, word in enumerate(words):
             if word == "mousemove":
-                words[i + 1] = str(int(words[i + 1]) + CORNER)
-                words[i + 2] = str(int(words[i + 2]) + CORNER)
+                words[i + 1] = str(int(words[i + 1]) + self.corner[0])
+                words[i + 2] = str(int(words[i + 2]) + self.corner[1])
         subprocess.run(["xdotool", *words], env=self.environment, check=True, stdout=subprocess.DEVNULL)
 
     def type(self, text):

@@ -350,7 +350,7 @@ TEST(Win32WindowSystem, ATopLevelWindowHasItsTitleAndSize) {
   EXPECT_EQ(inside.bottom, 130);
   Listener listener;
   window->setListener(&listener);
-  SendMessageW(own, WM_CLOSE, 0, 0);
+  PostMessageW(own, WM_CLOSE, 0, 0); // nobody but the window itself fetches it
   window->pump();
   EXPECT_NE(listener.last(Type::kClosed), nullptr);
   EXPECT_TRUE(window->isOpen()); // that is for its owner to decide
