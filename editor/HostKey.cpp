@@ -24,6 +24,7 @@ constexpr std::pair<gui::VirtualKey, sdk::VirtualKey> kKeys[]{
     {gui::VirtualKey::kEnter, sdk::kKeyEnter},     {gui::VirtualKey::kInsert, sdk::kKeyInsert},
     {gui::VirtualKey::kDelete, sdk::kKeyDelete},   {gui::VirtualKey::kShift, sdk::kKeyShift},
     {gui::VirtualKey::kControl, sdk::kKeyControl}, {gui::VirtualKey::kAlt, sdk::kKeyAlt},
+    {gui::VirtualKey::kF10, sdk::kKeyF10},
 };
 static_assert(std::all_of(std::begin(kKeys), std::end(kKeys), [](const auto& key) {
   return static_cast<int>(key.first) == static_cast<int>(key.second);

@@ -9,7 +9,8 @@
 namespace qlx::editor {
 
 /// The editor's frame. A click into it asks for the keyboard, so that keys reach the lever without
-/// the host's giving the window the focus first. A right click that no view takes is the frame's.
+/// the host's giving the window the focus first. A right click that no view takes is the frame's,
+/// and so is the menu key, or Shift with F10.
 class MyFrame final : public gui::CFrame {
  public:
   using CFrame::CFrame;
@@ -17,13 +18,16 @@ class MyFrame final : public gui::CFrame {
   gui::CMouseEventResult platformOnMouseDown(const gui::CPoint& where,
                                              const gui::CButtonState& buttons) override;
 
-  /// Called with the place of a right click that no view took; not behind a modal view.
-  void onContextClick(std::function<void(const gui::CPoint& where)> clicked) {
-    m_contextClicked = std::move(clicked);
-  }
+  bool platformOnKeyDown(const gui::CKeyCode& key) override;
+
+  /// Called when a menu is wanted, with what it is wanted for (null for the window) and its place:
+  /// the view under a right click that no view took, or the one that has the keyboard. Not behind a
+  /// modal view.
+  using ContextMenuOpener = std::function<void(const gui::CView* view, const gui::CPoint& where)>;
+  void onContextMenu(ContextMenuOpener opener) { m_openContextMenu = std::move(opener); }
 
  private:
-  std::function<void(const gui::CPoint& where)> m_contextClicked;
+  ContextMenuOpener m_openContextMenu;
 };
 
 } // namespace qlx::editor

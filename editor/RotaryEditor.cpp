@@ -122,17 +122,17 @@ void RotaryEditor::followScale() {
                          [](int /*button*/) {});
 }
 
-// --- Menu of the right button ---
+// --- Menu of the right button and the menu key ---
 
-void RotaryEditor::openContextMenu(const gui::CPoint& where) {
+void RotaryEditor::openContextMenu(const gui::CView* view, const gui::CPoint& where) {
   m_contextMenu->closePopup();
   m_menuToCome.clear();
   menuClosed();
-  const auto* control = dynamic_cast<const gui::CControl*>(getFrame()->getViewAt(where));
+  const auto* control = dynamic_cast<const gui::CControl*>(view);
   const std::int32_t tag = control == nullptr ? -1 : control->getTag();
   m_menuPlace = where;
   m_hostMenu.parameter = tag >= 0 && tag < plugin::kNumHostParameters ? tag : -1;
-  std::vector<ContextMenu::Item> items = askHost(sdk::EditorMenu::kOpening);
+  std::vector<gui::ContextMenu::Item> items = askHost(sdk::EditorMenu::kOpening);
   m_hostMenuOpen = !items.empty();
   for (const double scale : gui::kWindowScales) {
     items.push_back({"Size: " + std::to_string(std::lround(scale * 100.0)) + " %",
@@ -141,18 +141,18 @@ void RotaryEditor::openContextMenu(const gui::CPoint& where) {
   showMenu(std::move(items));
 }
 
-void RotaryEditor::showMenu(std::vector<ContextMenu::Item> items) {
+void RotaryEditor::showMenu(std::vector<gui::ContextMenu::Item> items) {
   m_contextMenu->openAt(m_menuPlace, std::move(items));
   if (!m_contextMenu->isPopupOpen()) menuClosed();
 }
 
-std::vector<ContextMenu::Item> RotaryEditor::askHost(sdk::EditorMenu::Event event,
-                                                     std::int32_t chosen) {
+std::vector<gui::ContextMenu::Item> RotaryEditor::askHost(sdk::EditorMenu::Event event,
+                                                          std::int32_t chosen) {
   m_hostMenu.byteSize = sizeof m_hostMenu;
   m_hostMenu.event = event;
   m_hostMenu.chosen = chosen;
   m_hostMenu.itemCount = 0;
-  std::vector<ContextMenu::Item> items;
+  std::vector<gui::ContextMenu::Item> items;
   if (!presetStore().askEditorMenu(m_hostMenu)) return items;
   const std::int32_t count = std::min(m_hostMenu.itemCount, sdk::EditorMenu::kMostItems);
   for (std::int32_t i = 0; i < count; ++i) {
@@ -209,12 +209,13 @@ bool RotaryEditor::openIn(const platform::WindowSystem& windows, void* parent, d
       *frame, *this, m_formatter,
       [this](std::int32_t index) { return getEffect()->getParameter(index); },
       [this](std::int32_t index) { return parameterText(index); });
-  m_contextMenu = &frame->addView(std::make_unique<ContextMenu>());
+  m_contextMenu = &frame->addView(std::make_unique<gui::ContextMenu>());
   CPresetSystemEditor::open(parent); // the preset panel lies on top
   m_contextMenu->onClosed([this] { menuClosed(); });
   frame->setWalkOrder(walkOrder(controlTree(*frame)));
   frame->onScaleChanged([this](double screens) { followScreen(screens); });
-  frame->onContextClick([this](const gui::CPoint& where) { openContextMenu(where); });
+  frame->onContextMenu(
+      [this](const gui::CView* view, const gui::CPoint& where) { openContextMenu(view, where); });
   frame->open();
   return true;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "editor/ContextMenu.h"
 #include "editor/EditorControls.h"
 #include "editor/EffectReadout.h"
 #include "editor/ParameterMirror.h"
+#include "gui/controls/ContextMenu.h"
 #include "platform/NativeWindow.h"
 #include "presets/panel/CPresetSystemEditor.h"
 #include "presets/panel/LoadBitmap.h"
@@ -62,9 +62,10 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   void setRectangle(double scale);
   void followScale();
   void followScreen(double scale);
-  void openContextMenu(const gui::CPoint& where);
-  std::vector<ContextMenu::Item> askHost(sdk::EditorMenu::Event event, std::int32_t chosen = 0);
-  void showMenu(std::vector<ContextMenu::Item> items);
+  void openContextMenu(const gui::CView* view, const gui::CPoint& where);
+  std::vector<gui::ContextMenu::Item> askHost(sdk::EditorMenu::Event event,
+                                              std::int32_t chosen = 0);
+  void showMenu(std::vector<gui::ContextMenu::Item> items);
   void hostItemChosen(std::int32_t item);
   void menuClosed();
   void watchHostMenu();
@@ -87,10 +88,10 @@ class RotaryEditor final : public presets::CPresetSystemEditor {
   bool m_scaleIsScreens = false;       ///< the one to come was not chosen by the user
   plugin::ParameterFormatter* m_formatter = nullptr;
   ParameterMirror m_mirror;
-  ContextMenu* m_contextMenu = nullptr; ///< the frame's
+  gui::ContextMenu* m_contextMenu = nullptr; ///< the frame's
   gui::CPoint m_menuPlace;
   sdk::EditorMenu m_hostMenu{};
-  std::vector<ContextMenu::Item> m_menuToCome;
+  std::vector<gui::ContextMenu::Item> m_menuToCome;
   bool m_hostMenuOpen = false;                ///< items of the host are shown
   std::unique_ptr<EditorControls> m_controls; ///< null while the window is closed
 };

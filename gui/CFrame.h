@@ -108,6 +108,8 @@ class CFrame : public CViewContainer, private platform::WindowListener {
   /// For the window's scale; null when there is none.
   CTypeface* getTypeface() const { return m_typeface.get(); }
   platform::NativeWindow& getWindow() const { return *m_window; }
+  /// A button of the pointer is held that was pressed on a view.
+  bool isInGesture() const { return m_mouseDownView != nullptr; }
 
   /// The toolkit's own: whether a context draws what the window will show.
   bool isScreen(const CDrawContext& context) const { return &context == &m_surface->context; }

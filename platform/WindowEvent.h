@@ -41,9 +41,11 @@ enum class VirtualKey : std::uint8_t {
   kEnter = 19,
   kInsert = 21,
   kDelete = 22,
+  kF10 = 49,
   kShift = 54,
   kControl = 55,
   kAlt = 56,
+  kMenu = 255, ///< no host has a number for it
 };
 
 /// The two places that text can be copied to.

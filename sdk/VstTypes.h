@@ -297,6 +297,7 @@ enum VirtualKey : unsigned char {
   kKeyEnter = 19,
   kKeyInsert = 21,
   kKeyDelete = 22,
+  kKeyF10 = 49,
   kKeyShift = 54,
   kKeyControl = 55,
   kKeyAlt = 56,

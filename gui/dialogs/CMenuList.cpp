@@ -115,7 +115,7 @@ bool CMenuList::onKeyDown(const CKeyCode& key) {
     if (to >= 0 && to <= last) highlight(to);
   };
   switch (key.virtualKey) {
-  case VirtualKey::kUp: step(-1); break;
+  case VirtualKey::kUp: from < 0 ? highlight(last) : step(-1); break;
   case VirtualKey::kDown: step(1); break;
   case VirtualKey::kLeft: step(-perColumn()); break;
   case VirtualKey::kRight: step(perColumn()); break;

@@ -101,9 +101,9 @@ class LineWidener {
   /// Of all pairs at once; `first` from the pair's first pixel.
   Lines neighbours(int first) const {
     Lines lines;
-    auto place = static_cast<std::size_t>(first + 2);
+    int place = first + 2;
     for (const std::uint32_t*& line : lines) {
-      line = m_ofPairs[place % 2].data() + place / 2;
+      line = m_ofPairs[static_cast<std::size_t>(place % 2)].data() + place / 2;
       ++place;
     }
     return lines;

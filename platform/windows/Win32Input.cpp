@@ -46,6 +46,8 @@ VirtualKey virtualKeyOf(WPARAM key, LPARAM details) {
   case VK_NEXT: return VirtualKey::kPageDown;
   case VK_INSERT: return VirtualKey::kInsert;
   case VK_DELETE: return VirtualKey::kDelete;
+  case VK_F10: return VirtualKey::kF10;
+  case VK_APPS: return VirtualKey::kMenu;
   case VK_SHIFT: return VirtualKey::kShift;
   case VK_CONTROL: return VirtualKey::kControl;
   case VK_MENU: return VirtualKey::kAlt;
@@ -271,6 +273,10 @@ LRESULT Win32Window::handle(HWND window, UINT message, WPARAM word, LPARAM detai
   case WM_MOUSEACTIVATE: return m_owner != nullptr ? MA_NOACTIVATE : MA_ACTIVATE;
   case WM_KEYDOWN:
   case WM_KEYUP: onKey(message, word, details); return 0;
+  case WM_SYSKEYDOWN: // as this key's presses come, which with Shift opens a menu
+    if (word != VK_F10 || !isDown(VK_SHIFT)) break;
+    onKey(WM_KEYDOWN, word, details);
+    return 0;
   case WM_SETFOCUS: onFocus(true); return 0;
   case WM_KILLFOCUS:
     // To the text box the keyboard goes within the window.

@@ -28,6 +28,17 @@ CMouseEventResult CPSKickButton::onMouseDown(const gui::CPoint& /*where*/,
   return CMouseEventResult::kHandled;
 }
 
+bool CPSKickButton::onKeyAction(gui::KeyAction action, const gui::CButtonState& modifiers) {
+  if (!m_needsDoubleClick) return CKickButton::onKeyAction(action, modifiers);
+  if (action != gui::KeyAction::kPress || !m_choiceWanted) return false;
+  m_choiceWanted();
+  return true;
+}
+
+void CPSKickButton::doublePress(bool control) {
+  pressAt(getViewSize().centre(), gui::kDoubleClick | (control ? gui::kControl : 0U));
+}
+
 void CPSKickButton::release() {
   setValue(0.0F);
   m_pressed = false;

@@ -3,6 +3,7 @@
 
 #include "gui/CFrame.h"
 #include "gui/controls/COptionMenu.h"
+#include "gui/controls/ContextMenu.h"
 #include "gui/dialogs/CMessageBox.h"
 #include "platform/MessageBox.h"
 #include "presets/panel/CPSKickButton.h"
@@ -92,11 +93,23 @@ PresetPanelView::PresetPanelView(gui::CFrame& frame, gui::CControlListener& list
   m_menu = &frame.addView(makeMenu(listener, frame.getBackground(), slots));
   m_menu->setName("Preset menu");
   m_menu->setCurrent(current);
+  m_choice = &frame.addView(std::make_unique<gui::ContextMenu>());
   for (const Button& button : kButtons) {
     gui::CControl& control = frame.addView(makeButton(button, listener));
     control.setName(button.name);
-    if (button.tag == kUserManualTag) m_manualButton = dynamic_cast<CPSKickButton*>(&control);
+    auto* const kick = dynamic_cast<CPSKickButton*>(&control);
+    if (button.tag == kUserManualTag) m_manualButton = kick;
+    const std::string what = button.tag == kDefaultBankTag ? "bank" : "preset";
+    if (button.kind == kDoubleKick)
+      kick->onChoiceWanted([this, kick, what] { offerDefaults(*kick, what); });
   }
+}
+
+void PresetPanelView::offerDefaults(CPSKickButton& button, const std::string& what) {
+  const gui::CRect place = button.getViewSize();
+  m_choice->openAt({place.left, place.bottom},
+                   {{"Store as default " + what, false, [&button] { button.doublePress(false); }},
+                    {"Clear default " + what, false, [&button] { button.doublePress(true); }}});
 }
 
 void PresetPanelView::setNameField(const std::string& name) { m_nameField->setText(name); }

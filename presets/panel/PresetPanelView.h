@@ -14,6 +14,7 @@ namespace qlx::gui {
 class CControlListener;
 class CFrame;
 class COptionMenu;
+class ContextMenu;
 } // namespace qlx::gui
 
 namespace qlx::presets {
@@ -64,10 +65,13 @@ class PresetPanelView final : public PresetPanel {
   void showMessage(const std::string& title, const std::string& text);
 
  private:
+  void offerDefaults(CPSKickButton& button, const std::string& what);
+
   gui::CFrame& m_frame;
   CQLXTextEdit* m_nameField = nullptr;
   gui::COptionMenu* m_menu = nullptr;
   CPSKickButton* m_manualButton = nullptr;
+  gui::ContextMenu* m_choice = nullptr;
 };
 
 } // namespace qlx::presets

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: ISC
-#include "editor/DisplayConverters.h"
-#include "gui/controls/CParamDisplay.h"
+#include "editor/Layout.h"
+#include "gui/drawing/CDrawContext.h"
 #include "plugin/ParameterTable.h"
 #include "plugin/parameters/ParameterFormatter.h"
 #include "plugin/parameters/ParameterIndex.h"
+#include "tests/support/EditorRig.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace qlx::test {
 namespace {
@@ -95,6 +99,45 @@ TEST(DisplayConverters, AgreeWithTheHostsDisplays) {
               textOf(formatMicSetup, v, &formatter) + textOf(formatMicSetupDetail, v, &formatter));
     EXPECT_EQ(plugin::parameterRow(plugin::kType)->display.text(v).view(),
               textOf(formatAmpType, v, &formatter));
+  }
+}
+
+/// A text in its field, and around it what the field would have cut off, all in pixels.
+std::vector<std::uint32_t> drawnText(const std::string& text, const gui::CTypeface& typeface,
+                                     const layout::PixelRect& field, double margin) {
+  // Whole pairs of pixels from the window's corner, for a scale of one and a half.
+  const gui::CRect place = gui::CRect::of(field);
+  const gui::CPoint corner{place.left - 20.0 - field.left % 2, place.top - 20.0 - field.top % 2};
+  const double scale = typeface.scale();
+  gui::PixelBuffer picture(static_cast<int>(100 * scale), static_cast<int>(60 * scale));
+  gui::CDrawContext context(picture, &typeface, scale);
+  context.setFont(gui::kNormalFontSmall);
+  context.setFontColor(gui::kWhiteCColor);
+  const gui::CRect moved = gui::CRect{place.left - corner.x, place.top - corner.y,
+                                      place.right - corner.x, place.bottom - corner.y};
+  context.drawString(text, moved.insetBy(-margin, -margin), gui::CHoriTxtAlign::kCenterText);
+  return picture.pixels;
+}
+
+TEST(DisplayConverters, TextsFitTheirFieldsAtEveryScale) {
+  EditorRig rig;
+  ASSERT_TRUE(rig.open());
+  plugin::ParameterFormatter formatter;
+  std::vector<KnobPlace> knobs(std::begin(kHornKnobs), std::end(kHornKnobs));
+  knobs.insert(knobs.end(), std::begin(kOtherKnobs), std::end(kOtherKnobs));
+  for (const double scale : gui::kWindowScales) {
+    const auto typeface = rig.frame().getTypeface()->atScale(scale);
+    for (const KnobPlace& knob : knobs) {
+      for (const auto& [convert, field] : {std::pair{knob.converter, knob.place.display},
+                                           {knob.detailConverter, layout::kSetupDetail}}) {
+        for (int i = 0; i <= 250 && convert != nullptr; ++i) {
+          const std::string text = textOf(convert, static_cast<float>(i) / 250.0F, &formatter);
+          ASSERT_TRUE(drawnText(text, *typeface, field, 0.0) ==
+                      drawnText(text, *typeface, field, 8.0))
+              << text << " at " << scale << " of " << knob.name;
+        }
+      }
+    }
   }
 }
 

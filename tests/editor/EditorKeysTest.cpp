@@ -280,6 +280,72 @@ TEST_F(EditorKeys, NameMenuAndScreensOpenAndClose) {
   EXPECT_EQ(ringName(), "About");
 }
 
+TEST_F(EditorKeys, MenuKeyOpensTheMenuOfTheControl) {
+  std::string asked;
+  rig.effect.onMenu = [&asked](sdk::EditorMenu& menu) {
+    if (menu.event == sdk::EditorMenu::kOpening) asked += std::to_string(menu.parameter);
+    return false;
+  };
+  const auto opens = [&](VirtualKey which, std::uint32_t modifiers) {
+    key(which, modifiers);
+    const bool open = rig.window().popup() != nullptr;
+    if (open) key(VirtualKey::kEscape);
+    EXPECT_EQ(rig.window().popup(), nullptr);
+    return open ? std::exchange(asked, {}) : "none";
+  };
+  EXPECT_EQ(opens(VirtualKey::kMenu, 0), "-1") << "nothing has the keyboard";
+  rig.click(357, 187);
+  EXPECT_EQ(opens(VirtualKey::kMenu, 0), "2") << "the lever has it from a press";
+  for (const auto& [control, parameter] :
+       {std::pair{"Drum level", "30"}, {"Bypass", "0"}, {"About", "-1"}, {"Preset menu", "-1"}}) {
+    walkTo(control);
+    EXPECT_EQ(opens(VirtualKey::kMenu, 0), parameter) << control;
+    EXPECT_EQ(opens(VirtualKey::kF10, kModifierShift), parameter) << control;
+    EXPECT_EQ(ringName(), control);
+  }
+  rig.window().takePassedOn();
+  EXPECT_EQ(opens(VirtualKey::kF10, 0), "none");
+  EXPECT_EQ(opens(VirtualKey::kMenu, kModifierAlt), "none");
+  EXPECT_EQ(rig.window().takePassedOn(), (std::vector{VirtualKey::kF10, VirtualKey::kMenu}));
+  for (const char* const screen : {"Preset name", "About"}) {
+    walkTo(screen);
+    key(VirtualKey::kReturn);
+    EXPECT_EQ(opens(VirtualKey::kMenu, 0), "none") << screen;
+    key(VirtualKey::kEscape);
+  }
+  rig.press(42, 75);
+  EXPECT_EQ(opens(VirtualKey::kMenu, 0), "none") << "in the middle of a gesture";
+  rig.release(42, 75);
+  walkTo("Drum level");
+  heard();
+  for (const auto which :
+       {VirtualKey::kMenu, VirtualKey::kUp, VirtualKey::kUp, VirtualKey::kReturn})
+    key(which);
+  EXPECT_EQ(heard(), "802x1140");
+  EXPECT_EQ(rig.window().picture().width, 802);
+  EXPECT_EQ(ringName(), "Drum level");
+}
+
+TEST_F(EditorKeys, DefaultsAreStoredAndClearedFromAMenu) {
+  for (const auto& [control, stored] : {std::pair{"Store default bank", "DefaultBank"},
+                                        {"Store default preset", "DefaultPreset"}}) {
+    const auto choose = [&](VirtualKey entry, VirtualKey end) {
+      key(VirtualKey::kReturn, entry == VirtualKey::kUp ? kModifierControl : 0U);
+      EXPECT_NE(rig.window().popup(), nullptr);
+      if (entry != VirtualKey::kNone) key(entry);
+      key(end);
+      EXPECT_EQ(rig.window().popup(), nullptr);
+      return rig.settings->readBinary(stored).has_value();
+    };
+    walkTo(control);
+    EXPECT_FALSE(choose(VirtualKey::kDown, VirtualKey::kEscape)) << control;
+    EXPECT_TRUE(choose(VirtualKey::kDown, VirtualKey::kReturn)) << control;
+    EXPECT_TRUE(choose(VirtualKey::kUp, VirtualKey::kEscape)) << control;
+    EXPECT_FALSE(choose(VirtualKey::kUp, VirtualKey::kReturn)) << control;
+    EXPECT_EQ(ringName(), control);
+  }
+}
+
 TEST_F(EditorKeys, HostsMayPassThemOnThemselves) {
   EXPECT_FALSE(rig.editor->onKeyDown({0, sdk::kKeyUp, 0}));
   EXPECT_TRUE(rig.editor->onKeyDown({0, sdk::kKeyTab, 0}));

@@ -23,7 +23,7 @@ struct KeyName {
   VirtualKey key;
 };
 
-constexpr std::array<KeyName, 36> kKeyNames{{
+constexpr std::array<KeyName, 38> kKeyNames{{
     {XKB_KEY_BackSpace, VirtualKey::kBack},
     {XKB_KEY_Tab, VirtualKey::kTab},
     {XKB_KEY_ISO_Left_Tab, VirtualKey::kTab},
@@ -53,6 +53,8 @@ constexpr std::array<KeyName, 36> kKeyNames{{
     {XKB_KEY_KP_Insert, VirtualKey::kInsert},
     {XKB_KEY_Delete, VirtualKey::kDelete},
     {XKB_KEY_KP_Delete, VirtualKey::kDelete},
+    {XKB_KEY_F10, VirtualKey::kF10},
+    {XKB_KEY_Menu, VirtualKey::kMenu},
     {XKB_KEY_Shift_L, VirtualKey::kShift},
     {XKB_KEY_Shift_R, VirtualKey::kShift},
     {XKB_KEY_Control_L, VirtualKey::kControl},

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: ISC
-#include "editor/ContextMenu.h"
+#include "gui/controls/ContextMenu.h"
 
-namespace qlx::editor {
+namespace qlx::gui {
 
-ContextMenu::ContextMenu()
-    : COptionMenu({}, nullptr, 0, nullptr, gui::kNoTextStyle | gui::kNoDrawStyle) {
+ContextMenu::ContextMenu() : COptionMenu({}, nullptr, 0, nullptr, kNoTextStyle | kNoDrawStyle) {
   setMouseEnabled(false);
 }
 
-void ContextMenu::openAt(const gui::CPoint& where, std::vector<Item> items) {
+void ContextMenu::openAt(const CPoint& where, std::vector<Item> items) {
   closePopup();
   m_items = std::move(items);
   removeAllEntries();
@@ -26,4 +25,4 @@ void ContextMenu::valueChanged() {
   if (chosen) chosen();
 }
 
-} // namespace qlx::editor
+} // namespace qlx::gui

@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-namespace qlx::editor {
+namespace qlx::gui {
 
-/// A menu that opens where the pointer is. It is no button: it draws nothing and takes no press.
-class ContextMenu final : public gui::COptionMenu {
+/// A menu that opens at a place of the frame. It is no button: it draws nothing and takes no press.
+class ContextMenu final : public COptionMenu {
  public:
   struct Item {
     std::string title;
@@ -25,10 +25,10 @@ class ContextMenu final : public gui::COptionMenu {
     return className == "ContextMenu" || COptionMenu::isTypeOf(className);
   }
   /// Its items act on one window; there are no copies. Null.
-  std::unique_ptr<gui::CView> newCopy() const override { return nullptr; }
+  std::unique_ptr<CView> newCopy() const override { return nullptr; }
 
   /// Shows the items with the menu's corner there. Nothing without items.
-  void openAt(const gui::CPoint& where, std::vector<Item> items);
+  void openAt(const CPoint& where, std::vector<Item> items);
   /// Called whenever the menu has closed, before an item's `chosen`.
   void onClosed(std::function<void()> closed) { m_closed = std::move(closed); }
 
@@ -46,4 +46,4 @@ class ContextMenu final : public gui::COptionMenu {
   std::function<void()> m_closed;
 };
 
-} // namespace qlx::editor
+} // namespace qlx::gui
