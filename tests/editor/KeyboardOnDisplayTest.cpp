@@ -178,6 +178,19 @@ TEST_P(KeyboardOnDisplay, HandAndKeysFollowTheWindowToScreensOfOtherScales) {
   }
 }
 
+TEST_P(KeyboardOnDisplay, MenuKeysChooseASize) {
+  click(42, 75);
+  for (const char* const keys : {"135", "50+76"}) { // menu; left Shift, F10
+    key(kTab);
+    const double before = rig.frame().getScale();
+    key(keys);
+    key("111 36"); // up to the last, Return
+    EXPECT_TRUE(until([&] { return rig.frame().getScale() != before; })) << keys;
+    rig.editor->setHostScale(1.5);
+    rig.editor->idle();
+  }
+}
+
 TEST_P(KeyboardOnDisplay, LayoutMayChangeWhileAnEditorIsOpen) {
   constexpr const char* kKeys = "29 52 47 34 35"; // y ; z [ ] where the layout is American
   const std::pair<const char*, const char*> layouts[]{
