@@ -204,7 +204,7 @@ def manual(desk):
     # Its title is empty: it is the last window that has come.
     time.sleep(3.0)
     desk.picture("no-manual")
-    desk.gesture("the host goes on while the box is open", "mousemove 96 224", *[])
+    desk.gesture("the box keeps the pointer from the knobs", "mousemove 96 224", *[])
     desk.hand("key Return")
     time.sleep(1.0)
     desk.gesture("after it", "mousemove 96 224 click 4", "automate 6")

@@ -139,7 +139,7 @@ void loadAndUnload(HWND parent, int round) {
   }
 }
 
-TEST(WindowsHost, AHundredLoadsLeaveNothingBehind) {
+TEST(WindowsHost, AHundredLoadsLeaveLittleBehind) {
   constexpr int kRounds = 100;
   constexpr int kWarmUp = 20; // what the system itself keeps has been made by then
   const TemporaryFolder home;
@@ -157,7 +157,8 @@ TEST(WindowsHost, AHundredLoadsLeaveNothingBehind) {
   const Held after = Held::now();
   after.print(kRounds);
   constexpr int kOthers = 20; // what the system itself makes meanwhile, and other programs' windows
-  // The compiler's thread library, which the DLL brings along, leaves five for each load.
+  // Under Wine each load leaves five, whatever the number of instances: one by being loaded, two by
+  // the first effect, two by the editor. Their owner is not known.
   constexpr int kHandlesOfEachRound = 5;
   EXPECT_LT(after.handles, before.handles + kHandlesOfEachRound * (kRounds - kWarmUp) + kOthers);
   EXPECT_LT(after.drawingObjects, before.drawingObjects + kOthers);
