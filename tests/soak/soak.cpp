@@ -17,9 +17,11 @@
 #include <unistd.h>
 #include <xcb/res.h>
 
+#include <chrono>
 #include <cstdio>
 #include <random>
 #include <stdexcept>
+#include <thread>
 
 namespace qlx::test {
 namespace {
@@ -217,7 +219,10 @@ class Session {
       m_host.closeEditor();
     }
     m_editorOpen = false;
-    m_screen.sync();
+    // The effect has a connection of its own, which the display may serve after this one.
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (m_screen.children(m_screen.window()) > 0 && std::chrono::steady_clock::now() < patience)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 
   void playFor(double seconds) {
