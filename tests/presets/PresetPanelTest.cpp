@@ -79,11 +79,12 @@ TEST_F(PanelTest, LiesOnTopOfTheRestAndShowsTheCurrentPreset) {
   EXPECT_EQ(menu().getCurrentIndex(), 7);
   EXPECT_EQ(menu().getEntry(31), "Preset 31");
   EXPECT_EQ(menu().getNbItemsPerColumn(), 8);
-  const auto& views = rig.frame().getViews();
-  for (std::size_t i = 0; i < views.size(); ++i) {
-    const int tag = dynamic_cast<gui::CControl&>(*views[i]).getTag();
-    EXPECT_EQ(tag >= 149, i >= views.size() - 14) << tag;
-  }
+  std::vector<int> tags; // menus without a place of their own apart
+  for (const auto& view : rig.frame().getViews())
+    if (!view->isTypeOf("ContextMenu"))
+      tags.push_back(dynamic_cast<gui::CControl&>(*view).getTag());
+  for (std::size_t i = 0; i < tags.size(); ++i)
+    EXPECT_EQ(tags[i] >= 149, i >= tags.size() - 14) << tags[i];
 }
 
 TEST_F(PanelTest, ControlsReactInsideTheirRectanglesOnly) {
