@@ -13,6 +13,8 @@
 #include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <syncstream>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -67,10 +69,9 @@ class EditLog {
     for (int i = 0; i < host.parameterCount(); ++i) m_values.push_back(host.value(i));
     host.setEditListener([this](const HostEdit& edit) { onEdit(edit); });
     window.setKeyListener([](const platform::WindowEvent& key) {
-      std::cout << "key " + std::to_string(static_cast<int>(key.key)) + ' ' + key.text + '\n'
-                << std::flush;
+      write("key " + std::to_string(static_cast<int>(key.key)) + ' ' + key.text);
     });
-    std::cout << "open\n" << std::flush;
+    write("open");
   }
   ~EditLog() {
     m_window.setKeyListener({});
@@ -87,13 +88,17 @@ class EditLog {
   }
 
  private:
+  /// In one piece and at once, from any thread.
+  static void write(const std::string& line) {
+    std::osyncstream(std::cout) << line << '\n' << std::flush;
+  }
+
   void print(const char* what, int index, std::optional<float> value) {
     std::ostringstream line;
     line << what << ' ' << index;
     if (index < m_host.parameterCount()) line << ' ' << m_host.parameter(index).name;
     if (value) line << ' ' << *value;
-    // In one piece and at once.
-    std::cout << line.str() + '\n' << std::flush;
+    write(line.str());
   }
 
   void onEdit(const HostEdit& edit) {
