@@ -329,13 +329,13 @@ TEST_F(EditorKeys, MenuKeyOpensTheMenuOfTheControl) {
 TEST_F(EditorKeys, DefaultsAreStoredAndClearedFromAMenu) {
   for (const auto& [control, stored] : {std::pair{"Store default bank", "DefaultBank"},
                                         {"Store default preset", "DefaultPreset"}}) {
-    const auto choose = [&](VirtualKey entry, VirtualKey end) {
+    const auto choose = [&, name = stored](VirtualKey entry, VirtualKey end) {
       key(VirtualKey::kReturn, entry == VirtualKey::kUp ? kModifierControl : 0U);
       EXPECT_NE(rig.window().popup(), nullptr);
       if (entry != VirtualKey::kNone) key(entry);
       key(end);
       EXPECT_EQ(rig.window().popup(), nullptr);
-      return rig.settings->readBinary(stored).has_value();
+      return rig.settings->readBinary(name).has_value();
     };
     walkTo(control);
     EXPECT_FALSE(choose(VirtualKey::kDown, VirtualKey::kEscape)) << control;
