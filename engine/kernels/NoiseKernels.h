@@ -121,8 +121,65 @@ inline bool hasArrived(const NoiseTreble& t, const double* between, int n) {
   return farthest < 1e-13;
 }
 
+/// Change of the speed within a sub-block, as a share of it, up to which the targets lie on straight
+/// lines between a few of them: of n samples those at k (n - 1) / 3. The roots are then less than
+/// 1e-6 off; a rotor of the usual inertia comes to speed that slowly.
+constexpr double kGentleChange = 0.01;
+constexpr int kGentlePieces = 3, kGentleShortest = 16;
+
+inline bool isGentle(const double* between, int n) {
+  const double first = between[0], last = between[n - 1];
+  const double change = first < last ? last - first : first - last;
+  const double lower = first < last ? first : last;
+  return n >= kGentleShortest && change != 0.0 && change <= kGentleChange * lower;
+}
+
+void gentleTreble(NoiseTreble& t, const double* between, const double* slow, const double* fast,
+                  double* out, int n) {
+  TrebleSections sections(t);
+  TrebleRoots target[kGentlePieces + kWidth];
+  const auto at = [n](int point) { return point * (n - 1) / kGentlePieces; };
+  for (int point = 0; point <= kGentlePieces; point += kWidth) {
+    Lanes speed{};
+    for (int k = 0; k < kWidth; ++k)
+      speed[k] = between[at(point + k < kGentlePieces ? point + k : kGentlePieces)];
+    const Lanes square = speed * speed;
+    designTreble(t, slowLowPassHz(speed), fastShelfHz(square), fastShelfDb(square), target + point);
+  }
+  Two root[kRootCount], line[kRootCount], step[kRootCount];
+  for (int i = 0; i < kRootCount; ++i) root[i] = loadTwo(t.root + 2 * i);
+  int j = 0;
+  for (int piece = 0; piece < kGentlePieces; ++piece) {
+    const int from = at(piece), to = at(piece + 1);
+    for (int i = 0; i < kRootCount; ++i) {
+      line[i] = loadTwo(target[piece] + 2 * i);
+      step[i] = (loadTwo(target[piece + 1] + 2 * i) - line[i]) / static_cast<double>(to - from);
+    }
+    for (const int end = piece + 1 < kGentlePieces ? to : n; j < end; ++j) {
+      for (int i = 0; i < kRootCount; ++i) {
+        root[i] += (line[i] - root[i]) * t.share;
+        line[i] += step[i];
+      }
+      sections.section = TrebleSections::TwoLaws::Section(root);
+      out[j] = sections.step(slow[j], fast[j]);
+    }
+  }
+  for (int i = 0; i < kRootCount; ++i) storeTwo(t.root + 2 * i, root[i]);
+  for (int i = 0; i < NoiseTreble::kCells; ++i) {
+    t.target[i] = target[kGentlePieces][i];
+    t.increment[i] = (t.target[i] - t.root[i]) * t.share;
+  }
+  t.remaining = t.steps - 1;
+  t.between = between[n - 1];
+  sections.storeMemory(t);
+}
+
 void noiseTreble(NoiseTreble& t, const double* between, const double* slow, const double* fast,
                  double* out, int n) {
+  if (isGentle(between, n)) {
+    gentleTreble(t, between, slow, fast, out, n);
+    return;
+  }
   TrebleSections sections(t);
   if (hasArrived(t, between, n)) {
     for (int j = 0; j < n; ++j) out[j] = sections.step(slow[j], fast[j]);

@@ -14,6 +14,10 @@ namespace {
 /// Time constant of a first-order approach over its 10 % - 90 % time: 1 / ln 9.
 constexpr double kTimeConstantShare = 0.45511961331;
 
+/// Distance from the target, as a share of it, at which the speed has arrived: from there on the
+/// phase would change by less than 1e-10 turns.
+constexpr double kArrived = 1e-12;
+
 } // namespace
 
 RotorMotion::Event RotorMotion::setLever(double v) noexcept {
@@ -83,17 +87,16 @@ void RotorMotion::setSampleRate(double hz) noexcept {
 }
 
 void RotorMotion::advance(std::span<double> angles, std::span<double> speeds) noexcept {
-  double speed = m_currentSpeed;
-  if (std::abs(speed - m_targetSpeed) <= 1e-15 * m_targetSpeed) {
-    speed = m_targetSpeed;
-    std::fill(speeds.begin(), speeds.end(), speed);
+  double distance = m_currentSpeed - m_targetSpeed;
+  if (std::abs(distance) <= kArrived * m_targetSpeed) {
+    m_currentSpeed = m_targetSpeed;
+    std::fill(speeds.begin(), speeds.end(), m_targetSpeed);
   } else {
-    for (double& s : speeds) {
-      const double pole = speed > m_targetSpeed ? m_decelPole : m_accelPole;
-      s = speed = flushDenormals(speed * pole + m_targetSpeed * (1.0 - pole));
-    }
+    // An exponential approach never passes its target.
+    const double pole = distance > 0.0 ? m_decelPole : m_accelPole;
+    for (double& speed : speeds) speed = m_targetSpeed + (distance *= pole);
+    m_currentSpeed = flushDenormals(m_targetSpeed + distance);
   }
-  m_currentSpeed = speed;
   advanceTurns(m_phase, static_cast<double>(m_direction), speeds, angles);
   if (m_phaseOffset == 0.0) return;
   for (double& angle : angles) angle += m_phaseOffset - (angle + m_phaseOffset >= 1.0 ? 1.0 : 0.0);

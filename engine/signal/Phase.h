@@ -9,8 +9,9 @@ namespace qlx::engine {
 
 inline constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
-/// Phases (0 .. 1) of n samples, each before its step of scale x speed, and the phase behind them.
-/// A steady speed takes no sample-by-sample sum.
+/// Phases (0 .. 1) of n samples, each before its step of scale x speed, and the phase behind them:
+/// less than a turn away. The sum is wrapped behind the loop that takes it, which is the only one in
+/// which a sample waits for the last one; a steady speed takes none.
 inline void advanceTurns(double& phase, double scale, std::span<const double> speeds,
                          std::span<double> phases) noexcept {
   const std::size_t n = speeds.size();
@@ -25,12 +26,13 @@ inline void advanceTurns(double& phase, double scale, std::span<const double> sp
     phase = wrapped(phase + static_cast<double>(static_cast<int>(n)) * step);
     return;
   }
-  double at = phase;
+  double sum = 0.0;
   for (std::size_t i = 0; i < n; ++i) {
-    phases[i] = at;
-    at = wrapped(at + scale * speeds[i]);
+    phases[i] = sum;
+    sum += speeds[i];
   }
-  phase = at;
+  for (std::size_t i = 0; i < n; ++i) phases[i] = wrapped(phase + scale * phases[i]);
+  phase = wrapped(phase + scale * sum);
 }
 
 } // namespace qlx::engine
