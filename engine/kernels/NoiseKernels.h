@@ -121,9 +121,9 @@ inline bool hasArrived(const NoiseTreble& t, const double* between, int n) {
   return farthest < 1e-13;
 }
 
-/// Change of the speed within a sub-block, as a share of it, up to which the targets lie on straight
-/// lines between a few of them: of n samples those at k (n - 1) / 3. The roots are then less than
-/// 1e-6 off; a rotor of the usual inertia comes to speed that slowly.
+/// Change of the speed within a sub-block, as a share of it, up to which the targets lie on
+/// straight lines between a few of them: of n samples those at k (n - 1) / 3. The roots are then
+/// less than 1e-6 off; a rotor of the usual inertia comes to speed that slowly.
 constexpr double kGentleChange = 0.01;
 constexpr int kGentlePieces = 3, kGentleShortest = 16;
 

@@ -10,8 +10,8 @@ namespace qlx::engine {
 inline constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
 /// Phases (0 .. 1) of n samples, each before its step of scale x speed, and the phase behind them:
-/// less than a turn away. The sum is wrapped behind the loop that takes it, which is the only one in
-/// which a sample waits for the last one; a steady speed takes none.
+/// less than a turn away. The sum is wrapped behind the loop that takes it, which is the only one
+/// in which a sample waits for the last one; a steady speed takes none.
 inline void advanceTurns(double& phase, double scale, std::span<const double> speeds,
                          std::span<double> phases) noexcept {
   const std::size_t n = speeds.size();
