@@ -16,7 +16,7 @@ if(QLX_SANITIZE)
   target_compile_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(qlx_options INTERFACE -fsanitize=${QLX_SANITIZE})
   # GCC 12 takes a vector's growth for an overflow once its checks are compiled in.
-  target_compile_options(qlx_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
+  target_compile_options(qlx_options INTERFACE "$<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow;-Wno-array-bounds>")
 endif()
 
 # ccache does not keep what is compiled with a precompiled header.
