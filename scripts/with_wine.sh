@@ -9,6 +9,7 @@ server=$(dirname "$(readlink -f "$wine")")/wineserver64
 [ -x "$server" ] || server=/usr/lib/wine/wineserver64
 # Neither .NET nor a browser is asked for when the folder is new.
 export WINEDLLOVERRIDES="mscoree,mshtml="
-"$server" -p60
+# Refuses where one is still up from a moment ago, which serves as well.
+"$server" -p60 || true
 "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null
 exec "$@"

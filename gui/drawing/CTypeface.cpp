@@ -4,6 +4,7 @@
 #include "gui/drawing/PngImage.h"
 #include "gui/drawing/Utf8.h"
 
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <mutex>
@@ -62,7 +63,13 @@ class CTypeface::Pack {
 
   /// Null where the bytes are of another form.
   const PackHead* head() const {
-    std::call_once(m_opening, [this] { open(); });
+    // Not std::call_once: with the thread library for Windows its thread-local memory costs two
+    // handles of the system, which stay when the library is unloaded.
+    if (!m_isOpen.load(std::memory_order_acquire)) {
+      const std::lock_guard opening(m_opening);
+      if (!m_isOpen.load(std::memory_order_relaxed)) open();
+      m_isOpen.store(true, std::memory_order_release);
+    }
     return m_head ? &*m_head : nullptr;
   }
 
@@ -73,7 +80,8 @@ class CTypeface::Pack {
   void open() const;
 
   Bytes m_kept;
-  mutable std::once_flag m_opening;
+  mutable std::mutex m_opening;
+  mutable std::atomic<bool> m_isOpen{false};
   mutable std::vector<std::uint8_t> m_inflated;
   mutable Bytes m_bytes; ///< kept or inflated
   mutable std::optional<PackHead> m_head;
