@@ -3,7 +3,7 @@
 """windows.py BUILD OUTDIR: the Windows plug-in in brezan.exe under Wine, on a screen of its own, worked by a real pointer and
 keyboard: knobs, lever, a name with umlauts, a bank saved and loaded in a folder with Japanese letters, a key for the host, the
 manual that is missing. Tells each check; pictures go to OUTDIR and are to be looked at. BUILD has QLXBrezan.dll and brezan.exe.
-Needs the packages wine64 xvfb openbox xdotool x11-utils imagemagick."""
+Needs the packages wine64 xvfb openbox xdotool x11-utils x11-xkb-utils imagemagick."""
 import os
 import pathlib
 import re
@@ -55,6 +55,8 @@ class Desk:
         number = os.read(reader, 20).decode().strip()
         self.environment = dict(os.environ, DISPLAY=":" + number, WINEPREFIX=os.environ.get("WINEPREFIX", str(home / "wine")), WINEDEBUG="-all",
                                 WINEDLLOVERRIDES="mscoree,mshtml=", LC_ALL="C.UTF-8")
+        # Letters that the keyboard lacks would be given keys in turn while they are typed, which Wine does not always see.
+        subprocess.run(["setxkbmap", "de"], env=self.environment, check=True)
         # Who gives a window that has come the keyboard.
         self.manager = subprocess.Popen(["openbox"], env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.run("reg", "add", r"HKCU\Software\Wine\WineDbg", "/v", "ShowCrashDialog", "/t", "REG_DWORD", "/d", "0", "/f")
@@ -101,7 +103,6 @@ class Desk:
         subprocess.run(["xdotool", *words], env=self.environment, check=True, stdout=subprocess.DEVNULL)
 
     def type(self, text):
-        # Letters that the keyboard lacks get a key of their own while they are typed: time for Wine to look at it.
         subprocess.run(["xdotool", "type", "--delay", "400", text], env=self.environment, check=True)
 
     def window(self, title):
@@ -149,12 +150,12 @@ def gestures(desk):
 def names(desk):
     desk.hand("mousemove 204 561 click 1")
     time.sleep(1.0)
-    desk.type("Schöne Töne")
+    desk.type("Schöne Größe für")
     time.sleep(0.5)
     desk.picture("name-edit")
     desk.hand("key Return")
     desk.hand("mousemove 317 561 click 1")  # store A
-    name = "Schöne Töne".encode().hex().upper()
+    name = "Schöne Größe für".encode().hex().upper()
     desk.check("a name with umlauts, taken by Enter", bool(until(lambda: name in desk.stored("MemoA"))), desk.stored("MemoA")[:200])
     desk.hand("mousemove 204 561 click 1")
     time.sleep(1.0)
