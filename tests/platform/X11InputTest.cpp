@@ -137,6 +137,32 @@ TEST_F(X11Windows, UnusedKeysGoToWhatHadTheFocus) {
   host->destroyWindow();
 }
 
+TEST_F(X11Windows, UnusedKeysReachATopLevelWindowOfOurs) {
+  other = nativeWindowSystem().openTopLevel({"host"}, kWidth, kHeight);
+  ASSERT_NE(other, nullptr);
+  Listener outside;
+  other->setListener(&outside);
+  other->show();
+  ASSERT_TRUE(pumpUntil([&] { return outside.count(WindowEventType::kExpose) > 0; }));
+  X11Host keys({0, 0, 1, 1});
+  keys.focus(static_cast<xcb_window_t>(other->handle()));
+  window = nativeWindowSystem().openChild(other->handle(), kWidth, kHeight);
+  ASSERT_NE(window, nullptr);
+  window->setListener(&listener);
+  window->show();
+  ASSERT_TRUE(comes(WindowEventType::kExpose));
+  window->takeFocus();
+  ASSERT_TRUE(comes(WindowEventType::kFocusGained));
+  for (const bool used : {true, false}) {
+    listener.usesKeys = used;
+    listener.events.clear();
+    keys.send(window->handle(), XCB_KEY_PRESS, 65, 0, 0, 0);
+    ASSERT_TRUE(comes(WindowEventType::kKeyDown));
+    EXPECT_EQ(pumpUntil([&] { return outside.count(WindowEventType::kKeyDown) > 0; }), !used);
+  }
+  window.reset();
+}
+
 struct KeyCase {
   xcb_keysym_t symbol;
   std::uint16_t state;

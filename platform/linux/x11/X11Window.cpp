@@ -123,6 +123,7 @@ void X11Window::setLook(const TopLevelLook& look) {
   setProperty(atoms.netWmName, atoms.utf8String, look.title);
   setProperty(atoms.wmProtocols, XCB_ATOM_ATOM, std::array{std::uint32_t{atoms.wmDeleteWindow}});
   m_topLevel = true;
+  selectKeys(false);
   fixSize();
   if (!look.program.empty()) {
     // Instance and class, each with its end: brezan, Brezan.
@@ -197,9 +198,10 @@ void X11Window::requestText(Selection selection) {
 // --- Keyboard focus ---
 
 // Keys are asked for only while the window has the focus. Otherwise the display would bring it,
-// instead of the host's window, every key that is pressed while the pointer is over it.
+// instead of the host's window, every key that is pressed while the pointer is over it. A top-level
+// window gets those, too, that a window within it passes on.
 void X11Window::selectKeys(bool wanted) {
-  const std::uint32_t events = wanted ? kEvents | kKeyEvents : kEvents;
+  const std::uint32_t events = wanted || m_topLevel ? kEvents | kKeyEvents : kEvents;
   xcb_change_window_attributes(m_connection.xcb(), m_window, XCB_CW_EVENT_MASK, &events);
   xcb_flush(m_connection.xcb());
 }
