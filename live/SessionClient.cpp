@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
 namespace qlx::live {
 
@@ -26,6 +27,24 @@ constexpr const char* kSave = "/nsm/client/save";
 
 SessionClient& self(void* data) { return *static_cast<SessionClient*>(data); }
 
+/// Arguments lie in the message at multiples of four bytes, which is less than lo_arg asks for.
+const char* text(const lo_arg* word) { return reinterpret_cast<const char*>(word); }
+
+/// Of "osc.udp://HOST:PORT/"; null for anything else. (lo_address_new_from_url reads behind the end
+/// of a URL that is cut off.)
+lo_address addressOf(std::string_view url) {
+  constexpr std::string_view kScheme = "osc.udp://";
+  if (!url.starts_with(kScheme)) return nullptr;
+  url.remove_prefix(kScheme.size());
+  url = url.substr(0, url.find('/'));
+  const std::size_t colon = url.rfind(':');
+  if (colon == std::string_view::npos || colon == 0 || colon + 1 == url.size()) return nullptr;
+  const std::string port(url.substr(colon + 1));
+  url = url.substr(0, colon);
+  if (url.starts_with('[') && url.ends_with(']')) url = url.substr(1, url.size() - 2);
+  return lo_address_new(std::string(url).c_str(), port.c_str());
+}
+
 } // namespace
 
 void SessionClient::FreeServer::operator()(lo_server server) const { lo_server_free(server); }
@@ -33,13 +52,12 @@ void SessionClient::FreeAddress::operator()(lo_address address) const { lo_addre
 
 SessionClient::SessionClient(const std::string& url, const std::string& name,
                              const std::string& executable, int processId)
-    : m_manager(lo_address_new_from_url(url.c_str())),
-      m_server(lo_server_new_with_proto(nullptr, LO_UDP, nullptr)) {
+    : m_manager(addressOf(url)), m_server(lo_server_new_with_proto(nullptr, LO_UDP, nullptr)) {
   if (!m_manager || !m_server)
     throw std::runtime_error("cannot reach the session manager at '" + url + "'");
   addMethod(kOpen, "sss",
             [](const char*, const char*, lo_arg** words, int, lo_message, void* data) {
-              self(data).opens(&words[0]->s, &words[2]->s);
+              self(data).opens(text(words[0]), text(words[2]));
               return 0;
             });
   addMethod(kSave, "", [](const char*, const char*, lo_arg**, int, lo_message, void* data) {
@@ -48,7 +66,7 @@ SessionClient::SessionClient(const std::string& url, const std::string& name,
   });
   addMethod("/error", "sis",
             [](const char*, const char*, lo_arg** words, int, lo_message, void* data) {
-              if (std::string(&words[0]->s) == kAnnounce) self(data).m_refusal = &words[2]->s;
+              if (std::string(text(words[0])) == kAnnounce) self(data).m_refusal = text(words[2]);
               return 0;
             });
   if (lo_send_from(m_manager.get(), m_server.get(), kAtOnce, kAnnounce, "sssiii", name.c_str(), "",

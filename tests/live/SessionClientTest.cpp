@@ -58,7 +58,8 @@ TEST(SessionClientTest, OpensOneSessionAndSavesIt) {
 }
 
 TEST(SessionClientTest, ManagersMayBeAbsentOrRefuse) {
-  for (const char* url : {"nowhere", "osc.udp://", ""})
+  for (const char* url : {"nowhere", "osc.udp://", "", "osc.udp://127.0.0.1", "osc.udp://:14000/",
+                          "osc.udp://127.0.0.1:/", "osc.tcp://127.0.0.1:14000/"})
     EXPECT_THROW(live::SessionClient(url, "Name", "program", 7), std::runtime_error) << url;
   SessionManager manager;
   live::SessionClient client(manager.url(), "Name", "program", 7);

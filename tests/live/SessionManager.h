@@ -3,6 +3,8 @@
 
 #include <lo/lo.h>
 
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -19,9 +21,12 @@ class SessionManager {
            void* data) {
           auto& self = *static_cast<SessionManager*>(data);
           self.m_heard += path;
-          for (int i = 0; i < count; ++i)
-            self.m_heard += types[i] == 's' ? std::string(" ") + &words[i]->s
-                                            : " " + std::to_string(words[i]->i);
+          for (int i = 0; i < count; ++i) {
+            const char* const word = reinterpret_cast<const char*>(words[i]);
+            std::int32_t number = 0;
+            std::memcpy(&number, word, sizeof number);
+            self.m_heard += ' ' + (types[i] == 's' ? word : std::to_string(number));
+          }
           const lo_address source = lo_message_get_source(message);
           self.m_client.reset(
               lo_address_new(lo_address_get_hostname(source), lo_address_get_port(source)));
