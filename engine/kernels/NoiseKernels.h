@@ -146,7 +146,7 @@ void gentleTreble(NoiseTreble& t, const double* between, const double* slow, con
     const Lanes square = speed * speed;
     designTreble(t, slowLowPassHz(speed), fastShelfHz(square), fastShelfDb(square), target + point);
   }
-  Two root[kRootCount], line[kRootCount], step[kRootCount];
+  Two root[kRootCount], increment[kRootCount], line[kRootCount], step[kRootCount];
   for (int i = 0; i < kRootCount; ++i) root[i] = loadTwo(t.root + 2 * i);
   int j = 0;
   for (int piece = 0; piece < kGentlePieces; ++piece) {
@@ -157,17 +157,19 @@ void gentleTreble(NoiseTreble& t, const double* between, const double* slow, con
     }
     for (const int end = piece + 1 < kGentlePieces ? to : n; j < end; ++j) {
       for (int i = 0; i < kRootCount; ++i) {
-        root[i] += (line[i] - root[i]) * t.share;
+        increment[i] = (line[i] - root[i]) * t.share;
+        root[i] += increment[i];
         line[i] += step[i];
       }
       sections.section = TrebleSections::TwoLaws::Section(root);
       out[j] = sections.step(slow[j], fast[j]);
     }
   }
-  for (int i = 0; i < kRootCount; ++i) storeTwo(t.root + 2 * i, root[i]);
-  for (int i = 0; i < NoiseTreble::kCells; ++i) {
-    t.target[i] = target[kGentlePieces][i];
-    t.increment[i] = (t.target[i] - t.root[i]) * t.share;
+  // Where the tuning stays from here on, the rest of the way is covered as it began.
+  for (int i = 0; i < kRootCount; ++i) {
+    storeTwo(t.root + 2 * i, root[i]);
+    storeTwo(t.increment + 2 * i, increment[i]);
+    storeTwo(t.target + 2 * i, loadTwo(target[kGentlePieces] + 2 * i));
   }
   t.remaining = t.steps - 1;
   t.between = between[n - 1];

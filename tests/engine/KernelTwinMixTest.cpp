@@ -87,12 +87,13 @@ TEST_P(KernelTwin, NoiseTrebleOfASlowlyMovingSpeed) {
   kernels.settleTreble(twin.treble);
   double speed = 0.15;
   for (const double step : {2e-5, 2e-5, -2e-5, 6e-5, 0.0}) {
-    for (const int n : kLengths) {
+    for (const int n : {64, 63, 32}) {
       Numbers moving(80);
       for (size_t j = 0; j < 80; ++j) moving[j] = speed + step * double(j);
       twin.expectRun(*this, moving, n, 2e-6);
       speed = moving[size_t(n)];
     }
+    twin.expectRun(*this, Numbers(80, -1.0), 64, 2e-6); // beyond the speeds the tuning stays
   }
 }
 
