@@ -121,11 +121,11 @@ inline bool hasArrived(const NoiseTreble& t, const double* between, int n) {
   return farthest < 1e-13;
 }
 
-/// Change of the speed within a sub-block, as a share of it, up to which the targets lie on
-/// straight lines between a few of them: of n samples those at k (n - 1) / 3. The roots are then
-/// less than 1e-6 off; a rotor of the usual inertia comes to speed that slowly.
-constexpr double kGentleChange = 0.01;
-constexpr int kGentlePieces = 3, kGentleShortest = 16;
+/// Change of the speed within a sub-block, as a share of it, up to which the targets lie on a cubic
+/// through those of four samples, k (n - 1) / 3: within 1e-9 of the roots. A rotor of the usual
+/// inertia comes to speed that slowly.
+constexpr double kGentleChange = 0.02;
+constexpr int kGentlePoints = 4, kGentleShortest = 16;
 
 inline bool isGentle(const double* between, int n) {
   const double first = between[0], last = between[n - 1];
@@ -134,42 +134,59 @@ inline bool isGentle(const double* between, int n) {
   return n >= kGentleShortest && change != 0.0 && change <= kGentleChange * lower;
 }
 
+/// A cubic through four points, in Newton's form: at[0] is 0.
+struct GentleCurve {
+  Two c0, c1, c2, c3;
+
+  GentleCurve() = default;
+  GentleCurve(const double (&at)[kGentlePoints], Two f0, Two f1, Two f2, Two f3) {
+    const Two slope0 = (f1 - f0) / at[1], slope1 = (f2 - f1) / (at[2] - at[1]);
+    const Two slope2 = (f3 - f2) / (at[3] - at[2]);
+    const Two bend0 = (slope1 - slope0) / at[2], bend1 = (slope2 - slope1) / (at[3] - at[1]);
+    c0 = f0;
+    c1 = slope0;
+    c2 = bend0;
+    c3 = (bend1 - bend0) / at[3];
+  }
+  Two value(const double (&at)[kGentlePoints], double x) const {
+    return ((c3 * (x - at[2]) + c2) * (x - at[1]) + c1) * x + c0;
+  }
+};
+
 void gentleTreble(NoiseTreble& t, const double* between, const double* slow, const double* fast,
                   double* out, int n) {
   TrebleSections sections(t);
-  TrebleRoots target[kGentlePieces + kWidth];
-  const auto at = [n](int point) { return point * (n - 1) / kGentlePieces; };
-  for (int point = 0; point <= kGentlePieces; point += kWidth) {
+  TrebleRoots target[kGentlePoints - 1 + kWidth];
+  const auto sampleOf = [n](int point) { return point * (n - 1) / (kGentlePoints - 1); };
+  double at[kGentlePoints];
+  for (int point = 0; point < kGentlePoints; ++point) at[point] = sampleOf(point);
+  for (int point = 0; point < kGentlePoints; point += kWidth) {
     Lanes speed{};
     for (int k = 0; k < kWidth; ++k)
-      speed[k] = between[at(point + k < kGentlePieces ? point + k : kGentlePieces)];
+      speed[k] = between[sampleOf(point + k < kGentlePoints ? point + k : kGentlePoints - 1)];
     const Lanes square = speed * speed;
     designTreble(t, slowLowPassHz(speed), fastShelfHz(square), fastShelfDb(square), target + point);
   }
-  Two root[kRootCount], increment[kRootCount], line[kRootCount], step[kRootCount];
-  for (int i = 0; i < kRootCount; ++i) root[i] = loadTwo(t.root + 2 * i);
-  int j = 0;
-  for (int piece = 0; piece < kGentlePieces; ++piece) {
-    const int from = at(piece), to = at(piece + 1);
+  Two root[kRootCount], increment[kRootCount];
+  GentleCurve curve[kRootCount];
+  for (int i = 0; i < kRootCount; ++i) {
+    const auto of = [&](int point) { return loadTwo(target[point] + 2 * i); };
+    root[i] = loadTwo(t.root + 2 * i);
+    curve[i] = GentleCurve(at, of(0), of(1), of(2), of(3));
+  }
+  for (int j = 0; j < n; ++j) {
     for (int i = 0; i < kRootCount; ++i) {
-      line[i] = loadTwo(target[piece] + 2 * i);
-      step[i] = (loadTwo(target[piece + 1] + 2 * i) - line[i]) / static_cast<double>(to - from);
+      increment[i] = (curve[i].value(at, j) - root[i]) * t.share;
+      root[i] += increment[i];
     }
-    for (const int end = piece + 1 < kGentlePieces ? to : n; j < end; ++j) {
-      for (int i = 0; i < kRootCount; ++i) {
-        increment[i] = (line[i] - root[i]) * t.share;
-        root[i] += increment[i];
-        line[i] += step[i];
-      }
-      sections.section = TrebleSections::TwoLaws::Section(root);
-      out[j] = sections.step(slow[j], fast[j]);
-    }
+    sections.section = TrebleSections::TwoLaws::Section(root);
+    out[j] = sections.step(slow[j], fast[j]);
   }
   // Where the tuning stays from here on, the rest of the way is covered as it began.
   for (int i = 0; i < kRootCount; ++i) {
     storeTwo(t.root + 2 * i, root[i]);
     storeTwo(t.increment + 2 * i, increment[i]);
-    storeTwo(t.target + 2 * i, loadTwo(target[kGentlePieces] + 2 * i));
+    storeTwo(t.target + 2 * i, loadTwo(target[kGentlePoints - 1] + 2 * i));
   }
   t.remaining = t.steps - 1;
   t.between = between[n - 1];

@@ -90,10 +90,10 @@ TEST_P(KernelTwin, NoiseTrebleOfASlowlyMovingSpeed) {
     for (const int n : {64, 63, 32}) {
       Numbers moving(80);
       for (size_t j = 0; j < 80; ++j) moving[j] = speed + step * double(j);
-      twin.expectRun(*this, moving, n, 2e-6);
+      twin.expectRun(*this, moving, n, 1e-10);
       speed = moving[size_t(n)];
     }
-    twin.expectRun(*this, Numbers(80, -1.0), 64, 2e-6); // beyond the speeds the tuning stays
+    twin.expectRun(*this, Numbers(80, -1.0), 64, 1e-10); // beyond the speeds the tuning stays
   }
 }
 
