@@ -84,14 +84,15 @@ struct TrebleSections {
   Memory memory;
 
   explicit TrebleSections(const NoiseTreble& t)
-      : section(sectionOf(t)), memory{loadTwo(t.x1), loadTwo(t.x2), loadTwo(t.y1), loadTwo(t.y2)} {}
+      : section(sectionOf(t.root)), memory{loadTwo(t.x1), loadTwo(t.x2), loadTwo(t.y1),
+                                           loadTwo(t.y2)} {}
 
-  static TwoLaws::Section sectionOf(const NoiseTreble& t) {
+  static TwoLaws::Section sectionOf(const double* cells) {
     Two root[kRootCount];
-    for (int i = 0; i < kRootCount; ++i) root[i] = loadTwo(t.root + 2 * i);
+    for (int i = 0; i < kRootCount; ++i) root[i] = loadTwo(cells + 2 * i);
     return TwoLaws::Section(root);
   }
-  void retune(const NoiseTreble& t) { section = sectionOf(t); }
+  void retune(const double* cells) { section = sectionOf(cells); }
 
   double step(double slow, double fast) {
     const Two y = section.next(memory, Two{slow, fast}, [](Two limited) { return limited; });
@@ -134,59 +135,71 @@ inline bool isGentle(const double* between, int n) {
   return n >= kGentleShortest && change != 0.0 && change <= kGentleChange * lower;
 }
 
-/// A cubic through four points, in Newton's form: at[0] is 0.
-struct GentleCurve {
-  Two c0, c1, c2, c3;
+/// The roots of both sections on their way through a sub-block, cells side by side in whole
+/// vectors.
+struct GentleRoots {
+  static constexpr int kCells = 16;
+  static_assert(kCells >= NoiseTreble::kCells && kCells % 8 == 0);
+  alignas(64) double root[kCells] = {}, increment[kCells] = {};
+  // The targets' cubic in Newton's form, the first of its points at 0.
+  double at[kGentlePoints];
+  alignas(64) double c[kGentlePoints][kCells] = {};
 
-  GentleCurve() = default;
-  GentleCurve(const double (&at)[kGentlePoints], Two f0, Two f1, Two f2, Two f3) {
-    const Two slope0 = (f1 - f0) / at[1], slope1 = (f2 - f1) / (at[2] - at[1]);
-    const Two slope2 = (f3 - f2) / (at[3] - at[2]);
-    const Two bend0 = (slope1 - slope0) / at[2], bend1 = (slope2 - slope1) / (at[3] - at[1]);
-    c0 = f0;
-    c1 = slope0;
-    c2 = bend0;
-    c3 = (bend1 - bend0) / at[3];
+  GentleRoots(const NoiseTreble& t, const double* between, int n) {
+    const auto sampleOf = [n](int point) { return point * (n - 1) / (kGentlePoints - 1); };
+    TrebleRoots target[kGentlePoints - 1 + kWidth];
+    for (int point = 0; point < kGentlePoints; point += kWidth) {
+      Lanes speed{};
+      for (int k = 0; k < kWidth; ++k)
+        speed[k] = between[sampleOf(point + k < kGentlePoints ? point + k : kGentlePoints - 1)];
+      const Lanes square = speed * speed;
+      designTreble(t, slowLowPassHz(speed), fastShelfHz(square), fastShelfDb(square),
+                   target + point);
+    }
+    for (int point = 0; point < kGentlePoints; ++point) {
+      at[point] = sampleOf(point);
+      for (int i = 0; i < NoiseTreble::kCells; ++i) c[point][i] = target[point][i];
+    }
+    for (int i = 0; i < NoiseTreble::kCells; ++i) root[i] = t.root[i];
+    for (int order = 1; order < kGentlePoints; ++order) {
+      for (int point = kGentlePoints - 1; point >= order; --point) {
+        const double scale = 1.0 / (at[point] - at[point - order]);
+        for (int i = 0; i < kCells; ++i) c[point][i] = (c[point][i] - c[point - 1][i]) * scale;
+      }
+    }
   }
-  Two value(const double (&at)[kGentlePoints], double x) const {
-    return ((c3 * (x - at[2]) + c2) * (x - at[1]) + c1) * x + c0;
+
+  Lanes target(int cell, double x) const {
+    return ((load(c[3] + cell) * (x - at[2]) + load(c[2] + cell)) * (x - at[1]) +
+            load(c[1] + cell)) *
+               x +
+           load(c[0] + cell);
+  }
+
+  /// To sample j.
+  void step(double share, int j) {
+    for (int cell = 0; cell < kCells; cell += kWidth) {
+      const Lanes from = load(root + cell), way = (target(cell, j) - from) * share;
+      store(increment + cell, way);
+      store(root + cell, from + way);
+    }
   }
 };
 
 void gentleTreble(NoiseTreble& t, const double* between, const double* slow, const double* fast,
                   double* out, int n) {
   TrebleSections sections(t);
-  TrebleRoots target[kGentlePoints - 1 + kWidth];
-  const auto sampleOf = [n](int point) { return point * (n - 1) / (kGentlePoints - 1); };
-  double at[kGentlePoints];
-  for (int point = 0; point < kGentlePoints; ++point) at[point] = sampleOf(point);
-  for (int point = 0; point < kGentlePoints; point += kWidth) {
-    Lanes speed{};
-    for (int k = 0; k < kWidth; ++k)
-      speed[k] = between[sampleOf(point + k < kGentlePoints ? point + k : kGentlePoints - 1)];
-    const Lanes square = speed * speed;
-    designTreble(t, slowLowPassHz(speed), fastShelfHz(square), fastShelfDb(square), target + point);
-  }
-  Two root[kRootCount], increment[kRootCount];
-  GentleCurve curve[kRootCount];
-  for (int i = 0; i < kRootCount; ++i) {
-    const auto of = [&](int point) { return loadTwo(target[point] + 2 * i); };
-    root[i] = loadTwo(t.root + 2 * i);
-    curve[i] = GentleCurve(at, of(0), of(1), of(2), of(3));
-  }
+  GentleRoots roots(t, between, n);
   for (int j = 0; j < n; ++j) {
-    for (int i = 0; i < kRootCount; ++i) {
-      increment[i] = (curve[i].value(at, j) - root[i]) * t.share;
-      root[i] += increment[i];
-    }
-    sections.section = TrebleSections::TwoLaws::Section(root);
+    roots.step(t.share, j);
+    sections.retune(roots.root);
     out[j] = sections.step(slow[j], fast[j]);
   }
   // Where the tuning stays from here on, the rest of the way is covered as it began.
-  for (int i = 0; i < kRootCount; ++i) {
-    storeTwo(t.root + 2 * i, root[i]);
-    storeTwo(t.increment + 2 * i, increment[i]);
-    storeTwo(t.target + 2 * i, loadTwo(target[kGentlePoints - 1] + 2 * i));
+  for (int i = 0; i < NoiseTreble::kCells; ++i) {
+    t.root[i] = roots.root[i];
+    t.increment[i] = roots.increment[i];
+    t.target[i] = roots.root[i] + roots.increment[i] * (t.steps - 1);
   }
   t.remaining = t.steps - 1;
   t.between = between[n - 1];
@@ -223,7 +236,7 @@ void noiseTreble(NoiseTreble& t, const double* between, const double* slow, cons
     if (t.remaining > 0) {
       --t.remaining;
       for (int i = 0; i < NoiseTreble::kCells; ++i) t.root[i] += t.increment[i];
-      sections.retune(t);
+      sections.retune(t.root);
     }
     out[j] = sections.step(slow[j], fast[j]);
   }
