@@ -18,7 +18,8 @@ class Bench : public testing::Test {
   Bench() { setenv("XDG_CONFIG_HOME", m_folder.path().c_str(), 1); }
 
   Finished bench(const std::string& options) const {
-    return run(BREZAN " bench --plugin " PLUGIN " --seconds 0.01 " + options);
+    return run(SHELL_WORD(BREZAN) " bench --plugin " SHELL_WORD(PLUGIN) " --seconds 0.01 " +
+               options);
   }
 
   TemporaryFolder m_folder;

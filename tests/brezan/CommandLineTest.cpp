@@ -37,10 +37,10 @@ class CommandLine : public testing::Test {
   }
 
   Finished brezan(const std::string& arguments) {
-    const std::string plugin = "--plugin " TEST_EFFECT;
+    const std::string plugin = "--plugin " SHELL_WORD(TEST_EFFECT);
     std::string line = arguments;
     if (const auto at = line.find("@"); at != std::string::npos) line.replace(at, 1, plugin);
-    return run("cd " + m_folder.path().string() + " && " BREZAN " " + line);
+    return run("cd " + m_folder.path().string() + " && " SHELL_WORD(BREZAN) " " + line);
   }
 
   double firstSample(const std::string& name) {
@@ -205,9 +205,10 @@ TEST_F(CommandLine, OutputsAreReplacedOrWrittenThroughAsTheirKindWants) {
   };
   for (const auto& c : cases) {
     const std::string join = std::string(c.before).ends_with('|') ? " " : "; ";
-    const Finished got = run("cd " + m_folder.path().string() + "; " + c.before + join + BREZAN +
-                             " render --plugin " TEST_EFFECT " --tail 0 " + c.arguments + " && { " +
-                             c.after + "; }");
+    const Finished got =
+        run("cd " + m_folder.path().string() + "; " + c.before + join + SHELL_WORD(BREZAN) +
+            " render --plugin " SHELL_WORD(TEST_EFFECT) " --tail 0 " + c.arguments + " && { " +
+            c.after + "; }");
     EXPECT_EQ(got.status, 0) << c.arguments << got.errors;
   }
 }
@@ -251,9 +252,10 @@ TEST_F(CommandLine, AnInterruptedRenderLeavesTheOldFile) {
   const std::size_t before = m_folder.entries();
   for (const char* signal : {"INT", "HUP", "TERM"}) {
     // An endless tail in blocks of one frame keeps the program busy until it is stopped.
-    const Finished got = run("cd " + m_folder.path().string() + " && timeout -s " + signal +
-                             " 1 " BREZAN " render mono.wav out.wav --plugin " TEST_EFFECT
-                             " --preset Endless --tail 3600 --block 1; test $? = 124");
+    const Finished got =
+        run("cd " + m_folder.path().string() + " && timeout -s " + signal +
+            " 1 " SHELL_WORD(BREZAN) " render mono.wav out.wav --plugin " SHELL_WORD(
+                TEST_EFFECT) " --preset Endless --tail 3600 --block 1; test $? = 124");
     EXPECT_THAT(got.errors, HasSubstr("brezan: interrupted\n")) << signal;
     EXPECT_EQ(contents(m_folder / "out.wav"), "old");
     EXPECT_EQ(m_folder.entries(), before) << signal;

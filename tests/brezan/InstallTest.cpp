@@ -38,11 +38,11 @@ class Install : public testing::Test {
                m_folder.path().string() + "; HOME=$PWD/home " + command);
   }
   Finished install(const std::string& options = "") {
-    return asUser("bash " INSTALL_SCRIPT " \"$PWD/staged\" " + options);
+    return asUser("bash " SHELL_WORD(INSTALL_SCRIPT) " \"$PWD/staged\" " + options);
   }
   /// What the plug-in's manual button would open.
   std::string manual(const std::string& brezan = BREZAN) {
-    const std::string path = asUser(brezan + " manual").output;
+    const std::string path = asUser("\"" + brezan + "\" manual").output;
     return path.substr(0, path.find('\n'));
   }
 
@@ -115,7 +115,8 @@ TEST_F(Install, ReplacesAnEarlierVersionsFiles) {
   put("home/.local/share/qlx-brezan/installed",
       "file " + sum + " " + (m_folder / "home/elsewhere/QLXBrezan.so").string() + "\nfile " + sum +
           " " + (m_folder / "home/.local/share/qlx-brezan/manual.pdf").string() + "\n");
-  ASSERT_EQ(asUser(BREZAN " manual --set home/.local/share/qlx-brezan/manual.pdf").status, 0);
+  ASSERT_EQ(
+      asUser(SHELL_WORD(BREZAN) " manual --set home/.local/share/qlx-brezan/manual.pdf").status, 0);
   ASSERT_EQ(install().status, 0);
   EXPECT_EQ(manual(), m_folder / kManual);
   EXPECT_FALSE(exists(m_folder / "home/.local/share/qlx-brezan/manual.pdf"));
@@ -146,7 +147,9 @@ TEST_F(Install, LeavesForeignAndChangedFilesAlone) {
 TEST_F(Install, LeavesTheUsersOwnManualAlone) {
   put("home/mine.pdf", "mine");
   const std::string mine = m_folder / "home/mine.pdf";
-  const auto choose = [this] { EXPECT_EQ(asUser(BREZAN " manual --set home/mine.pdf").status, 0); };
+  const auto choose = [this] {
+    EXPECT_EQ(asUser(SHELL_WORD(BREZAN) " manual --set home/mine.pdf").status, 0);
+  };
   for (const bool before : {true, false}) {
     if (before) choose();
     ASSERT_EQ(install().status, 0);
@@ -154,7 +157,7 @@ TEST_F(Install, LeavesTheUsersOwnManualAlone) {
     if (!before) choose();
     ASSERT_EQ(install("--uninstall").status, 0);
     EXPECT_EQ(manual(), mine);
-    ASSERT_EQ(asUser(BREZAN " manual --forget home/mine.pdf").status, 0);
+    ASSERT_EQ(asUser(SHELL_WORD(BREZAN) " manual --forget home/mine.pdf").status, 0);
     EXPECT_EQ(manual(), "");
   }
 }
@@ -185,14 +188,14 @@ TEST_F(Install, LeavesNothingHalfDone) {
   // Some files have taken their places already when one cannot.
   put("fake/mv", "#!/bin/sh\ncase $3 in *manual.pdf.new) exit 1 ;; esac\nexec /bin/mv \"$@\"\n");
   permissions(m_folder / "fake/mv", std::filesystem::perms::owner_all);
-  EXPECT_NE(asUser("PATH=$PWD/fake:$PATH bash " INSTALL_SCRIPT " staged").status, 0);
+  EXPECT_NE(asUser("PATH=$PWD/fake:$PATH bash " SHELL_WORD(INSTALL_SCRIPT) " staged").status, 0);
   EXPECT_EQ(home(), before) << "an earlier installation";
 }
 
 TEST_F(Install, SaysWhatIsWrong) {
   EXPECT_THAT(install("--prefix").errors, HasSubstr("--prefix needs a folder"));
   EXPECT_THAT(install("--everything").errors, HasSubstr("unknown option '--everything'"));
-  EXPECT_THAT(asUser(BREZAN " manual --set nowhere").errors, HasSubstr("no manual"));
+  EXPECT_THAT(asUser(SHELL_WORD(BREZAN) " manual --set nowhere").errors, HasSubstr("no manual"));
   for (const char* file : {"bin/brezan", "lib/vst/QLXBrezan.so"}) {
     std::filesystem::remove(m_folder / "staged" / file);
     EXPECT_THAT(install().errors, HasSubstr(std::string(file) + " is not built"));

@@ -105,8 +105,9 @@ TEST_F(MachineNoise, ReportTellsSpeedsAndRests) {
   }
   write(m_folder / "moves.txt", "3 Lever Tremolo\n");
   const auto brezan = [&](const std::string& words) {
-    const Finished done = run("cd " + m_folder.path().string() + " && " BREZAN " " + words +
-                              " --plugin " PLUGIN " --automate moves.txt --set CPUmode=LowCPU");
+    const Finished done =
+        run("cd " + m_folder.path().string() + " && " SHELL_WORD(BREZAN) " " + words +
+            " --plugin " SHELL_WORD(PLUGIN) " --automate moves.txt --set CPUmode=LowCPU");
     EXPECT_EQ(done.status, 0) << done.errors;
     return done.output;
   };

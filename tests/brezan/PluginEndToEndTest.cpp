@@ -96,7 +96,7 @@ TEST_F(PluginEndToEnd, PresetsAreChosenByNumber) {
 }
 
 TEST_F(PluginEndToEnd, TheProgramTellsTheIdentity) {
-  const Finished info = run(BREZAN " info --plugin " PLUGIN " --json");
+  const Finished info = run(SHELL_WORD(BREZAN) " info --plugin " SHELL_WORD(PLUGIN) " --json");
   EXPECT_EQ(info.status, 0) << info.errors;
   for (const char* words : {"\"name\": \"QLX Brezan\"", "\"id\": \"QbrZ\"", "\"parameters\": 36",
                             "\"presets\": 32", "\"stateBytes\": 42289", "\"receivesMidi\": true"})
@@ -122,7 +122,8 @@ TEST_F(PluginEndToEnd, TheTailEndsWithTheProgrammeWhateverTheMotorsDo) {
     for (const std::string options : {"", "--set Lever=Tremolo --set Mech=1"}) {
       const Finished done =
           run("cd " + m_folder.path().string() +
-              " && " BREZAN " render in.wav out.wav --plugin " PLUGIN " " + options);
+              " && " SHELL_WORD(BREZAN) " render in.wav out.wav --plugin " SHELL_WORD(PLUGIN) " " +
+              options);
       ASSERT_EQ(done.status, 0) << done.errors;
       const auto seconds = static_cast<double>(AudioInput(m_folder / "out.wav").frames()) / kRate;
       EXPECT_GE(seconds, c.least) << done.output;

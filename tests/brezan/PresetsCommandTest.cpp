@@ -23,8 +23,8 @@ class PresetsCommand : public testing::Test {
   PresetsCommand() { setenv("XDG_CONFIG_HOME", (m_folder / "config").c_str(), 1); }
 
   Finished presets(const std::string& arguments) {
-    return run("cd " + m_folder.path().string() + " && " BREZAN " presets " + arguments +
-               " --plugin " PLUGIN);
+    return run("cd " + m_folder.path().string() + " && " SHELL_WORD(BREZAN) " presets " +
+               arguments + " --plugin " SHELL_WORD(PLUGIN));
   }
   void given(const std::string& name, const Bytes& bytes) { writeBytes(m_folder / name, bytes); }
   Bytes saved(const std::string& name) { return readBytes(m_folder / name); }

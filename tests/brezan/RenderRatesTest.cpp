@@ -60,8 +60,8 @@ class RenderRates : public testing::TestWithParam<const char*> {
     }
     const auto done =
         run("cd " + m_folder.path().string() +
-            " && " BREZAN " render dry.wav wet.wav --plugin " PLUGIN
-            " --format float --tail 0 --settle 12 --set Lever=Tremolo --set CPUmode=" +
+            " && " SHELL_WORD(BREZAN) " render dry.wav wet.wav --plugin " SHELL_WORD(
+                PLUGIN) " --format float --tail 0 --settle 12 --set Lever=Tremolo --set CPUmode=" +
             GetParam());
     EXPECT_EQ(done.status, 0) << done.errors;
     EXPECT_EQ(done.output.find("converted there and back") != std::string::npos, !own)

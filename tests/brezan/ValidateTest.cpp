@@ -15,7 +15,8 @@ using testing::Not;
 namespace {
 
 Finished validate(const std::string& options, const std::string& fault = "") {
-  return run("QLX_FAULT='" + fault + "' " BREZAN " validate " FAULTY_EFFECT " --seconds 0.2 " +
+  return run("QLX_FAULT='" + fault +
+             "' " SHELL_WORD(BREZAN) " validate " SHELL_WORD(FAULTY_EFFECT) " --seconds 0.2 " +
              options);
 }
 
@@ -149,15 +150,15 @@ TEST(Validate, ItsCommandLineIsTold) {
     const char* output;
   } cases[] = {
       {"missing.so", 2, "no plug-in file 'missing.so'", ""},
-      {FAULTY_EFFECT " --only audio.loud", 2, "no group or check 'audio.loud'", ""},
-      {FAULTY_EFFECT " --level 11", 2, "--level", ""},
-      {FAULTY_EFFECT " --json none/file", 1, "cannot write 'none/file'", ""},
-      {BREZAN " --only scan.cold", 1, "1 of 1 checks failed", "cannot load"},
+      {SHELL_WORD(FAULTY_EFFECT) " --only audio.loud", 2, "no group or check 'audio.loud'", ""},
+      {SHELL_WORD(FAULTY_EFFECT) " --level 11", 2, "--level", ""},
+      {SHELL_WORD(FAULTY_EFFECT) " --json none/file", 1, "cannot write 'none/file'", ""},
+      {SHELL_WORD(BREZAN) " --only scan.cold", 1, "1 of 1 checks failed", "cannot load"},
       {"--list", 0, "", "audio.rates "},
-      {FAULTY_EFFECT " --only scan.cold --json -", 0, "ok ", "{\n"},
+      {SHELL_WORD(FAULTY_EFFECT) " --only scan.cold --json -", 0, "ok ", "{\n"},
   };
   for (const auto& c : cases) {
-    const Finished got = run(BREZAN " validate " + std::string(c.options));
+    const Finished got = run(SHELL_WORD(BREZAN) " validate " + std::string(c.options));
     EXPECT_EQ(got.status, c.status) << c.options;
     EXPECT_THAT(got.errors, HasSubstr(c.errors)) << c.options;
     EXPECT_THAT(got.output, HasSubstr(c.output)) << c.options;
@@ -166,10 +167,11 @@ TEST(Validate, ItsCommandLineIsTold) {
 
 TEST(Validate, AnInterruptEndsTheCheckAndLeavesNothing) {
   const TemporaryFolder folder;
-  const Finished got = run("export TMPDIR=" + folder.path().string() +
-                           " QLX_FAULT=lock; " BREZAN " validate " FAULTY_EFFECT
-                           " --only state.nested & sleep 0.5; kill -TERM $!; wait $!; status=$?;"
-                           " pgrep -f -- '" FAULTY_EFFECT " --only state.nested$'; exit $status");
+  const Finished got =
+      run("export TMPDIR=" + folder.path().string() +
+          " QLX_FAULT=lock; " SHELL_WORD(BREZAN) " validate " SHELL_WORD(
+              FAULTY_EFFECT) " --only state.nested & sleep 0.5; kill -TERM $!; wait $!; status=$?;"
+                             " pgrep -f -- '" FAULTY_EFFECT " --only state.nested$'; exit $status");
   EXPECT_EQ(got.status, 128 + 15) << got.output;
   EXPECT_EQ(got.output, "");
   EXPECT_EQ(folder.entries(), 0U);

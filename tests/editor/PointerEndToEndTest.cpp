@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 // The editor as its user meets it: in a window on a display, worked with a real pointer and
 // keyboard, while a host listens and another thread plays.
+#include "tests/support/CommandRun.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/desktop/VirtualDisplay.h"
 
@@ -167,8 +168,8 @@ TEST(EditorInWords, NeedsNoDisplay) {
   setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
   unsetenv("DISPLAY");
   const std::string file = std::filesystem::path(folder / "words").string();
-  const std::string command = BREZAN " edit --describe --plugin " PLUGIN
-                                     " --preset 'Old Rotary' --set Lever=Tremolo --set Bypass=On >";
+  const std::string command = SHELL_WORD(BREZAN) " edit --describe --plugin " SHELL_WORD(
+      PLUGIN) " --preset 'Old Rotary' --set Lever=Tremolo --set Bypass=On >";
   ASSERT_EQ(std::system((command + file).c_str()), 0);
   std::ostringstream text;
   text << std::ifstream(file).rdbuf();
@@ -186,7 +187,8 @@ TEST(EditorPictures, NeedNoDisplay) {
   unsetenv("DISPLAY");
   const auto pictureWith = [&folder](const std::string& options) {
     const std::filesystem::path file = folder / "editor.png";
-    const std::string command = BREZAN " screenshot --plugin " PLUGIN " " + options + " ";
+    const std::string command =
+        SHELL_WORD(BREZAN) " screenshot --plugin " SHELL_WORD(PLUGIN) " " + options + " ";
     EXPECT_EQ(std::system((command + file.string() + " >/dev/null").c_str()), 0) << options;
     std::ostringstream bytes;
     bytes << std::ifstream(file, std::ios::binary).rdbuf();

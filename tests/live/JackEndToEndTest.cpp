@@ -207,7 +207,8 @@ TEST(JackEndToEndTest, WhatIsPlayedEqualsWhatIsRendered) {
   notes.close();
   const auto render = [&](const std::string& start, const std::string& out) {
     const Finished done =
-        run(std::string(BREZAN) + " render --plugin " PLUGIN " --format float --tail 0 --block " +
+        run(std::string(SHELL_WORD(BREZAN)) +
+            " render --plugin " SHELL_WORD(PLUGIN) " --format float --tail 0 --block " +
             std::to_string(kBlock) + " --settle " + std::to_string(settle) + " --midi " +
             (folder / "notes.mid").string() + " " + start + " " + (folder / "in.wav").string() +
             " " + (folder / out).string());
@@ -226,7 +227,7 @@ TEST(JackEndToEndTest, WhatIsPlayedEqualsWhatIsRendered) {
   EXPECT_GT(peak, 0.05F);
   EXPECT_LT(error, 1e-6F) << "settled for " << settle << " s; " << words;
 
-  const Finished shown = run(std::string(BREZAN) + " presets show " + state);
+  const Finished shown = run(std::string(SHELL_WORD(BREZAN)) + " presets show " + state);
   EXPECT_EQ(shown.status, 0) << shown.errors;
   EXPECT_NE(shown.output.find("current preset 2"), std::string::npos) << shown.output;
 }

@@ -9,6 +9,9 @@
 #include <string>
 #include <sys/wait.h>
 
+/// The literal of a path as a word of a shell command: folders may have spaces.
+#define SHELL_WORD(path) "'" path "'"
+
 namespace qlx::test {
 
 inline std::string contents(const std::filesystem::path& file) {
