@@ -107,6 +107,12 @@ TEST_F(OpenEditor, AboutScreenStopsTheMarkersUntilItIsClosed) {
 
 // --- Drawing ---
 
+#if defined(__SANITIZE_THREAD__)
+constexpr int kRoundStep = 5; // sixty times slower, and one thread alone
+#else
+constexpr int kRoundStep = 1;
+#endif
+
 TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
   std::mt19937 random(570);
   const auto upTo = [&random](int n) {
@@ -118,7 +124,7 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
   constexpr VirtualKey kKeys[] = {VirtualKey::kReturn, VirtualKey::kTab, VirtualKey::kNone,
                                   VirtualKey::kNone, VirtualKey::kNone};
   std::array<int, gui::kWindowScales.size()> rings{};
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 3000; round += kRoundStep) {
     // In windows of every scale; the first one most.
     if (round >= 1500 && round % 500 == 0) {
       rig.frame().setScale(gui::kWindowScales[static_cast<std::size_t>(round / 500 - 2)]);
@@ -157,7 +163,7 @@ TEST_F(OpenEditor, PartsRedrawnEqualTheWholeRedrawn) {
     rig.frame().draw(context);
     ASSERT_TRUE(rig.picture() == whole.pixels) << "round " << round;
   }
-  EXPECT_GT(std::ranges::min(rings), 20) << "with a ring at every scale";
+  EXPECT_GT(std::ranges::min(rings), 20 / kRoundStep) << "with a ring at every scale";
 }
 
 TEST_F(OpenEditor, DrawsOnlyWhatChangesAndAllocatesNothing) {
