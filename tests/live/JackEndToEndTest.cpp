@@ -99,7 +99,8 @@ class Organist {
   static constexpr std::size_t kMostBlocks = 20000;
 
   long frameAt(unsigned clock) const {
-    return (std::find(m_clocks.begin(), m_clocks.end(), clock) - m_clocks.begin()) * kBlock;
+    const auto heard = m_clocks.begin() + static_cast<long>(m_blocks.load());
+    return (std::find(m_clocks.begin(), heard, clock) - m_clocks.begin()) * kBlock;
   }
 
   void play(jack_nframes_t frames) {
@@ -128,12 +129,13 @@ class Organist {
 
   // Another client: in a ring of two, JACK holds one direction back by a block.
   void listen(jack_nframes_t frames) {
-    if (m_blocks == m_clocks.size()) return;
-    m_clocks[m_blocks] = jack_last_frame_time(m_listener);
+    const std::size_t block = m_blocks;
+    if (block == m_clocks.size()) return;
+    m_clocks[block] = jack_last_frame_time(m_listener);
     for (std::size_t channel = 0; channel < 2; ++channel)
       std::copy_n(static_cast<const float*>(jack_port_get_buffer(m_in[channel], frames)), frames,
-                  m_heard[channel].begin() + static_cast<long>(m_blocks * kBlock));
-    ++m_blocks;
+                  m_heard[channel].begin() + static_cast<long>(block * kBlock));
+    m_blocks = block + 1; // what stands before it is for all threads to read
   }
 
   std::vector<TimedMidi> m_midi;
@@ -144,7 +146,7 @@ class Organist {
   std::array<jack_port_t*, 2> m_in{};
   std::vector<unsigned> m_clocks = std::vector<unsigned>(kMostBlocks);
   std::array<std::vector<float>, 2> m_heard;
-  std::size_t m_blocks = 0;
+  std::atomic<std::size_t> m_blocks{0};
   unsigned m_firstClock = 0; ///< of the first block with tones
   std::atomic<bool> m_playing{false};
   std::atomic<int> m_done{0};
